@@ -1,0 +1,18 @@
+#ifndef VESTRA_DATA_BYTE_STRING_H
+#define VESTRA_DATA_BYTE_STRING_H
+
+#include <string>
+
+namespace Oza {
+
+/// A copy of a C string that came from outside: from the host or from the
+/// support library.
+///
+/// @throws std::logic_error "basic_string::_M_construct null not valid" when
+///         `text` is null. Hosts know that text, while standard libraries change
+///         theirs, so it is written out here.
+std::string byteString(const char* text);
+
+}  // namespace Oza
+
+#endif

@@ -1,0 +1,7 @@
+#include <vestra/vestra_data.h>
+
+namespace Oza {
+
+VestraDataInterface::~VestraDataInterface() = default;
+
+}  // namespace Oza

@@ -1,0 +1,68 @@
+#include "handler/support_library.h"
+
+#include <dlfcn.h>
+
+#include <stdexcept>
+
+#include "data/byte_string.h"
+
+namespace Oza::support_library {
+namespace {
+
+constexpr const char* LIBRARY = "libqvzcommonvestrasupport.so";
+
+/// One entry point: its symbol, and its address once the library is open.
+template <typename... Arguments>
+class EntryPoint {
+ public:
+  explicit constexpr EntryPoint(const char* symbolName) : symbol(symbolName) {}
+
+  void lookUp(void* handle) { function = reinterpret_cast<Function>(dlsym(handle, symbol)); }
+  void forget() { function = nullptr; }
+  bool isKnown() const { return function != nullptr; }
+
+  std::string answer(Arguments... arguments) const {
+    if (!isKnown()) {
+      throw std::logic_error(std::string(LIBRARY) + " lacks " + symbol);
+    }
+    return byteString(function(arguments...));
+  }
+
+ private:
+  using Function = const char* (*)(Arguments...);
+
+  const char* symbol;
+  Function function = nullptr;
+};
+
+EntryPoint<> execPathEntry("oza_vestra_exec_path");
+EntryPoint<const char*> registrationEntry("oza_vestra_regid");
+EntryPoint<const char*> environmentEntry("oza_vestra_enviroment_data");
+
+}  // namespace
+
+bool isOpen() { return execPathEntry.isKnown(); }
+
+void* open() {
+  void* handle = dlopen(LIBRARY, RTLD_LAZY);
+  if (handle != nullptr) {
+    execPathEntry.lookUp(handle);
+    registrationEntry.lookUp(handle);
+    environmentEntry.lookUp(handle);
+  }
+  return handle;
+}
+
+// The other two are looked up anew with the next opening.
+void close(void* handle) {
+  dlclose(handle);
+  execPathEntry.forget();
+}
+
+std::string execPath() { return execPathEntry.answer(); }
+
+std::string registrationId() { return registrationEntry.answer("Implementation"); }
+
+std::string environmentData(const char* productName) { return environmentEntry.answer(productName); }
+
+}  // namespace Oza::support_library

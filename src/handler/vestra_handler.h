@@ -1,0 +1,161 @@
+#ifndef VESTRA_HANDLER_VESTRA_HANDLER_H
+#define VESTRA_HANDLER_VESTRA_HANDLER_H
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <vestra/vestra.h>
+#include <vestra/vestra_data.h>
+
+namespace Oza {
+
+class VestraProjectInfo;
+
+/// The report handler: holds what was collected, writes the report and runs the
+/// main design tool on it.
+///
+/// It is never reset. Items, project directory and product stay until they are
+/// added to or set again. The files of a report lie in the project directory's
+/// vestra/ directory; paths are joined as texts, without a look for doubled
+/// slashes.
+class VestraHandler {
+ public:
+  /// Starts with the six contexts, all empty, for product KELVO and without a
+  /// project directory.
+  VestraHandler();
+  VestraHandler(const VestraHandler&) = delete;
+  VestraHandler& operator=(const VestraHandler&) = delete;
+  /// Frees the identity record, then the contexts with their items. The support
+  /// library stays open: only a run of the main design tool closes it.
+  ~VestraHandler();
+
+  // What was collected.
+
+  /// Files a new item under the context at position `section`, which must be one
+  /// of the six: it is not checked.
+  void addData(std::string key, std::string value, Vestra::SectionType section);
+  /// Files an existing node there and takes ownership of it.
+  void addData(VestraDataInterface* item, Vestra::SectionType section);
+  /// Appends a context, which must be a `VestraParentData`, and takes ownership.
+  void addData(VestraDataInterface* item);
+  /// Whether nothing is filed under the context at position `index`, 0 to 5.
+  bool isParentEmpty(unsigned int index);
+  /// Leaves section 0 with the fifteen fixed keys in their fixed order: keys are
+  /// lower-cased by the global locale, the first item with a key is kept, missing
+  /// ones get "not_applicable", others are freed.
+  void uniqueAndReorderData();
+
+  // Whose report it is.
+
+  /// Stores the absolute form of the directory; a relative one is resolved against
+  /// the current directory. Nothing is looked at or made on disk.
+  /// @throws boost::filesystem::filesystem_error when the current directory cannot
+  ///         be told, whether it is needed or not.
+  void setProjectDirectory(std::string directory);
+  void setProductType(Vestra::ProductType product);
+  Vestra::ProductType getProductType();
+  /// Whether the product is the simulator: type 0 or 1.
+  bool isKelvo() const;
+  /// "KELVO" or "TAVLO"
+  std::string getProductName() const;
+  /// "kelvo" or "tavlo"
+  std::string getProductNameL() const;
+  /// File name of the report script.
+  std::string getVestraCommandTcl() const;
+  /// File name of the rules file.
+  std::string getVestraWdm() const;
+  /// File name of the XML report.
+  std::string getVestraXml() const;
+  /// File name of the HTML report.
+  std::string getVestraHtml() const;
+  /// Path of the lab tool's log, for every product.
+  std::string getLogFileName() const;
+  /// The redirection at the command line's end: empty for the simulator, into the
+  /// log for the lab tool. Asking for the latter deletes the previous log.
+  /// @throws boost::filesystem::filesystem_error when that fails for another
+  ///         reason than absence.
+  std::string getVestraMsgFilter() const;
+
+  // The project's identity and the user's environment.
+
+  /// Makes a new identity record for the project directory and loads or creates its
+  /// file. Run it after the project directory is set and the host's items are in.
+  /// @return Whether the record can be used.
+  bool setupVestraInfo();
+  /// The value of the first item of section 0 whose key is "project_id" in any
+  /// letter case; empty without one. The keys that were looked at are lower-cased
+  /// in place.
+  std::string getOrbeloProjectId() const;
+  /// Adds the environment data of the support library, "project_id" and
+  /// "project_iteration", and puts section 0 into its order. Needs the identity
+  /// record and the open support library.
+  /// @throws std::logic_error when the support library answers null or lacks the
+  ///         entry point.
+  void addUserEnvironmentData();
+
+  // The report.
+
+  /// Loads the identity, writes the rules file, opens the support library unless it
+  /// is open, completes the items and writes the script.
+  /// @return False when the identity cannot be used or the support library cannot
+  ///         be opened; no script is written then. A script file that cannot be
+  ///         written is not noticed.
+  /// @throws std::logic_error when the support library answers null or lacks an
+  ///         entry point.
+  bool prepareVestraData();
+  /// Writes the rules file of the current product. A failure is not noticed.
+  void createSimWdm();
+  /// CRC-32 of the bytes before the first NUL.
+  std::uint32_t getCrc32(const std::string& text);
+  /// Whether the machine belongs to the maker's own network; found out once. While
+  /// it does, CALVIX_VESTRA_INTERNAL_TRANSMIT is read at each call.
+  bool isInternal();
+  /// Day of the year, year and hour of the local time: nine digits.
+  std::string getTimeStampSeg();
+  /// The support library's registration identifier.
+  /// @throws std::logic_error when it is null or the entry point is missing.
+  std::string getRegId();
+
+  /// Counts the attempt and, when a report is due, runs the main design tool.
+  /// Needs a prepared report.
+  /// @return Whether the report was due.
+  bool sendVestraData();
+  /// Runs the main design tool on the script through the shell and waits for it,
+  /// closes the support library, and removes script and rules file unless
+  /// CALVIX_VESTRA_DEBUG_EXT is non-empty.
+  /// @return Whether the shell gave status 0.
+  /// @throws std::logic_error when the support library names no tool.
+  /// @throws boost::filesystem::filesystem_error when a file cannot be removed.
+  bool execVestraData();
+
+ private:
+  static constexpr unsigned int CONTEXT_COUNT = 6;
+  static constexpr std::uint32_t SITE_NOT_YET_DETERMINED = 0xFFFFFFFFU;
+
+  explicit VestraHandler(Vestra::ProductType product);
+
+  VestraParentData* contextAt(unsigned int index) const;
+  std::string pathInVestraDirectory(const std::string& name) const;
+  void addEnvironmentPairs(const std::string& environment);
+  bool openSupportLibrary();
+  void closeSupportLibrary();
+  void writeScript();
+  std::string writeContexts(std::ostream& script);
+  std::string registrationText();
+  void writeTransmitLine(std::ostream& script, const std::string& checksumText);
+  std::string commandLine() const;
+  void removeReportFiles() const;
+
+  VestraProjectInfo* projectInfo;
+  std::vector<VestraDataInterface*> contexts;
+  std::string projectDirectory;
+  Vestra::ProductType productType;
+  void* supportLibrary;
+  std::uint32_t internalSite;
+};
+
+}  // namespace Oza
+
+#endif

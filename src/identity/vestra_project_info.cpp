@@ -1,0 +1,139 @@
+#include "identity/vestra_project_info.h"
+
+#include <ctime>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+#include <boost/filesystem/operations.hpp>
+
+#include "files/open_file.h"
+#include "files/path_text.h"
+#include "handler/vestra_handler.h"
+#include "identity/random_uuid.h"
+
+namespace Oza {
+namespace {
+
+constexpr std::size_t FILE_NAME_LENGTH = 19;
+constexpr std::int64_t SECONDS_PER_DAY = 86400;
+
+/// Reads one line and, unless it is empty, makes a number of it.
+template <typename Number, typename Convert>
+void readNumber(std::istream& in, Number& number, Convert convert) {
+  std::string line;
+  if (std::getline(in, line) && !line.empty()) {
+    number = static_cast<Number>(convert(line));
+  }
+}
+
+}  // namespace
+
+void readProjectIdentity(std::istream& in, ProjectIdentity& identity) {
+  const auto longNumber = [](const std::string& line) { return std::stoll(line); };
+  const auto number = [](const std::string& line) { return std::stoi(line); };
+  readNumber(in, identity.lastSendTimeDefault, longNumber);
+  readNumber(in, identity.lastSendTimeType1, longNumber);
+  readNumber(in, identity.iteration, longNumber);
+  readNumber(in, identity.orbeloFlow, number);
+  std::string line;
+  if (std::getline(in, line)) {
+    identity.projectId = line;
+  }
+}
+
+std::array<std::string, 5> formatProjectIdentity(const ProjectIdentity& identity) {
+  return {std::to_string(identity.lastSendTimeDefault), std::to_string(identity.lastSendTimeType1),
+          std::to_string(identity.iteration), std::to_string(identity.orbeloFlow), identity.projectId};
+}
+
+// Compared without a difference of the two, which a stored time near the edge of
+// its type would overflow.
+bool isReportDue(std::int64_t now, std::int64_t lastSendTime) {
+  return lastSendTime < now - SECONDS_PER_DAY;
+}
+
+VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
+    : filePath(std::move(path)), owner(handler) {}
+
+bool VestraProjectInfo::loadOrCreate() {
+  try {
+    if (fileIsAbsent()) {
+      startNewProject();
+    }
+    std::fstream file;
+    openFile(file, filePath, std::ios_base::in | std::ios_base::out);
+    return file.is_open() ? load(file) : makeEmptyFile();
+  } catch (...) {
+    return false;
+  }
+}
+
+bool VestraProjectInfo::recordSendAttempt() {
+  const std::int64_t now = std::time(nullptr);
+  const bool due = isReportDue(now, lastSendTime());
+  if (due) {
+    lastSendTime() = now;
+  }
+  ++identity.iteration;
+  writeFile();
+  return due;
+}
+
+const std::string& VestraProjectInfo::getProjectId() const { return identity.projectId; }
+
+std::uint64_t VestraProjectInfo::getIteration() const { return identity.iteration; }
+
+std::int32_t VestraProjectInfo::getOrbeloFlow() const { return identity.orbeloFlow; }
+
+// A path that cannot be examined counts as absent too; making the file there
+// tells whether it can be used.
+bool VestraProjectInfo::fileIsAbsent() const {
+  boost::system::error_code error;
+  return !boost::filesystem::exists(boost::filesystem::status(filePath, error));
+}
+
+void VestraProjectInfo::startNewProject() {
+  boost::filesystem::create_directories(directoryOf(filePath, FILE_NAME_LENGTH));
+  const std::string hostProjectId = owner->getOrbeloProjectId();
+  identity.orbeloFlow = hostProjectId.empty() ? 0 : 1;
+  identity.projectId = hostProjectId.empty() ? randomUuid() : hostProjectId;
+}
+
+bool VestraProjectInfo::load(std::fstream& file) {
+  try {
+    readProjectIdentity(file, identity);
+  } catch (const std::logic_error&) {
+    file.close();
+    boost::filesystem::remove(filePath);
+    return false;
+  }
+  const std::string hostProjectId = owner->getOrbeloProjectId();
+  if (!hostProjectId.empty()) {
+    identity.projectId = hostProjectId;
+  }
+  // What could not be read must not be overwritten by the attempt that follows.
+  return !file.bad();
+}
+
+// The values first reach the file with the first attempt to send.
+bool VestraProjectInfo::makeEmptyFile() const {
+  std::ofstream file;
+  openFile(file, filePath, std::ios_base::trunc);
+  return file.is_open();
+}
+
+void VestraProjectInfo::writeFile() const {
+  std::ofstream file;
+  openFile(file, filePath, std::ios_base::trunc);
+  for (const std::string& line : formatProjectIdentity(identity)) {
+    file << line << std::endl;
+  }
+}
+
+std::int64_t& VestraProjectInfo::lastSendTime() {
+  return owner->getProductType() == Vestra::KELVO_ALT ? identity.lastSendTimeType1
+                                                      : identity.lastSendTimeDefault;
+}
+
+}  // namespace Oza

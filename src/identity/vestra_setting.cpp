@@ -1,0 +1,106 @@
+#include "identity/vestra_setting.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <vector>
+
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
+#include <boost/algorithm/string/trim.hpp>
+#include <boost/filesystem/operations.hpp>
+
+#include "files/open_file.h"
+#include "files/path_text.h"
+#include "identity/random_uuid.h"
+
+namespace Oza {
+namespace {
+
+constexpr const char* RANDOM_ID = "RandomID";
+constexpr const char* FILE_NAME = "vestra";
+
+}  // namespace
+
+void readSettings(std::istream& in, std::map<std::string, std::string>& properties) {
+  std::string line;
+  while (std::getline(in, line)) {
+    boost::algorithm::trim(line);
+    std::vector<std::string> fields;
+    boost::algorithm::split(fields, line, boost::algorithm::is_any_of("="));
+    if (fields.size() == 2) {
+      properties.emplace(fields[0], fields[1]);
+    }
+  }
+}
+
+VestraSetting::VestraSetting() {
+  setOrbeloFile();
+  readFile();
+}
+
+void VestraSetting::setOrbeloFile() {
+  const char* home = std::getenv("HOME");
+  settingsFile = home != nullptr ? home : "";
+  if (settingsFile.empty()) {
+    settingsFile = "/tmp";
+  }
+  settingsFile += "/.Calvix/";
+  settingsFile += "Common/";
+  settingsFile += getCalvixVersion();
+  settingsFile += "/";
+  settingsFile += FILE_NAME;
+}
+
+void VestraSetting::readFile() {
+  if (settingsFile.empty()) {
+    return;
+  }
+  std::ifstream in;
+  openFile(in, settingsFile, std::ios_base::in);
+  readSettings(in, properties);
+}
+
+std::string VestraSetting::getPropertyValue(const std::string& key) const {
+  const auto found = properties.find(key);
+  return found != properties.end() ? found->second : std::string();
+}
+
+bool VestraSetting::stringToBool(const std::string& text) { return text.rfind("true", 0) == 0; }
+
+std::string VestraSetting::getCalvixVersion() const { return "2018.2"; }
+
+std::string VestraSetting::getRandomId() {
+  const std::string known = getPropertyValue(RANDOM_ID);
+  if (!known.empty()) {
+    return known;
+  }
+  if (settingsFile.empty() || !makeSettingsDirectory()) {
+    return {};
+  }
+  std::ofstream out;
+  openFile(out, settingsFile, std::ios_base::app);
+  if (!out.is_open()) {
+    return {};
+  }
+  const std::string identifier = randomUuid();
+  out << RANDOM_ID << '=' << identifier << std::endl;
+  // A line with an empty value ahead of all others stands in the table and
+  // stays: such a file gets a new identifier at every call.
+  properties.emplace(RANDOM_ID, identifier);
+  return identifier;
+}
+
+// Where anything stands in the file's place, nothing is made.
+bool VestraSetting::makeSettingsDirectory() const {
+  try {
+    if (!boost::filesystem::exists(settingsFile)) {
+      boost::filesystem::create_directories(directoryOf(settingsFile, std::strlen(FILE_NAME)));
+    }
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+}  // namespace Oza

@@ -1,0 +1,33 @@
+#include <vestra/vestra.h>
+
+#include <utility>
+
+#include "data/byte_string.h"
+#include "interface/vestra_mgr.h"
+
+namespace Oza {
+
+// The value is copied first: with both null, its failure is the one that is seen.
+void Vestra::add(const char* key, const char* value, SectionType section) {
+  std::string valueText = byteString(value);
+  std::string keyText = byteString(key);
+  VestraMgr::getInstance()->getHandler()->addData(std::move(keyText), std::move(valueText), section);
+}
+
+bool Vestra::send(const char* projectDir, ProductType product) {
+  std::string directory = byteString(projectDir);
+  VestraMgr::getInstance()->getHandler()->setProjectDirectory(std::move(directory));
+  VestraMgr::getInstance()->getHandler()->setProductType(product);
+  const std::string randomId = VestraMgr::getInstance()->getSetting()->getRandomId();
+  add("random_id", randomId.c_str(), SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  return VestraMgr::getInstance()->getHandler()->prepareVestraData() &&
+         VestraMgr::getInstance()->getHandler()->sendVestraData();
+}
+
+bool Vestra::internal() { return VestraMgr::getInstance()->getHandler()->isInternal(); }
+
+std::string Vestra::getLogFileName() {
+  return VestraMgr::getInstance()->getHandler()->getLogFileName();
+}
+
+}  // namespace Oza

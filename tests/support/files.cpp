@@ -1,0 +1,46 @@
+#include "support/files.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include <boost/filesystem.hpp>
+
+namespace vestra_test {
+
+namespace fs = boost::filesystem;
+
+std::string readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    throw std::runtime_error("cannot read " + path);
+  }
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const std::string& path, const std::string& bytes) {
+  fs::create_directories(fs::path(path).parent_path());
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << bytes;
+  if (!out.flush()) {
+    throw std::runtime_error("cannot write " + path);
+  }
+}
+
+bool exists(const std::string& path) {
+  return fs::symlink_status(path).type() != fs::file_not_found;
+}
+
+std::vector<std::string> namesIn(const std::string& directory) {
+  std::vector<std::string> names;
+  if (fs::is_directory(directory)) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
+      names.push_back(entry.path().filename().string());
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace vestra_test
