@@ -1,0 +1,40 @@
+// A host as small as can be: a lab tool that reports how it was used.
+//
+//     lab_tool PROJECT_DIRECTORY
+
+#include <cstdlib>
+#include <iostream>
+
+#include <vestra/vestra.h>
+
+using Oza::Vestra;
+
+namespace {
+
+void describeInstallation() {
+  Vestra::add("product_version", "TAVLO v2018.2 (64-bit)", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  Vestra::add("build_version", "2258646", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  Vestra::add("target_device", "x7k325t", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+}
+
+void describeRun() {
+  Vestra::add("batch", "no", Vestra::TAVLO_COMMAND_LINE_OPTIONS);
+  Vestra::add("cable", "usb", Vestra::TAVLO_COMMAND_LINE_OPTIONS);
+  Vestra::add("probes", "4", Vestra::TAVLO_USAGE);
+  Vestra::add("captured_samples", "4096", Vestra::TAVLO_USAGE);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: lab_tool PROJECT_DIRECTORY\n";
+    return EXIT_FAILURE;
+  }
+  describeInstallation();
+  describeRun();
+  const bool sent = Vestra::send(argv[1], Vestra::TAVLO);
+  std::cout << (sent ? "lab tool: the report was sent; its log is " + Vestra::getLogFileName() + "\n"
+                     : "lab tool: no report was due\n");
+  return EXIT_SUCCESS;
+}

@@ -1,0 +1,19 @@
+#ifndef VESTRA_TESTKIT_SANDBOX_FILES_LEFT_H
+#define VESTRA_TESTKIT_SANDBOX_FILES_LEFT_H
+
+#include <string>
+
+#include <vestra/testkit/run.h>
+
+namespace vestra::testkit {
+
+Settings parseSettings(const std::string& text);
+Identity parseIdentity(const std::string& text);
+
+/// An identity text whose reports were sent `seconds` earlier. Times of 0, for
+/// never, and lines that hold no time stay.
+std::string agedIdentity(const std::string& text, std::int64_t seconds);
+
+}  // namespace vestra::testkit
+
+#endif

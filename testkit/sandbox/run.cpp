@@ -1,0 +1,22 @@
+#include <vestra/testkit/run.h>
+
+namespace vestra::testkit {
+
+bool operator==(const Item& a, const Item& b) {
+  return a.client == b.client && a.context == b.context && a.key == b.key && a.value == b.value;
+}
+
+const Report* Run::report() const { return reports.empty() ? nullptr : &reports.back(); }
+
+std::vector<std::string> Run::values(Oza::Vestra::SectionType section, const std::string& key) const {
+  const std::string context = contextOf(section);
+  std::vector<std::string> found;
+  for (const Item& item : report() != nullptr ? report()->items : writtenItems) {
+    if (item.context == context && item.key == key) {
+      found.push_back(item.value);
+    }
+  }
+  return found;
+}
+
+}  // namespace vestra::testkit

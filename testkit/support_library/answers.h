@@ -1,0 +1,35 @@
+#ifndef VESTRA_TESTKIT_SUPPORT_LIBRARY_ANSWERS_H
+#define VESTRA_TESTKIT_SUPPORT_LIBRARY_ANSWERS_H
+
+#include <optional>
+#include <string>
+
+namespace vestra::testkit {
+
+/// What the stand-in support library is told to answer.
+///
+/// Each setting is looked up anew at each call, first in the environment, then in
+/// the file that the environment variable VESTRA_TESTKIT_ANSWERS names, whose
+/// lines are "name=value":
+///
+/// | setting     | environment variable       | meaning                               |
+/// |-------------|----------------------------|---------------------------------------|
+/// | exec_path   | VESTRA_TESTKIT_EXEC_PATH   | command line of the main design tool  |
+/// | regid       | VESTRA_TESTKIT_REGID       | registration identifier               |
+/// | environment | VESTRA_TESTKIT_ENVIRONMENT | environment text                      |
+/// | null        | VESTRA_TESTKIT_NULL        | which of the three are null instead,  |
+/// |             |                            | separated by commas                   |
+/// | calls       | VESTRA_TESTKIT_CALLS       | file that each call is appended to    |
+///
+/// @return Nothing when it is set nowhere.
+std::optional<std::string> setting(const std::string& name);
+
+/// Whether the answer of this name is to be null.
+bool isNull(const std::string& name);
+
+/// Appends one line, `call`, to the file of calls, where there is one.
+void recordCall(const std::string& call);
+
+}  // namespace vestra::testkit
+
+#endif

@@ -1,0 +1,127 @@
+// At most one report a day for each project and product slot, while each attempt
+// counts.
+
+#include "end_to_end/scenario.h"
+#include "support/files.h"
+
+namespace vestra_test {
+namespace {
+
+using Oza::Vestra;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using vestra::testkit::HasItem;
+using vestra::testkit::Run;
+using vestra::testkit::WasSent;
+
+constexpr std::int64_t DAY = 86400;
+
+class Due : public Scenario {
+ protected:
+  Due() { useRecordingTool(); }
+
+  bool send(Vestra::ProductType product) {
+    return sandbox.run(product, [] {}).answer.value();
+  }
+};
+
+TEST_F(Due, AFirstReportIs) {
+  const std::int64_t begin = now();
+  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_EQ(run.answer, true);
+  EXPECT_GE(run.identity->lastSendTimeDefault, begin);
+  EXPECT_LE(run.identity->lastSendTimeDefault, now());
+  EXPECT_EQ(run.identity->lastSendTimeType1, 0);
+  EXPECT_EQ(run.identity->iteration, 2U);
+  EXPECT_EQ(run.identity->orbeloFlow, false);
+}
+
+TEST_F(Due, ASecondReportOnTheSameDayIsNotAndLeavesScriptAndRules) {
+  EXPECT_TRUE(send(Vestra::KELVO));
+  const Run second = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_EQ(second.answer, false);
+  EXPECT_THAT(second.toolRuns, IsEmpty());
+  EXPECT_THAT(second, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_iteration", "2"));
+  EXPECT_EQ(second.identity->iteration, 3U);
+  EXPECT_THAT(filesInVestraDirectory(),
+              ElementsAre(".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+}
+
+TEST_F(Due, ADayAfterTheLastReportIsNotYet) {
+  // The clock may go on by some seconds before the report looks at it.
+  writeIdentity(std::to_string(now() - DAY + 30) + "\n0\n5\n0\np\n");
+  EXPECT_FALSE(send(Vestra::KELVO));
+}
+
+TEST_F(Due, MoreThanADayAfterTheLastReportIs) {
+  writeIdentity(std::to_string(now() - DAY - 1) + "\n0\n5\n0\np\n");
+  EXPECT_TRUE(send(Vestra::KELVO));
+}
+
+TEST_F(Due, ALastReportInTheFutureHoldsTheNextBack) {
+  const std::string future = std::to_string(now() + 1000000);
+  writeIdentity(future + "\n0\n5\n0\np\n");
+  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_EQ(run.answer, false);
+  EXPECT_EQ(run.identity->text, future + "\n0\n6\n0\np\n");
+}
+
+TEST_F(Due, TimesAtTheEdgesOfTheirTypeAreCompared) {
+  writeIdentity("-9223372036854775808\n9223372036854775807\n5\n0\np\n");
+  EXPECT_FALSE(send(Vestra::KELVO_ALT));
+  EXPECT_TRUE(send(Vestra::KELVO));
+}
+
+TEST_F(Due, TheSecondSimulatorSlotHasATimeOfItsOwn) {
+  EXPECT_TRUE(send(Vestra::KELVO));
+  EXPECT_TRUE(send(Vestra::KELVO_ALT));
+  EXPECT_FALSE(send(Vestra::KELVO));
+  EXPECT_FALSE(send(Vestra::KELVO_ALT));
+  const Run run = sandbox.run(Vestra::KELVO_ALT, [] {});
+  EXPECT_EQ(run.identity->iteration, 6U);
+  EXPECT_GT(run.identity->lastSendTimeDefault, 0);
+  EXPECT_GT(run.identity->lastSendTimeType1, 0);
+}
+
+TEST_F(Due, TheLabToolSharesTheSimulatorsSlot) {
+  EXPECT_TRUE(send(Vestra::TAVLO));
+  EXPECT_FALSE(send(Vestra::KELVO));
+  EXPECT_FALSE(send(static_cast<Vestra::ProductType>(7)));
+  EXPECT_TRUE(send(Vestra::KELVO_ALT));
+}
+
+TEST_F(Due, ASandboxCanMoveThePast) {
+  EXPECT_TRUE(send(Vestra::KELVO));
+  sandbox.age(std::chrono::seconds(1000));
+  EXPECT_FALSE(send(Vestra::KELVO));
+  sandbox.ageUntilDue();
+  EXPECT_TRUE(send(Vestra::KELVO));
+}
+
+TEST_F(Due, AToolThatFailsWasStartedAllTheSame) {
+  useRecordingTool("exit 1");
+  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_EQ(run.answer, true);
+  EXPECT_EQ(run.toolRuns.at(0).status, 1 << 8);
+  EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
+  EXPECT_FALSE(send(Vestra::KELVO));
+}
+
+TEST_F(Due, AToolThatIsMissingCountsAsSent) {
+  answers.execPath = "/no/such/tool";
+  sandbox.setSupportAnswers(answers);
+  const Run run = sandbox.run(Vestra::TAVLO, [] {});
+  EXPECT_EQ(run.answer, true);
+  EXPECT_EQ(run.toolRuns.at(0).status, 127 << 8);
+  EXPECT_THAT(readFile(inVestraDirectory("tavlo_vestra.log")), testing::HasSubstr("/no/such/tool"));
+}
+
+TEST_F(Due, AToolThatASignalEndsWasStartedAllTheSame) {
+  useRecordingTool("kill -KILL $$");
+  EXPECT_TRUE(send(Vestra::KELVO));
+}
+
+}  // namespace
+}  // namespace vestra_test

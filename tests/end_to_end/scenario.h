@@ -1,0 +1,53 @@
+#ifndef VESTRA_TESTS_END_TO_END_SCENARIO_H
+#define VESTRA_TESTS_END_TO_END_SCENARIO_H
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <vestra/testkit/matchers.h>
+#include <vestra/testkit/sandbox.h>
+#include <vestra/vestra.h>
+
+#include "end_to_end/recording_tool.h"
+
+namespace vestra_test {
+
+/// Six pairs of the user's environment, then one project fact.
+inline constexpr const char* ENVIRONMENT =
+    "os_name#Linux#os_release#12#cpu_name#X1#cpu_speed#3 GHz#total_processors#8#system_ram#32 GB"
+    "#date_generated#2026-11-21";
+
+/// A sandbox whose support library gives fixed answers.
+class Scenario : public ::testing::Test {
+ protected:
+  Scenario();
+
+  /// Writes an identity file, as an earlier run of the project would have left it.
+  void writeIdentity(const std::string& text);
+  /// Writes a settings file, as an earlier run of the user would have left it.
+  void writeSettings(const std::string& text);
+  /// Makes a recording tool the main design tool.
+  RecordingTool& useRecordingTool(const std::string& ending = "");
+  /// Lets an ordinary user write wherever this process writes in the sandbox.
+  void openToEverybody();
+
+  std::string inVestraDirectory(const std::string& name) const;
+  std::vector<std::string> filesInVestraDirectory() const;
+
+  vestra::testkit::Sandbox sandbox;
+  vestra::testkit::SupportAnswers answers;
+
+ private:
+  std::unique_ptr<RecordingTool> tool;
+};
+
+/// Becomes user and group 65534, whom permission bits stop, when root runs the tests.
+void becomeOrdinaryUser();
+
+/// Seconds since the epoch.
+std::int64_t now();
+
+}  // namespace vestra_test
+
+#endif

@@ -1,0 +1,190 @@
+// Several sends in one process, several processes on one project.
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <set>
+#include <thread>
+
+#include <boost/filesystem.hpp>
+
+#include "end_to_end/scenario.h"
+#include "support/files.h"
+
+namespace vestra_test {
+namespace {
+
+using Oza::Vestra;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+using vestra::testkit::contextOf;
+using vestra::testkit::Item;
+using vestra::testkit::Run;
+
+class Several : public Scenario {
+ protected:
+  Several() { useRecordingTool(); }
+};
+
+std::vector<std::string> keysOf(const std::vector<Item>& items, Vestra::SectionType section) {
+  std::vector<std::string> keys;
+  for (const Item& item : items) {
+    if (item.context == contextOf(section)) {
+      keys.push_back(item.key);
+    }
+  }
+  return keys;
+}
+
+TEST_F(Several, SendsInOneProcessKeepTheItemsAndTheFirstFacts) {
+  const std::string project = sandbox.project();
+  const Run run = sandbox.runProcess([&] {
+    Vestra::add("runs", "1", Vestra::KELVO_USAGE);
+    const bool first = Vestra::send(project.c_str(), Vestra::KELVO);
+    Vestra::add("runs", "2", Vestra::KELVO_USAGE);
+    Vestra::add("beta", "too late", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    return first && Vestra::send(project.c_str(), Vestra::KELVO_ALT);
+  });
+  EXPECT_EQ(run.answer, true);
+  EXPECT_THAT(run.toolRuns, SizeIs(2));
+  EXPECT_THAT(run.values(Vestra::KELVO_USAGE, "runs"), ElementsAre("1", "2"));
+  // The first occurrence wins, over a second send too.
+  EXPECT_THAT(run.values(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "beta"), ElementsAre("not_applicable"));
+  EXPECT_THAT(run.values(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_iteration"), ElementsAre("1"));
+  EXPECT_THAT(keysOf(run.writtenItems, Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE), SizeIs(15));
+  EXPECT_THAT(run.values(Vestra::USER_ENVIRONMENT, "os_name"), ElementsAre("Linux", "Linux"));
+  EXPECT_EQ(run.identity->iteration, 3U);
+}
+
+TEST_F(Several, SendsThatAreDueOpenTheSupportLibraryAnew) {
+  const std::string project = sandbox.project();
+  const Run run = sandbox.runProcess([&] {
+    return Vestra::send(project.c_str(), Vestra::KELVO) && Vestra::send(project.c_str(), Vestra::KELVO_ALT) &&
+           !Vestra::send(project.c_str(), Vestra::TAVLO) && !Vestra::send(project.c_str(), Vestra::KELVO);
+  });
+  EXPECT_EQ(run.answer, true);
+  EXPECT_THAT(run.supportCalls,
+              ElementsAre("oza_vestra_enviroment_data(\"KELVO\")", "oza_vestra_regid(\"Implementation\")",
+                          "oza_vestra_exec_path()", "oza_vestra_enviroment_data(\"KELVO\")",
+                          "oza_vestra_regid(\"Implementation\")", "oza_vestra_exec_path()",
+                          "oza_vestra_enviroment_data(null)", "oza_vestra_regid(\"Implementation\")",
+                          "oza_vestra_enviroment_data(\"KELVO\")", "oza_vestra_regid(\"Implementation\")"));
+}
+
+TEST_F(Several, ProjectsInOneProcessShareTheFirstOnesIdentifier) {
+  const std::string first = sandbox.project();
+  const std::string second = sandbox.directory() + "/second";
+  const Run run = sandbox.runProcess([&] {
+    return Vestra::send(first.c_str(), Vestra::KELVO) && Vestra::send(second.c_str(), Vestra::KELVO) &&
+           Vestra::getLogFileName() == second + "/vestra/tavlo_vestra.log";
+  });
+  EXPECT_EQ(run.answer, true);
+  // What the first send filed as "project_id" counts as the host's at the second.
+  const std::string text = readFile(second + "/vestra/.kelvo_vestrra.info");
+  EXPECT_THAT(text, HasSubstr("\n0\n2\n1\n" + *run.identity->projectId + "\n"));
+}
+
+TEST_F(Several, ProcessesShareTheUsersIdentifierAndTheProjects) {
+  const Run first = sandbox.run(Vestra::KELVO, [] {});
+  const Run second = sandbox.run(Vestra::TAVLO, [] {});
+  const Run third = sandbox.run(Vestra::KELVO_ALT, [] {});
+  EXPECT_EQ(first.settings->text, third.settings->text);
+  EXPECT_THAT(third.values(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id"),
+              ElementsAre(first.settings->randomId));
+  EXPECT_EQ(first.identity->projectId, third.identity->projectId);
+  EXPECT_EQ(third.identity->iteration, 4U);
+  EXPECT_EQ(second.answer, false);
+}
+
+TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
+  const std::string project = sandbox.project();
+  const std::vector<Run> runs = sandbox.runTogether(12, [&](int number) {
+    Vestra::add("number", std::to_string(number).c_str(), Vestra::KELVO_USAGE);
+    return Vestra::send(project.c_str(), number % 2 == 0 ? Vestra::KELVO : Vestra::TAVLO);
+  });
+  for (const Run& run : runs) {
+    // Nothing is locked, so one may meet a file that another is just writing; it may
+    // let out that a file it was to remove could not be, never anything else.
+    EXPECT_EQ(run.exitStatus, 0) << run;
+    EXPECT_FALSE(run.exception) << run;
+  }
+  sandbox.ageUntilDue();
+  const Run next = sandbox.run(Vestra::KELVO, [] {});
+  const Run afterThat = next.answer == true ? next : sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_EQ(afterThat.answer, true) << afterThat;
+  std::set<std::string> lengths;
+  EXPECT_THAT(next.settings->text, testing::MatchesRegex("(RandomID=[0-9a-f-]{36}\n)+"));
+}
+
+TEST_F(Several, ForkedHalvesOfAHostSendTheSameItems) {
+  const std::string project = sandbox.project();
+  const std::string other = sandbox.directory() + "/other";
+  const Run run = sandbox.runProcess([&] {
+    Vestra::add("before", "fork", Vestra::KELVO_USAGE);
+    const pid_t child = fork();
+    if (child == 0) {
+      std::exit(Vestra::send(other.c_str(), Vestra::KELVO) ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status == 0 && Vestra::send(project.c_str(), Vestra::KELVO);
+  });
+  EXPECT_EQ(run.answer, true) << run;
+  ASSERT_THAT(run.toolRuns, SizeIs(2));
+  EXPECT_THAT(run.toolRuns[0].script, HasSubstr("-key before -value \"fork\""));
+  EXPECT_THAT(run.toolRuns[1].script, HasSubstr("-key before -value \"fork\""));
+}
+
+TEST_F(Several, AHostMayChangeItsHomeAfterTheFirstCall) {
+  const std::string elsewhere = sandbox.directory() + "/elsewhere";
+  const Run run = sandbox.run(Vestra::KELVO, [&] {
+    Vestra::add("first", "call", Vestra::KELVO_USAGE);
+    setenv("HOME", elsewhere.c_str(), 1);
+  });
+  EXPECT_EQ(run.answer, true);
+  EXPECT_TRUE(run.settings);
+  EXPECT_FALSE(exists(elsewhere));
+}
+
+TEST_F(Several, AHostMayUnsetItsHome) {
+  const Run run = sandbox.runProcess([&] {
+    unsetenv("HOME");
+    return Vestra::getLogFileName() == "/vestra/tavlo_vestra.log" && !Vestra::internal();
+  });
+  EXPECT_EQ(run.answer, true);
+  EXPECT_FALSE(run.settings);
+}
+
+TEST_F(Several, AHostMayChangeItsDirectoryBetweenSends) {
+  const std::string directory = sandbox.directory();
+  boost::filesystem::create_directories(directory + "/a");
+  boost::filesystem::create_directories(directory + "/b");
+  const Run run = sandbox.runProcess([&] {
+    boost::filesystem::current_path(directory + "/a");
+    const bool first = Vestra::send("project", Vestra::KELVO);
+    boost::filesystem::current_path(directory + "/b");
+    return first && Vestra::send("project", Vestra::KELVO);
+  });
+  EXPECT_EQ(run.answer, true);
+  EXPECT_TRUE(exists(directory + "/a/project/vestra/.kelvo_vestrra.info"));
+  EXPECT_TRUE(exists(directory + "/b/project/vestra/.kelvo_vestrra.info"));
+}
+
+TEST_F(Several, ThreadsMayMakeTheFirstCallTogether) {
+  const Run run = sandbox.runProcess([] {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+      threads.emplace_back([] { Vestra::getLogFileName(); });
+    }
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    return Vestra::getLogFileName() == "/vestra/tavlo_vestra.log";
+  });
+  EXPECT_EQ(run.answer, true) << run;
+}
+
+}  // namespace
+}  // namespace vestra_test
