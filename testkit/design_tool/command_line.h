@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace vestra::design_tool {
+
+/// A run as it was asked for.
+struct RunRequest {
+  std::string source;
+  /// Empty when no copy is to be kept.
+  std::string outbox;
+};
+struct HelpRequest {};
+struct VersionRequest {};
+/// A command line that asks for nothing the tool can do; the message says why.
+struct UsageError {
+  std::string message;
+};
+
+using Request = std::variant<RunRequest, HelpRequest, VersionRequest, UsageError>;
+
+/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--help`, or `--version`.
+///
+/// \param arguments      without the program's own name
+/// \param default_outbox the outbox when the command line names none; may be null or empty
+Request readCommandLine(const std::vector<std::string>& arguments, const char* default_outbox);
+
+/// What `--help` prints.
+std::string helpText();
+
+/// What `--version` prints.
+std::string versionText();
+
+/// What is printed when the command line is wrong.
+std::string usageText(const UsageError& error);
+
+}  // namespace vestra::design_tool

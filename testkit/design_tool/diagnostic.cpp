@@ -1,0 +1,79 @@
+#include "diagnostic.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "utf8.h"
+#include "visible_text.h"
+
+namespace vestra::design_tool {
+
+namespace {
+
+constexpr std::size_t kShownBefore = 60;
+constexpr std::size_t kShownAfter = 60;
+const std::string kIndent = "    ";
+
+struct Window {
+  std::string before;
+  std::string marked;
+  std::string after;
+};
+
+std::string startOf(const std::string& text, std::size_t limit) {
+  return text.size() <= limit ? forTerminal(text) : forTerminal(text.substr(0, limit)) + "...";
+}
+
+std::string endOf(const std::string& text, std::size_t limit) {
+  return text.size() <= limit ? forTerminal(text) : "..." + forTerminal(text.substr(text.size() - limit));
+}
+
+Window windowOf(const Diagnostic& diagnostic) {
+  const std::size_t column = std::min(diagnostic.column, diagnostic.excerpt.size());
+  const std::size_t end = std::min(column + diagnostic.width, diagnostic.excerpt.size());
+  return {endOf(diagnostic.excerpt.substr(0, column), kShownBefore),
+          startOf(diagnostic.excerpt.substr(column, end - column), kShownAfter),
+          startOf(diagnostic.excerpt.substr(end), kShownAfter)};
+}
+
+std::size_t charactersIn(std::string_view text) {
+  std::size_t count = 0;
+  for (; !text.empty(); ++count) text.remove_prefix(std::max<std::size_t>(1, firstCharacter(text).length));
+  return count;
+}
+
+/// Blanks as wide as the text; its tabs are repeated, whatever their width is on the terminal.
+std::string blanksFor(const std::string& text) {
+  std::string blanks(charactersIn(text), ' ');
+  std::size_t character = 0;
+  for (std::string_view rest = text; !rest.empty(); ++character) {
+    if (rest[0] == '\t') blanks[character] = '\t';
+    rest.remove_prefix(std::max<std::size_t>(1, firstCharacter(rest).length));
+  }
+  return blanks;
+}
+
+std::string markerFor(const std::string& marked) {
+  return "^" + std::string(std::max<std::size_t>(1, charactersIn(marked)) - 1, '~');
+}
+
+std::string placeOf(const Diagnostic& diagnostic) {
+  const std::string file = forTerminal(diagnostic.file);
+  return diagnostic.line == 0 ? file : fmt::format("{}:{}", file, diagnostic.line);
+}
+
+}  // namespace
+
+std::string format(const Diagnostic& diagnostic) {
+  const std::string headline = fmt::format("{}: {}\n", placeOf(diagnostic), diagnostic.message);
+  if (diagnostic.excerpt.empty()) return headline;
+  const Window window = windowOf(diagnostic);
+  return fmt::format("{}{}{}{}{}\n{}{}{}\n", headline, kIndent, window.before, window.marked, window.after, kIndent,
+                     blanksFor(window.before), markerFor(window.marked));
+}
+
+DiagnosedError::DiagnosedError(Diagnostic diagnostic) : diagnostic_(std::move(diagnostic)) {}
+
+}  // namespace vestra::design_tool

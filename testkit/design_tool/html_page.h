@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "report.h"
+#include "rules.h"
+
+namespace vestra::design_tool {
+
+/// The HTML report: the intro, who reports and about which project, then a section for each rule in its style, then the
+/// data that no rule maps. One file that needs nothing besides: no script, no outside resource, and a content policy
+/// that would forbid both. Readable on a phone, on paper, in light and in dark. Every text is escaped.
+std::string renderHtml(const Report& report, const std::vector<Rule>& rules);
+
+}  // namespace vestra::design_tool

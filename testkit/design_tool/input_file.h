@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace vestra::design_tool {
+
+/// The whole content of a regular file, any bytes.
+/// \throws DiagnosedError when it can't be read or is no regular file; never waits for a pipe or a device
+std::string readRegularFile(const std::string& path);
+
+}  // namespace vestra::design_tool

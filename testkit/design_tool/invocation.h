@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "script.h"
+
+namespace vestra::design_tool {
+
+/// One word of a command, as the interpreter handed it over and, where the command stands in the script itself, as it
+/// is spelled there.
+struct Word {
+  std::string text;
+  /// Bytes of the script, quotes included; meaningful only in an Invocation that is `spelled`.
+  std::string spelling;
+  Span span;
+};
+
+/// A call of one of the tool's commands.
+struct Invocation {
+  std::string command;
+  std::vector<Word> arguments;
+  /// Where the command begins, counted from 1.
+  std::size_t line = 0;
+  /// The command's own name or, when it was called from inside another command, that command.
+  Span span;
+  /// Whether the words' spellings and places are known: not in a loop, a procedure or a nested command.
+  bool spelled = false;
+};
+
+/// A call that the protocol doesn't allow, with the place to point at.
+class ProtocolError : public std::runtime_error {
+ public:
+  ProtocolError(const std::string& message, Span span) : std::runtime_error(message), span_(span) {}
+
+  Span span() const noexcept { return span_; }
+
+ private:
+  Span span_;
+};
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,43 @@
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "command_line.h"
+#include "design_tool.h"
+#include "guard.h"
+
+namespace {
+
+using namespace vestra::design_tool;
+
+struct Perform {
+  int operator()(const HelpRequest&) const {
+    std::cout << helpText();
+    return 0;
+  }
+  int operator()(const VersionRequest&) const {
+    std::cout << versionText();
+    return 0;
+  }
+  int operator()(const UsageError& error) const {
+    std::cerr << usageText(error);
+    return 2;
+  }
+  int operator()(const RunRequest& request) const {
+    return runGuarded(request.source, [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); });
+  }
+};
+
+}  // namespace
+
+int main(int count, char** words) {
+  try {
+    const std::vector<std::string> arguments(words + 1, words + count);
+    return std::visit(Perform(), readCommandLine(arguments, std::getenv("VESTRA_OUTBOX")));
+  } catch (const std::exception& error) {
+    std::cerr << "vestra-design-tool: " << error.what() << '\n';
+    return 1;
+  }
+}

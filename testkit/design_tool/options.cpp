@@ -1,0 +1,64 @@
+#include "options.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+#include "visible_text.h"
+
+namespace vestra::design_tool {
+
+namespace {
+
+using Names = std::vector<std::string_view>;
+
+bool contains(const Names& names, std::string_view name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+[[noreturn]] void fail(const Invocation& invocation, const Word& word, const std::string& message) {
+  throw ProtocolError(fmt::format("{}: {}", invocation.command, message), invocation.spelled ? word.span : invocation.span);
+}
+
+bool namesPath(std::string_view option) {
+  return option == "-vestra_dir" || option == "-xml" || option == "-html" || option == "-wdm";
+}
+
+/// Why a word stands where an option should: nothing but values and contexts reaches the script between quotes.
+std::string hintFor(const Names& names, std::string_view option, const Word& value) {
+  if (contains(names, value.text)) return fmt::format("; {} took \"{}\" for its value", option, value.text);
+  if (namesPath(option)) return "; a path with blanks reaches the script unquoted";
+  if (option == "-key") return "; a key with white space reaches the script unquoted";
+  return "";
+}
+
+[[noreturn]] void failAtStray(const Invocation& invocation, const Names& names, std::size_t index) {
+  const Word& stray = invocation.arguments[index];
+  const std::string what = stray.text.rfind('-', 0) == 0
+                               ? fmt::format("unknown option {}", inQuotes(stray.text))
+                               : fmt::format("unexpected word {}", inQuotes(stray.text));
+  const std::string hint = index < 2 ? fmt::format("; it takes {}", fmt::join(names, ", "))
+                                     : hintFor(names, invocation.arguments[index - 2].text, invocation.arguments[index - 1]);
+  fail(invocation, stray, what + hint);
+}
+
+}  // namespace
+
+Options::Options(const Invocation& invocation, const Names& names) {
+  const std::vector<Word>& words = invocation.arguments;
+  for (std::size_t i = 0; i < words.size(); i += 2) {
+    const auto name = std::find(names.begin(), names.end(), words[i].text);
+    if (name == names.end()) failAtStray(invocation, names, i);
+    if (i + 1 == words.size()) fail(invocation, words[i], fmt::format("option {} has no value", *name));
+    if (!values_.emplace(*name, &words[i + 1]).second) {
+      fail(invocation, words[i], fmt::format("option {} is given twice", *name));
+    }
+  }
+  for (const std::string_view name : names) {
+    if (values_.count(name) != 0) continue;
+    throw ProtocolError(fmt::format("{}: option {} is missing", invocation.command, name), invocation.span);
+  }
+}
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,183 @@
+#include "protocol.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+#include "options.h"
+#include "visible_text.h"
+
+namespace vestra::design_tool {
+
+namespace {
+
+constexpr std::string_view kInit = "vestra_init";
+constexpr std::string_view kRegisterClient = "vestra_register_client";
+constexpr std::string_view kAddData = "vestra_add_data";
+constexpr std::string_view kTransmit = "vestra_transmit";
+constexpr std::string_view kTerminate = "vestra_terminate";
+
+Span placeOf(const Invocation& invocation, const Word& word) {
+  return invocation.spelled ? word.span : invocation.span;
+}
+
+/// What the word would be if the interpreter took nothing but a pair of double quotes away.
+std::string_view withoutQuotes(std::string_view spelling) {
+  const bool is_quoted = spelling.size() >= 2 && spelling.front() == '"' && spelling.back() == '"';
+  return is_quoted ? spelling.substr(1, spelling.size() - 2) : spelling;
+}
+
+bool isBraced(std::string_view spelling) {
+  return spelling.size() >= 2 && spelling.front() == '{' && spelling.back() == '}';
+}
+
+std::string withPairsOfBackslashesRead(std::string_view spelling) {
+  std::string text;
+  for (std::size_t i = 0; i < spelling.size(); ++i) {
+    text += spelling[i];
+    if (spelling.substr(i, 2) == "\\\\") ++i;
+  }
+  return text;
+}
+
+/// Contexts are written with pairs of backslashes on purpose, for the interpreter to read each as one.
+bool isContextAsMeant(const Word& word) {
+  return withPairsOfBackslashesRead(withoutQuotes(word.spelling)) == word.text;
+}
+
+/// A value in braces was put there by hand, by someone who knows what the interpreter does.
+bool isValueAsMeant(const Word& word) {
+  return withoutQuotes(word.spelling) == word.text || isBraced(word.spelling);
+}
+
+/// Keys and clients are written bare, so that quotes and braces that the interpreter takes away were part of them.
+bool isBareAsMeant(const Word& word) {
+  return word.spelling == word.text;
+}
+
+std::string change(const char* what, std::string_view before, const std::string& after) {
+  return fmt::format("Tcl has changed the {}: {} became {}", what, inQuotes(before), inQuotes(after));
+}
+
+std::uint32_t readClientId(const Invocation& invocation, const Word& word) {
+  std::uint32_t number = 0;
+  const char* const end = word.text.data() + word.text.size();
+  const auto [stop, error] = std::from_chars(word.text.data(), end, number);
+  if (error == std::errc() && stop == end && fmt::format("{}", number) == word.text) return number;
+  throw ProtocolError(fmt::format("{}: -clientid {} is no decimal number from 0 to 4294967295", invocation.command,
+                                  inQuotes(word.text)),
+                      placeOf(invocation, word));
+}
+
+void refuseSharedPaths(const Invocation& invocation, const Options& options) {
+  std::map<std::string, std::string_view> users;
+  for (const std::string_view option : {"-xml", "-html", "-wdm"}) {
+    const Word& path = options[option];
+    const auto [user, is_new] = users.emplace(path.text, option);
+    if (is_new) continue;
+    throw ProtocolError(fmt::format("{}: {} and {} name the same file", invocation.command, user->second, option),
+                        placeOf(invocation, path));
+  }
+}
+
+[[noreturn]] void failAt(const Invocation& invocation, const std::string& what) {
+  throw ProtocolError(fmt::format("{} {}", invocation.command, what), invocation.span);
+}
+
+}  // namespace
+
+const std::vector<std::string_view>& Protocol::commands() {
+  static const std::vector<std::string_view> names{kInit, kRegisterClient, kAddData, kTransmit, kTerminate};
+  return names;
+}
+
+void Protocol::take(const Invocation& invocation) {
+  checkTurn(invocation);
+  if (invocation.command == kInit) init(invocation);
+  else if (invocation.command == kRegisterClient) registerClient(invocation);
+  else if (invocation.command == kAddData) addData(invocation);
+  else if (invocation.command == kTransmit) transmit(invocation);
+  else terminate(invocation);
+}
+
+std::string_view Protocol::missingCommand() const {
+  switch (stage_) {
+    case Stage::Start: return kInit;
+    case Stage::Open: return kTransmit;
+    case Stage::Transmitted:
+    case Stage::Terminated: break;
+  }
+  return kTerminate;
+}
+
+void Protocol::checkTurn(const Invocation& invocation) const {
+  if (stage_ == Stage::Terminated) failAt(invocation, "comes after vestra_terminate");
+  if (invocation.command == kInit) {
+    if (stage_ != Stage::Start) failAt(invocation, "is given twice");
+    return;
+  }
+  if (stage_ == Stage::Start) failAt(invocation, "comes before vestra_init");
+  if (invocation.command == kTerminate) {
+    if (stage_ == Stage::Open) failAt(invocation, "comes before vestra_transmit");
+    return;
+  }
+  if (stage_ == Stage::Transmitted) {
+    failAt(invocation, invocation.command == kTransmit ? "is given twice" : "comes after vestra_transmit");
+  }
+}
+
+void Protocol::init(const Invocation& invocation) {
+  const Options options(invocation, {"-vestra_dir"});
+  report_.vestra_dir = options["-vestra_dir"].text;
+  stage_ = Stage::Open;
+}
+
+void Protocol::registerClient(const Invocation& invocation) {
+  const Options options(invocation, {"-client"});
+  report_.registrations.push_back({options["-client"].text, invocation.line});
+}
+
+void Protocol::addData(const Invocation& invocation) {
+  const Options options(invocation, {"-client", "-key", "-value", "-context"});
+  const Word& client = options["-client"];
+  const Word& context = options["-context"];
+  const Word& key = options["-key"];
+  const Word& value = options["-value"];
+  if (invocation.spelled) warnOfChanges(invocation, client, key, value, context);
+  report_.items.push_back({sectionOf(client.text, context.text), key.text, value.text, invocation.line});
+}
+
+void Protocol::transmit(const Invocation& invocation) {
+  const Options options(invocation, {"-clientid", "-regid", "-xml", "-html", "-wdm", "-intro"});
+  refuseSharedPaths(invocation, options);
+  report_.transmission = {readClientId(invocation, options["-clientid"]),
+                          options["-regid"].text,
+                          options["-xml"].text,
+                          options["-html"].text,
+                          options["-wdm"].text,
+                          options["-intro"].text,
+                          invocation.line};
+  stage_ = Stage::Transmitted;
+}
+
+void Protocol::terminate(const Invocation& invocation) {
+  const Options none(invocation, {});
+  stage_ = Stage::Terminated;
+}
+
+std::size_t Protocol::sectionOf(const std::string& client, const std::string& context) {
+  const auto [position, is_new] = section_positions_.emplace(std::pair(client, context), report_.sections.size());
+  if (is_new) report_.sections.push_back({client, context});
+  return position->second;
+}
+
+void Protocol::warnOfChanges(const Invocation& invocation, const Word& client, const Word& key, const Word& value,
+                             const Word& context) {
+  const auto warn = [&](const std::string& message) { report_.warnings.push_back({invocation.line, message}); };
+  if (!isBareAsMeant(client)) warn(change("client", client.spelling, client.text));
+  if (!isBareAsMeant(key)) warn(change("key", key.spelling, key.text));
+  if (!isValueAsMeant(value)) warn(change("value", withoutQuotes(value.spelling), value.text));
+  if (!isContextAsMeant(context)) warn(change("context", withoutQuotes(context.spelling), context.text));
+}
+
+}  // namespace vestra::design_tool

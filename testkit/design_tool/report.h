@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vestra::design_tool {
+
+/// Something legal yet suspicious. The message is one line of visible text.
+struct Warning {
+  std::size_t line = 0;
+  std::string message;
+};
+
+/// One registration of a client.
+struct Registration {
+  std::string client;
+  std::size_t line = 0;
+};
+
+/// A client's context to which the script added data.
+struct Section {
+  std::string client;
+  std::string context;
+};
+
+/// One item of data. A script may hold a million of them, so the texts that repeat stand in the section.
+struct Item {
+  /// Position in Report::sections.
+  std::size_t section = 0;
+  std::string key;
+  std::string value;
+  /// Where the command that added it begins.
+  std::size_t line = 0;
+};
+
+/// What the script asked to be transmitted.
+struct Transmission {
+  std::uint32_t client_id = 0;
+  std::string registration_id;
+  std::string xml;
+  std::string html;
+  std::string wdm;
+  std::string intro;
+  std::size_t line = 0;
+};
+
+/// All that a script said, once it has run to its end. Texts are the script's bytes.
+struct Report {
+  std::string vestra_dir;
+  std::vector<Registration> registrations;
+  /// In order of their first item.
+  std::vector<Section> sections;
+  /// In order of the script.
+  std::vector<Item> items;
+  Transmission transmission;
+  /// What was noticed while the script ran; see also suspicionsAbout.
+  std::vector<Warning> warnings;
+};
+
+/// The first value that client "project" reported for `key`, an empty text where there is none.
+std::string projectValue(const Report& report, const std::string& key);
+
+/// The client the report is about: the first one besides "project" that was registered, or else that has data.
+/// Empty where there is none.
+std::string productOf(const Report& report);
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <tcl.h>
+
+#include <memory>
+#include <string>
+
+#include "script_limits.h"
+
+namespace vestra::design_tool {
+
+/// An interpreter that can compute and nothing else: no files, channels, processes, sockets, packages, events, other
+/// interpreters or namespaces, and no library of its own on disk.
+class SafeInterpreter {
+ public:
+  explicit SafeInterpreter(const Limits& limits);
+
+  Tcl_Interp* get() const { return interpreter_.get(); }
+
+  /// Whether a limit has stopped the script, and which, in words; empty where none has.
+  std::string exceededLimit() const;
+
+  /// The interpreter's result, as the bytes it stands for.
+  std::string result() const;
+
+ private:
+  struct Deleter {
+    void operator()(Tcl_Interp* interpreter) const { Tcl_DeleteInterp(interpreter); }
+  };
+
+  void keepOnlyComputation();
+  void setLimits();
+
+  std::unique_ptr<Tcl_Interp, Deleter> interpreter_;
+  Limits limits_;
+};
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "diagnostic.h"
+
+namespace vestra::design_tool {
+
+/// A stretch of a script's interpreter text, by position.
+struct Span {
+  std::size_t begin = 0;
+  std::size_t length = 0;
+};
+
+/// A report script: its name and its text as the interpreter sees it. Knows which line a position stands on.
+class Script {
+ public:
+  /// \param file  the name used in messages
+  /// \param bytes the script's content, any bytes
+  Script(std::string file, std::string_view bytes);
+
+  const std::string& file() const { return file_; }
+  const std::string& text() const { return text_; }
+
+  /// The bytes that a stretch stands for.
+  std::string bytesOf(Span span) const;
+
+  /// The line, counted from 1, on which `position` stands. Takes time in proportion to the distance from the position
+  /// asked for last, so that asking from the start to the end costs one pass.
+  std::size_t lineOf(std::size_t position) const;
+
+  /// The number of the last line that holds anything; 1 for an empty script.
+  std::size_t lastLine() const;
+
+  /// The trouble described, with the line and the marker that belong to `span`.
+  Diagnostic diagnose(Span span, std::string message) const;
+
+ private:
+  std::string file_;
+  std::string text_;
+  mutable std::size_t counted_to_ = 0;
+  mutable std::size_t counted_line_ = 1;
+};
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,188 @@
+#include "script_evaluation.h"
+
+#include <fmt/format.h>
+#include <tcl.h>
+
+#include <climits>
+#include <exception>
+#include <optional>
+
+#include "parsed_command.h"
+#include "protocol.h"
+#include "safe_interpreter.h"
+#include "script.h"
+#include "tcl_text.h"
+
+namespace vestra::design_tool {
+
+namespace {
+
+/// The interpreter's parser calls itself for each square bracket and watches no limit while it does.
+constexpr std::size_t kDeepestBrackets = 1000;
+
+std::string bytesOf(Tcl_Obj* object) {
+  int length = 0;
+  const char* const text = Tcl_GetStringFromObj(object, &length);
+  return toBytes({text, static_cast<std::size_t>(length)});
+}
+
+void refuseDeepBrackets(const Script& script) {
+  const std::string& text = script.text();
+  std::size_t depth = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\\') ++i;
+    else if (text[i] == ']' && depth > 0) --depth;
+    else if (text[i] == '[' && ++depth > kDeepestBrackets) {
+      throw DiagnosedError(
+          script.diagnose({i, 1}, fmt::format("square brackets are nested more than {} deep", kDeepestBrackets)));
+    }
+  }
+}
+
+void refuseHugeText(const Script& script) {
+  if (script.text().size() < INT_MAX) return;
+  throw DiagnosedError({script.file(), 0, "the script is too large for the interpreter", "", 0, 0});
+}
+
+/// One run of one script. The interpreter calls back into it, and no exception may pass through the interpreter: what
+/// goes wrong in a callback is kept until the interpreter has returned.
+class Evaluation {
+ public:
+  Evaluation(const Script& script, const Limits& limits, LineObserver observer);
+
+  Report run();
+
+ private:
+  static int onCommand(ClientData self, Tcl_Interp* interpreter, int count, Tcl_Obj* const words[]);
+  static void onTampering(ClientData self, Tcl_Interp* interpreter, const char* old_name, const char* new_name,
+                          int flags);
+
+  void defineCommands();
+  void runCommand(const ParsedCommand& command);
+  void throwWhatWentWrong(const ParsedCommand& command) const;
+  std::string interpreterMessage(const ParsedCommand& command) const;
+  void take(int count, Tcl_Obj* const words[]);
+  Invocation invocationOf(int count, Tcl_Obj* const words[]) const;
+  void checkIsOver() const;
+
+  const Script& script_;
+  LineObserver observer_;
+  Protocol protocol_;
+  const ParsedCommand* current_ = nullptr;
+  std::size_t current_line_ = 1;
+  std::optional<ProtocolError> protocol_error_;
+  std::exception_ptr failure_;
+  SafeInterpreter interpreter_;
+};
+
+Evaluation::Evaluation(const Script& script, const Limits& limits, LineObserver observer)
+    : script_(script), observer_(observer), interpreter_(limits) {
+  defineCommands();
+}
+
+Report Evaluation::run() {
+  for (std::size_t position = 0; position < script_.text().size();) {
+    const ParsedCommand command(interpreter_.get(), script_, position);
+    if (!command.words().empty()) runCommand(command);
+    position = command.end();
+  }
+  checkIsOver();
+  return protocol_.release();
+}
+
+int Evaluation::onCommand(ClientData self, Tcl_Interp* interpreter, int count, Tcl_Obj* const words[]) {
+  auto& evaluation = *static_cast<Evaluation*>(self);
+  try {
+    evaluation.take(count, words);
+    return TCL_OK;
+  } catch (const ProtocolError& error) {
+    if (!evaluation.protocol_error_) evaluation.protocol_error_ = error;
+  } catch (...) {
+    evaluation.failure_ = std::current_exception();
+  }
+  Tcl_SetObjResult(interpreter, Tcl_NewStringObj("refused", -1));
+  return TCL_ERROR;
+}
+
+void Evaluation::onTampering(ClientData self, Tcl_Interp*, const char* old_name, const char*, int flags) {
+  if ((flags & TCL_INTERP_DESTROYED) != 0) return;
+  auto& evaluation = *static_cast<Evaluation*>(self);
+  if (evaluation.protocol_error_) return;
+  const std::string name = old_name;
+  evaluation.protocol_error_.emplace(name.substr(name.rfind(':') + 1) + " can't be redefined",
+                                     evaluation.current_->words().front());
+}
+
+void Evaluation::defineCommands() {
+  for (const std::string_view name : Protocol::commands()) {
+    const std::string text(name);
+    Tcl_CreateObjCommand(interpreter_.get(), text.c_str(), &onCommand, this, nullptr);
+    Tcl_TraceCommand(interpreter_.get(), text.c_str(), TCL_TRACE_RENAME | TCL_TRACE_DELETE, &onTampering, this);
+  }
+}
+
+void Evaluation::runCommand(const ParsedCommand& command) {
+  if (protocol_.isOver()) {
+    throw DiagnosedError(script_.diagnose(command.words().front(), "nothing may follow vestra_terminate"));
+  }
+  current_ = &command;
+  current_line_ = script_.lineOf(command.span().begin);
+  if (observer_ != nullptr) observer_(current_line_);
+  const char* const text = script_.text().data() + command.span().begin;
+  const int status = Tcl_EvalEx(interpreter_.get(), text, static_cast<int>(command.span().length), TCL_EVAL_GLOBAL);
+  if (status != TCL_OK || protocol_error_ || failure_) throwWhatWentWrong(command);
+}
+
+void Evaluation::throwWhatWentWrong(const ParsedCommand& command) const {
+  if (failure_) std::rethrow_exception(failure_);
+  if (protocol_error_) throw DiagnosedError(script_.diagnose(protocol_error_->span(), protocol_error_->what()));
+  const std::string limit = interpreter_.exceededLimit();
+  if (!limit.empty()) throw DiagnosedError(script_.diagnose(command.words().front(), limit));
+  throw DiagnosedError(script_.diagnose(command.firstSubstitution(), interpreterMessage(command)));
+}
+
+std::string Evaluation::interpreterMessage(const ParsedCommand& command) const {
+  const std::string message = interpreter_.result();
+  if (message.rfind("can't read", 0) == 0) return message + "; a dollar sign inside a value asks Tcl for a variable";
+  if (message.rfind("invalid command name", 0) == 0 && !command.isPlain()) {
+    return message + "; a square bracket inside a value asks Tcl to run a command";
+  }
+  return message;
+}
+
+void Evaluation::take(int count, Tcl_Obj* const words[]) {
+  if (protocol_error_) throw *protocol_error_;
+  protocol_.take(invocationOf(count, words));
+}
+
+Invocation Evaluation::invocationOf(int count, Tcl_Obj* const words[]) const {
+  const std::vector<Span>& places = current_->words();
+  Invocation invocation;
+  invocation.command = bytesOf(words[0]);
+  invocation.line = current_line_;
+  invocation.span = places.front();
+  invocation.spelled = current_->isPlain() && places.size() == static_cast<std::size_t>(count) &&
+                       script_.bytesOf(places.front()) == invocation.command;
+  for (int i = 1; i < count; ++i) {
+    const Span place = invocation.spelled ? places[static_cast<std::size_t>(i)] : Span{};
+    invocation.arguments.push_back({bytesOf(words[i]), script_.bytesOf(place), place});
+  }
+  return invocation;
+}
+
+void Evaluation::checkIsOver() const {
+  if (protocol_.isOver()) return;
+  throw DiagnosedError({script_.file(), script_.lastLine(),
+                        fmt::format("the script ends without {}", protocol_.missingCommand()), "", 0, 0});
+}
+
+}  // namespace
+
+Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits, LineObserver observer) {
+  const Script script(file, bytes);
+  refuseHugeText(script);
+  refuseDeepBrackets(script);
+  return Evaluation(script, limits, observer).run();
+}
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace vestra::design_tool {
+
+/// One character at the start of a byte string, as UTF-8 reads it.
+struct Utf8Character {
+  /// How many bytes it takes; 0 where the bytes are no UTF-8 (or there are none).
+  std::size_t length = 0;
+  char32_t code_point = 0;
+};
+
+/// Decodes the first character of `bytes`. Strict: overlong forms, surrogates and values above U+10FFFF are refused.
+Utf8Character firstCharacter(std::string_view bytes);
+
+/// Whether the whole of `bytes` is UTF-8. The empty string is.
+bool isUtf8(std::string_view bytes);
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace vestra::design_tool {
+
+/// Whether an XML 1.0 document can hold all of `bytes` as text: UTF-8 without the control characters that XML excludes.
+bool isXmlText(std::string_view bytes);
+
+/// Whether a reader sees the character as it is: XML text that is no control character, line feed and tab excepted.
+bool isVisible(char32_t code_point);
+
+/// The byte as people write it, `\x1b`.
+std::string nameOfByte(char byte);
+
+/// The bytes with all that isXmlText refuses written as `\xNN`, and each backslash doubled so that it can be undone.
+std::string escapedForXml(std::string_view bytes);
+
+/// The bytes for one line of a terminal: whatever is not visible, line feeds included, written as `\xNN`.
+/// What the terminal would obey is shown instead. A tab stays.
+std::string forTerminal(std::string_view bytes);
+
+/// forTerminal of `bytes`, cut to about `limit` bytes, in double quotes.
+std::string inQuotes(std::string_view bytes, std::size_t limit = 60);
+
+}  // namespace vestra::design_tool
