@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include <vestra/testkit/run.h>
+#include <vestra/testkit/host_run.h>
 
 namespace vestra::testkit {
 

@@ -109,7 +109,7 @@ std::string reasonOf(const Item& item) {
 
 }  // namespace
 
-std::vector<Hazard> Run::hazards() const {
+std::vector<Hazard> HostRun::hazards() const {
   std::vector<Hazard> found;
   for (const Item& item : writtenItems) {
     if (!isReadAsWritten(item)) {

@@ -116,7 +116,7 @@ class Sandbox::Implementation {
     fs::remove_all(directory, ignored);
   }
 
-  std::vector<Run> runTogether(int count, const std::function<bool(int)>& code) {
+  std::vector<HostRun> runTogether(int count, const std::function<bool(int)>& code) {
     StartingGate gate;
     std::vector<std::string> names;
     std::vector<std::unique_ptr<ForkedProcess>> processes;
@@ -133,7 +133,7 @@ class Sandbox::Implementation {
     for (const auto& process : processes) {
       ends.push_back(process->wait(deadline));
     }
-    std::vector<Run> runs;
+    std::vector<HostRun> runs;
     for (std::size_t i = 0; i < names.size(); ++i) {
       runs.push_back(collect(names[i], ends[i]));
     }
@@ -211,12 +211,12 @@ class Sandbox::Implementation {
 
   // Afterwards, in the process that owns the sandbox.
 
-  Run collect(const std::string& name, const ProcessEnd& end) const {
+  HostRun collect(const std::string& name, const ProcessEnd& end) const {
     const std::string record = recordOf(name);
     if (const auto failure = bytesOf(record + "/failure")) {
       throw std::runtime_error("the sandbox cannot run the host: " + *failure);
     }
-    Run run;
+    HostRun run;
     run.signal = end.signal;
     run.exitStatus = end.exitStatus;
     run.timedOut = end.timedOut;
@@ -228,7 +228,7 @@ class Sandbox::Implementation {
     return run;
   }
 
-  void collectOutcome(const std::string& record, Run& run) const {
+  void collectOutcome(const std::string& record, HostRun& run) const {
     if (const auto answer = bytesOf(record + "/answer")) {
       run.answer = *answer == "true";
     }
@@ -238,7 +238,7 @@ class Sandbox::Implementation {
     }
   }
 
-  void collectShell(const std::string& record, Run& run) const {
+  void collectShell(const std::string& record, HostRun& run) const {
     ShellRecord shell = shellRecordIn(record, bytesOf(record + "/printed.out").value_or(""),
                                       bytesOf(record + "/printed.err").value_or(""));
     run.toolRuns = std::move(shell.toolRuns);
@@ -246,7 +246,7 @@ class Sandbox::Implementation {
     run.errorOutput = std::move(shell.errorOutput);
   }
 
-  void collectFiles(const std::string& record, Run& run) const {
+  void collectFiles(const std::string& record, HostRun& run) const {
     if (!run.toolRuns.empty()) {
       run.script = run.toolRuns.back().script;
       run.rulesFile = run.toolRuns.back().rulesFile;
@@ -282,18 +282,18 @@ Sandbox::Sandbox() : implementation(std::make_unique<Implementation>()) {}
 
 Sandbox::~Sandbox() = default;
 
-Run Sandbox::run(Oza::Vestra::ProductType product, const std::function<void()>& host) {
+HostRun Sandbox::run(Oza::Vestra::ProductType product, const std::function<void()>& host) {
   return runProcess([&] {
     host();
     return Oza::Vestra::send(project().c_str(), product);
   });
 }
 
-Run Sandbox::runProcess(const std::function<bool()>& code) {
+HostRun Sandbox::runProcess(const std::function<bool()>& code) {
   return implementation->runTogether(1, [&](int) { return code(); }).front();
 }
 
-std::vector<Run> Sandbox::runTogether(int count, const std::function<bool(int)>& code) {
+std::vector<HostRun> Sandbox::runTogether(int count, const std::function<bool(int)>& code) {
   return implementation->runTogether(count, code);
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <vestra/testkit/run.h>
+#include <vestra/testkit/host_run.h>
 
 namespace vestra::testkit {
 

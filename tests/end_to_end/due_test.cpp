@@ -13,7 +13,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 using vestra::testkit::HasItem;
-using vestra::testkit::Run;
+using vestra::testkit::HostRun;
 using vestra::testkit::WasSent;
 
 constexpr std::int64_t DAY = 86400;
@@ -29,7 +29,7 @@ class Due : public Scenario {
 
 TEST_F(Due, AFirstReportIs) {
   const std::int64_t begin = now();
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, true);
   EXPECT_GE(run.identity->lastSendTimeDefault, begin);
   EXPECT_LE(run.identity->lastSendTimeDefault, now());
@@ -40,7 +40,7 @@ TEST_F(Due, AFirstReportIs) {
 
 TEST_F(Due, ASecondReportOnTheSameDayIsNotAndLeavesScriptAndRules) {
   EXPECT_TRUE(send(Vestra::KELVO));
-  const Run second = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun second = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(second.answer, false);
   EXPECT_THAT(second.toolRuns, IsEmpty());
   EXPECT_THAT(second, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_iteration", "2"));
@@ -63,7 +63,7 @@ TEST_F(Due, MoreThanADayAfterTheLastReportIs) {
 TEST_F(Due, ALastReportInTheFutureHoldsTheNextBack) {
   const std::string future = std::to_string(now() + 1000000);
   writeIdentity(future + "\n0\n5\n0\np\n");
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, false);
   EXPECT_EQ(run.identity->text, future + "\n0\n6\n0\np\n");
 }
@@ -79,7 +79,7 @@ TEST_F(Due, TheSecondSimulatorSlotHasATimeOfItsOwn) {
   EXPECT_TRUE(send(Vestra::KELVO_ALT));
   EXPECT_FALSE(send(Vestra::KELVO));
   EXPECT_FALSE(send(Vestra::KELVO_ALT));
-  const Run run = sandbox.run(Vestra::KELVO_ALT, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO_ALT, [] {});
   EXPECT_EQ(run.identity->iteration, 6U);
   EXPECT_GT(run.identity->lastSendTimeDefault, 0);
   EXPECT_GT(run.identity->lastSendTimeType1, 0);
@@ -102,7 +102,7 @@ TEST_F(Due, ASandboxCanMoveThePast) {
 
 TEST_F(Due, AToolThatFailsWasStartedAllTheSame) {
   useRecordingTool("exit 1");
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, true);
   EXPECT_EQ(run.toolRuns.at(0).status, 1 << 8);
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
@@ -112,7 +112,7 @@ TEST_F(Due, AToolThatFailsWasStartedAllTheSame) {
 TEST_F(Due, AToolThatIsMissingCountsAsSent) {
   answers.execPath = "/no/such/tool";
   sandbox.setSupportAnswers(answers);
-  const Run run = sandbox.run(Vestra::TAVLO, [] {});
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
   EXPECT_EQ(run.answer, true);
   EXPECT_EQ(run.toolRuns.at(0).status, 127 << 8);
   EXPECT_THAT(readFile(inVestraDirectory("tavlo_vestra.log")), testing::HasSubstr("/no/such/tool"));

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using vestra::testkit::EndedQuietly;
 using vestra::testkit::HasItem;
-using vestra::testkit::Run;
+using vestra::testkit::HostRun;
 using vestra::testkit::Threw;
 
 constexpr const char* NULL_TEXT = "basic_string::_M_construct null not valid";
@@ -34,7 +34,7 @@ class Failure : public Scenario {
 };
 
 TEST_F(Failure, ANullKeyOrValueThrowsAndAddsNothing) {
-  const Run run = sandbox.run(Vestra::KELVO, [] {
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
     for (const auto& [key, value] : {std::pair<const char*, const char*>{nullptr, "v"}, {"k", nullptr}, {nullptr, nullptr}}) {
       try {
         Vestra::add(key, value, Vestra::KELVO_USAGE);
@@ -48,7 +48,7 @@ TEST_F(Failure, ANullKeyOrValueThrowsAndAddsNothing) {
 }
 
 TEST_F(Failure, ANullProjectDirectoryThrowsAndCreatesNothing) {
-  const Run run = sandbox.runProcess([] { return Vestra::send(nullptr, Vestra::KELVO); });
+  const HostRun run = sandbox.runProcess([] { return Vestra::send(nullptr, Vestra::KELVO); });
   EXPECT_THAT(run, Threw("std::logic_error", NULL_TEXT));
   EXPECT_THAT(run, EndedQuietly());
   EXPECT_FALSE(run.settings);
@@ -58,7 +58,7 @@ TEST_F(Failure, ANullProjectDirectoryThrowsAndCreatesNothing) {
 TEST_F(Failure, ACurrentDirectoryThatIsGoneThrowsEvenForAnAbsoluteProject) {
   const std::string project = sandbox.project();
   const std::string gone = sandbox.directory() + "/gone";
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     fs::create_directory(gone);
     fs::current_path(gone);
     fs::remove(gone);
@@ -71,7 +71,7 @@ TEST_F(Failure, ACurrentDirectoryThatIsGoneThrowsEvenForAnAbsoluteProject) {
 
 TEST_F(Failure, ANullEnvironmentTextThrowsBeforeTheScriptIsWritten) {
   answerNull("environment");
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_THAT(run, Threw("std::logic_error", NULL_TEXT));
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info", "usage_statistics_ext_kelvo.wdm"));
   EXPECT_EQ(run.identity->text, "");
@@ -79,7 +79,7 @@ TEST_F(Failure, ANullEnvironmentTextThrowsBeforeTheScriptIsWritten) {
 
 TEST_F(Failure, ANullRegistrationIdentifierThrowsWithTheScriptPartlyWritten) {
   answerNull("regid");
-  const Run run = sandbox.run(Vestra::TAVLO, [] { Vestra::add("k", "v", Vestra::TAVLO_USAGE); });
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] { Vestra::add("k", "v", Vestra::TAVLO_USAGE); });
   EXPECT_THAT(run, Threw("std::logic_error", NULL_TEXT));
   EXPECT_THAT(run.toolRuns, IsEmpty());
   EXPECT_THAT(run.script, testing::EndsWith("-key k -value \"v\" -context \"tavlo\\\\usage\"\n"));
@@ -89,7 +89,7 @@ TEST_F(Failure, ANullRegistrationIdentifierThrowsWithTheScriptPartlyWritten) {
 TEST_F(Failure, ANullToolThrowsAfterTheAttemptWasCounted) {
   writeFile(inVestraDirectory("tavlo_vestra.log"), "an old log\n");
   answerNull("exec_path");
-  const Run run = sandbox.run(Vestra::TAVLO, [] {});
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
   EXPECT_THAT(run, Threw("std::logic_error", NULL_TEXT));
   EXPECT_THAT(run.toolRuns, IsEmpty());
   EXPECT_EQ(run.identity->iteration, 2U);
@@ -102,7 +102,7 @@ TEST_F(Failure, ANullToolThrowsAfterTheAttemptWasCounted) {
 TEST_F(Failure, AHostMayGoOnAfterAnException) {
   answerNull("regid");
   const std::string project = sandbox.project();
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     try {
       Vestra::send(project.c_str(), Vestra::KELVO);
     } catch (const std::logic_error&) {
@@ -116,11 +116,11 @@ TEST_F(Failure, AHostMayGoOnAfterAnException) {
 
 TEST_F(Failure, AnIdentityWithWordsForNumbersIsDeletedAndTheNextRunStartsAnew) {
   writeIdentity("abc\n0\n5\n0\nold\n");
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, false);
   EXPECT_THAT(filesInVestraDirectory(), IsEmpty());
   EXPECT_TRUE(run.settings);
-  const Run next = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun next = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(next.answer, true);
   EXPECT_EQ(next.identity->iteration, 2U);
   EXPECT_NE(next.identity->projectId, "old");
@@ -128,7 +128,7 @@ TEST_F(Failure, AnIdentityWithWordsForNumbersIsDeletedAndTheNextRunStartsAnew) {
 
 TEST_F(Failure, AnEmptyIdentityHasAnEmptyIdentifier) {
   writeIdentity("");
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, true);
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_id", ""));
   EXPECT_THAT(run.identity->text, testing::MatchesRegex("[0-9]+\n0\n2\n0\n\n"));
@@ -136,7 +136,7 @@ TEST_F(Failure, AnEmptyIdentityHasAnEmptyIdentifier) {
 
 TEST_F(Failure, ADirectoryInTheIdentitysPlaceFailsAndStays) {
   fs::create_directories(sandbox.identityFile());
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, false);
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
 }
@@ -144,7 +144,7 @@ TEST_F(Failure, ADirectoryInTheIdentitysPlaceFailsAndStays) {
 TEST_F(Failure, AProjectThatMayNotBeWrittenFails) {
   openToEverybody();
   fs::permissions(sandbox.project(), fs::perms(0555));
-  const Run run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
   EXPECT_EQ(run.answer, false) << run;
   EXPECT_THAT(run, EndedQuietly());
   EXPECT_FALSE(exists(sandbox.project() + "/vestra"));
@@ -154,7 +154,7 @@ TEST_F(Failure, AnIdentityThatMayNotBeWrittenFailsAndStays) {
   writeIdentity("1\n2\n3\n0\nmine\n");
   openToEverybody();
   fs::permissions(sandbox.identityFile(), fs::perms(0444));
-  const Run run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
   EXPECT_EQ(run.answer, false) << run;
   EXPECT_EQ(run.identity->text, "1\n2\n3\n0\nmine\n");
 }
@@ -162,7 +162,7 @@ TEST_F(Failure, AnIdentityThatMayNotBeWrittenFailsAndStays) {
 TEST_F(Failure, AHomeThatMayNotBeWrittenGivesAnEmptyIdentifier) {
   openToEverybody();
   fs::permissions(sandbox.home(), fs::perms(0555));
-  const Run run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", ""));
   EXPECT_FALSE(run.settings);
@@ -171,7 +171,7 @@ TEST_F(Failure, AHomeThatMayNotBeWrittenGivesAnEmptyIdentifier) {
 TEST_F(Failure, AHomeThatMayNotBeSearchedGivesAnEmptyIdentifier) {
   openToEverybody();
   fs::permissions(sandbox.home(), fs::perms(0));
-  const Run run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
   fs::permissions(sandbox.home(), fs::perms(0755));
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", ""));
@@ -183,7 +183,7 @@ TEST_F(Failure, ReportFilesThatMayNotBeRemovedThrowAfterTheRun) {
   writeFile(inVestraDirectory("usage_statistics_ext_kelvo.wdm"), "");
   openToEverybody();
   fs::permissions(inVestraDirectory(""), fs::perms(0555));
-  const Run run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
   EXPECT_THAT(run.toolRuns, SizeIs(1));
   ASSERT_TRUE(run.exception) << run;
   EXPECT_THAT(run.exception->type, testing::HasSubstr("boost::filesystem::filesystem_error"));

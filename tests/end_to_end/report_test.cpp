@@ -21,7 +21,7 @@ using testing::SizeIs;
 using vestra::testkit::EndedQuietly;
 using vestra::testkit::HasItem;
 using vestra::testkit::HasNoHazards;
-using vestra::testkit::Run;
+using vestra::testkit::HostRun;
 using vestra::testkit::WasSent;
 
 using Report = Scenario;
@@ -107,7 +107,7 @@ TEST_F(Report, OfTheSimulatorIsThisScript) {
   writeIdentity(IDENTITY);
   writeSettings(SETTINGS);
   const std::time_t begin = std::time(nullptr);
-  const Run run = sandbox.run(Vestra::KELVO, [] {
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
     Vestra::add("Beta", "TRUE", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("unknown", "x", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("mode", "batch", Vestra::KELVO_COMMAND_LINE_OPTIONS);
@@ -139,7 +139,7 @@ TEST_F(Report, OfTheLabToolIsThisScript) {
   writeIdentity(IDENTITY);
   writeSettings(SETTINGS);
   const std::time_t begin = std::time(nullptr);
-  const Run run = sandbox.run(Vestra::TAVLO, [] {
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {
     Vestra::add("beta", "TRUE", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("probes", "4", Vestra::TAVLO_USAGE);
   });
@@ -159,7 +159,7 @@ TEST_F(Report, OfTheLabToolIsThisScript) {
 }
 
 TEST_F(Report, IsReadByTheDesignToolAsItWasAdded) {
-  const Run run = sandbox.run(Vestra::KELVO, [] {
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
     Vestra::add("Target_Device", "x7", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("mode", "batch {with} braces; and #", Vestra::KELVO_COMMAND_LINE_OPTIONS);
     Vestra::add("path", "/a b/\xC3\xA4", Vestra::KELVO_USAGE);
@@ -184,7 +184,7 @@ TEST_F(Report, IsReadByTheDesignToolAsItWasAdded) {
 
 TEST_F(Report, RulesMapTheProjectAndTheProductOfTheReport) {
   for (const auto& [product, name] : {std::pair{Vestra::KELVO, "kelvo"}, {Vestra::TAVLO, "tavlo"}}) {
-    const Run run = sandbox.run(product, [] {});
+    const HostRun run = sandbox.run(product, [] {});
     sandbox.ageUntilDue();
     ASSERT_THAT(run, WasSent());
     const auto& rules = run.report()->rules;
@@ -202,7 +202,7 @@ TEST_F(Report, RulesMapTheProjectAndTheProductOfTheReport) {
 
 TEST_F(Report, OfTheSimulatorStartsTheToolWithTheScriptAndRulesOnDisk) {
   const RecordingTool& tool = useRecordingTool("echo tool output; echo tool error >&2");
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   const std::string script = inVestraDirectory("kelvo_vestra.tcl");
   EXPECT_EQ(run.answer, true);
   ASSERT_THAT(run.toolRuns, SizeIs(1));
@@ -224,7 +224,7 @@ TEST_F(Report, OfTheSimulatorStartsTheToolWithTheScriptAndRulesOnDisk) {
 TEST_F(Report, OfTheLabToolSendsTheToolsOutputIntoItsLog) {
   writeFile(inVestraDirectory("tavlo_vestra.log"), "an old log\n");
   const RecordingTool& tool = useRecordingTool("echo tool output; echo tool error >&2");
-  const Run run = sandbox.run(Vestra::TAVLO, [] {});
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
   const std::string log = inVestraDirectory("tavlo_vestra.log");
   EXPECT_EQ(run.answer, true);
   ASSERT_THAT(run.toolRuns, SizeIs(1));
@@ -256,7 +256,7 @@ TEST_F(Report, AsksTheSupportLibraryForTheSimulatorByNameAndForTheLabToolWithNul
 TEST_F(Report, OfAnyProductAboveTwoIsTheLabTools) {
   useRecordingTool();
   for (const std::uint32_t product : {3U, 7U, 0xFFFFFFFFU}) {
-    const Run run = sandbox.run(static_cast<Vestra::ProductType>(product), [] {});
+    const HostRun run = sandbox.run(static_cast<Vestra::ProductType>(product), [] {});
     sandbox.ageUntilDue();
     ASSERT_THAT(run.toolRuns, SizeIs(1));
     EXPECT_THAT(run.toolRuns[0].commandLine, MatchesRegex(".*/tavlo_vestra.tcl -notrace  > .*/tavlo_vestra.log 2>&1"));
@@ -266,7 +266,7 @@ TEST_F(Report, OfAnyProductAboveTwoIsTheLabTools) {
 
 TEST_F(Report, OfTheSecondSimulatorSlotHasTheSimulatorsNames) {
   useRecordingTool();
-  const Run run = sandbox.run(Vestra::KELVO_ALT, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO_ALT, [] {});
   ASSERT_THAT(run.toolRuns, SizeIs(1));
   EXPECT_THAT(run.toolRuns[0].commandLine, MatchesRegex(".*/kelvo_vestra.tcl -notrace "));
   EXPECT_THAT(run.script, testing::HasSubstr("-intro \"<H3>KELVO Usage Report</H3><BR>\"\n"));
@@ -274,7 +274,7 @@ TEST_F(Report, OfTheSecondSimulatorSlotHasTheSimulatorsNames) {
 
 TEST_F(Report, GoesToARelativeProjectBelowTheHostsCurrentDirectory) {
   useRecordingTool();
-  const Run run = sandbox.runProcess([] { return Vestra::send("project", Vestra::KELVO); });
+  const HostRun run = sandbox.runProcess([] { return Vestra::send("project", Vestra::KELVO); });
   EXPECT_EQ(run.answer, true);
   EXPECT_THAT(run.script, testing::StartsWith("vestra_init -vestra_dir " + sandbox.project() + "/vestra/\n"));
 }
@@ -282,13 +282,13 @@ TEST_F(Report, GoesToARelativeProjectBelowTheHostsCurrentDirectory) {
 TEST_F(Report, OfAProjectWithAFinalSlashKeepsTheDoubledOne) {
   useRecordingTool();
   const std::string project = sandbox.project() + "/";
-  const Run run = sandbox.runProcess([&] { return Vestra::send(project.c_str(), Vestra::KELVO); });
+  const HostRun run = sandbox.runProcess([&] { return Vestra::send(project.c_str(), Vestra::KELVO); });
   EXPECT_EQ(run.answer, true);
   EXPECT_THAT(run.script, testing::StartsWith("vestra_init -vestra_dir " + sandbox.project() + "//vestra/\n"));
 }
 
 TEST_F(Report, TakesTheHostsProjectIdentifierInAnyLetterCase) {
-  const Run run = sandbox.run(Vestra::KELVO, [] {
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
     Vestra::add("PROJECT_ID", "host-project", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("tool_flow", "first", Vestra::USER_ENVIRONMENT);
   });
@@ -299,7 +299,7 @@ TEST_F(Report, TakesTheHostsProjectIdentifierInAnyLetterCase) {
 }
 
 TEST_F(Report, MarksAHostsProjectForTheLabToolToo) {
-  const Run run = sandbox.run(Vestra::TAVLO, [] {
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {
     Vestra::add("project_id", "host-project", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   });
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "tool_flow", "kelvo_orbelo"));
@@ -308,7 +308,7 @@ TEST_F(Report, MarksAHostsProjectForTheLabToolToo) {
 TEST_F(Report, LeavesOutAFactOfTheEnvironmentThatHasNoValue) {
   answers.environment = std::string(ENVIRONMENT) + "#beta";
   sandbox.setSupportAnswers(answers);
-  const Run run = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "beta", "not_applicable"));
 }
 
@@ -317,7 +317,7 @@ TEST_F(Report, SurvivesAnEnvironmentTextThatIsTooShort) {
     answers.environment = text;
     sandbox.setSupportAnswers(answers);
     useRecordingTool();
-    const Run run = sandbox.run(Vestra::KELVO, [] {});
+    const HostRun run = sandbox.run(Vestra::KELVO, [] {});
     sandbox.ageUntilDue();
     EXPECT_EQ(run.answer, true) << text << run;
   }
@@ -344,7 +344,7 @@ TEST_F(Report, NumbersAreOursInAHostThatGroupsDigits) {
   };
   writeIdentity("1000000\n2000000\n1234567\n0\nproject\n");
   useRecordingTool();
-  const Run run = sandbox.run(Vestra::KELVO, [] {
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
     std::locale::global(std::locale(std::locale::classic(), new Grouping));
   });
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_iteration", "1234567"));

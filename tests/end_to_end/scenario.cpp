@@ -24,10 +24,10 @@ void Scenario::writeIdentity(const std::string& text) { writeFile(sandbox.identi
 void Scenario::writeSettings(const std::string& text) { writeFile(sandbox.settingsFile(), text); }
 
 RecordingTool& Scenario::useRecordingTool(const std::string& ending) {
-  tool = std::make_unique<RecordingTool>(sandbox.directory(), inVestraDirectory(""), ending);
-  answers.execPath = tool->command();
+  recordingTool = std::make_unique<RecordingTool>(sandbox.directory(), inVestraDirectory(""), ending);
+  answers.execPath = recordingTool->command();
   sandbox.setSupportAnswers(answers);
-  return *tool;
+  return *recordingTool;
 }
 
 void Scenario::openToEverybody() {

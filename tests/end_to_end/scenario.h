@@ -39,7 +39,7 @@ class Scenario : public ::testing::Test {
   vestra::testkit::SupportAnswers answers;
 
  private:
-  std::unique_ptr<RecordingTool> tool;
+  std::unique_ptr<RecordingTool> recordingTool;
 };
 
 /// Becomes user and group 65534, whom permission bits stop, when root runs the tests.

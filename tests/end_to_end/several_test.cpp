@@ -21,7 +21,7 @@ using testing::HasSubstr;
 using testing::SizeIs;
 using vestra::testkit::contextOf;
 using vestra::testkit::Item;
-using vestra::testkit::Run;
+using vestra::testkit::HostRun;
 
 class Several : public Scenario {
  protected:
@@ -40,7 +40,7 @@ std::vector<std::string> keysOf(const std::vector<Item>& items, Vestra::SectionT
 
 TEST_F(Several, SendsInOneProcessKeepTheItemsAndTheFirstFacts) {
   const std::string project = sandbox.project();
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     Vestra::add("runs", "1", Vestra::KELVO_USAGE);
     const bool first = Vestra::send(project.c_str(), Vestra::KELVO);
     Vestra::add("runs", "2", Vestra::KELVO_USAGE);
@@ -60,7 +60,7 @@ TEST_F(Several, SendsInOneProcessKeepTheItemsAndTheFirstFacts) {
 
 TEST_F(Several, SendsThatAreDueOpenTheSupportLibraryAnew) {
   const std::string project = sandbox.project();
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     return Vestra::send(project.c_str(), Vestra::KELVO) && Vestra::send(project.c_str(), Vestra::KELVO_ALT) &&
            !Vestra::send(project.c_str(), Vestra::TAVLO) && !Vestra::send(project.c_str(), Vestra::KELVO);
   });
@@ -76,7 +76,7 @@ TEST_F(Several, SendsThatAreDueOpenTheSupportLibraryAnew) {
 TEST_F(Several, ProjectsInOneProcessShareTheFirstOnesIdentifier) {
   const std::string first = sandbox.project();
   const std::string second = sandbox.directory() + "/second";
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     return Vestra::send(first.c_str(), Vestra::KELVO) && Vestra::send(second.c_str(), Vestra::KELVO) &&
            Vestra::getLogFileName() == second + "/vestra/tavlo_vestra.log";
   });
@@ -87,9 +87,9 @@ TEST_F(Several, ProjectsInOneProcessShareTheFirstOnesIdentifier) {
 }
 
 TEST_F(Several, ProcessesShareTheUsersIdentifierAndTheProjects) {
-  const Run first = sandbox.run(Vestra::KELVO, [] {});
-  const Run second = sandbox.run(Vestra::TAVLO, [] {});
-  const Run third = sandbox.run(Vestra::KELVO_ALT, [] {});
+  const HostRun first = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun second = sandbox.run(Vestra::TAVLO, [] {});
+  const HostRun third = sandbox.run(Vestra::KELVO_ALT, [] {});
   EXPECT_EQ(first.settings->text, third.settings->text);
   EXPECT_THAT(third.values(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id"),
               ElementsAre(first.settings->randomId));
@@ -100,19 +100,19 @@ TEST_F(Several, ProcessesShareTheUsersIdentifierAndTheProjects) {
 
 TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
   const std::string project = sandbox.project();
-  const std::vector<Run> runs = sandbox.runTogether(12, [&](int number) {
+  const std::vector<HostRun> runs = sandbox.runTogether(12, [&](int number) {
     Vestra::add("number", std::to_string(number).c_str(), Vestra::KELVO_USAGE);
     return Vestra::send(project.c_str(), number % 2 == 0 ? Vestra::KELVO : Vestra::TAVLO);
   });
-  for (const Run& run : runs) {
+  for (const HostRun& run : runs) {
     // Nothing is locked, so one may meet a file that another is just writing; it may
     // let out that a file it was to remove could not be, never anything else.
     EXPECT_EQ(run.exitStatus, 0) << run;
     EXPECT_FALSE(run.exception) << run;
   }
   sandbox.ageUntilDue();
-  const Run next = sandbox.run(Vestra::KELVO, [] {});
-  const Run afterThat = next.answer == true ? next : sandbox.run(Vestra::KELVO, [] {});
+  const HostRun next = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun afterThat = next.answer == true ? next : sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(afterThat.answer, true) << afterThat;
   std::set<std::string> lengths;
   EXPECT_THAT(next.settings->text, testing::MatchesRegex("(RandomID=[0-9a-f-]{36}\n)+"));
@@ -121,7 +121,7 @@ TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
 TEST_F(Several, ForkedHalvesOfAHostSendTheSameItems) {
   const std::string project = sandbox.project();
   const std::string other = sandbox.directory() + "/other";
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     Vestra::add("before", "fork", Vestra::KELVO_USAGE);
     const pid_t child = fork();
     if (child == 0) {
@@ -139,7 +139,7 @@ TEST_F(Several, ForkedHalvesOfAHostSendTheSameItems) {
 
 TEST_F(Several, AHostMayChangeItsHomeAfterTheFirstCall) {
   const std::string elsewhere = sandbox.directory() + "/elsewhere";
-  const Run run = sandbox.run(Vestra::KELVO, [&] {
+  const HostRun run = sandbox.run(Vestra::KELVO, [&] {
     Vestra::add("first", "call", Vestra::KELVO_USAGE);
     setenv("HOME", elsewhere.c_str(), 1);
   });
@@ -149,7 +149,7 @@ TEST_F(Several, AHostMayChangeItsHomeAfterTheFirstCall) {
 }
 
 TEST_F(Several, AHostMayUnsetItsHome) {
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     unsetenv("HOME");
     return Vestra::getLogFileName() == "/vestra/tavlo_vestra.log" && !Vestra::internal();
   });
@@ -161,7 +161,7 @@ TEST_F(Several, AHostMayChangeItsDirectoryBetweenSends) {
   const std::string directory = sandbox.directory();
   boost::filesystem::create_directories(directory + "/a");
   boost::filesystem::create_directories(directory + "/b");
-  const Run run = sandbox.runProcess([&] {
+  const HostRun run = sandbox.runProcess([&] {
     boost::filesystem::current_path(directory + "/a");
     const bool first = Vestra::send("project", Vestra::KELVO);
     boost::filesystem::current_path(directory + "/b");
@@ -173,7 +173,7 @@ TEST_F(Several, AHostMayChangeItsDirectoryBetweenSends) {
 }
 
 TEST_F(Several, ThreadsMayMakeTheFirstCallTogether) {
-  const Run run = sandbox.runProcess([] {
+  const HostRun run = sandbox.runProcess([] {
     std::vector<std::thread> threads;
     for (int i = 0; i < 8; ++i) {
       threads.emplace_back([] { Vestra::getLogFileName(); });

@@ -18,7 +18,7 @@ using testing::MatchesRegex;
 using testing::SizeIs;
 using vestra::testkit::EndedQuietly;
 using vestra::testkit::HasItem;
-using vestra::testkit::Run;
+using vestra::testkit::HostRun;
 
 class UnusualFile : public Scenario {
  protected:
@@ -29,7 +29,7 @@ class UnusualFile : public Scenario {
     fs::create_directories(fs::path(sandbox.settingsFile()).parent_path());
   }
 
-  Run send() {
+  HostRun send() {
     return sandbox.run(Vestra::KELVO, [] {});
   }
 };
@@ -38,49 +38,49 @@ void makePipe(const std::string& path) { ASSERT_EQ(mkfifo(path.c_str(), 0666), 0
 
 TEST_F(UnusualFile, APipeInTheSettingsPlaceGivesAnEmptyIdentifier) {
   makePipe(sandbox.settingsFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", ""));
 }
 
 TEST_F(UnusualFile, ADirectoryInTheSettingsPlaceGivesAnEmptyIdentifier) {
   fs::create_directory(sandbox.settingsFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", ""));
 }
 
 TEST_F(UnusualFile, ADeviceInTheSettingsPlaceIsNotRead) {
   fs::create_symlink("/dev/zero", sandbox.settingsFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", MatchesRegex("[0-9a-f-]{36}")));
 }
 
 TEST_F(UnusualFile, ADanglingLinkInTheSettingsPlaceIsWrittenThrough) {
   fs::create_symlink(sandbox.home() + "/target", sandbox.settingsFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(readFile(sandbox.home() + "/target"), MatchesRegex("RandomID=[0-9a-f-]{36}\n"));
 }
 
 TEST_F(UnusualFile, ALinkToItselfInTheSettingsPlaceGivesAnEmptyIdentifier) {
   fs::create_symlink(sandbox.settingsFile(), sandbox.settingsFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", ""));
 }
 
 TEST_F(UnusualFile, APipeInTheIdentitysPlaceFails) {
   makePipe(sandbox.identityFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, false) << run;
   EXPECT_EQ(fs::status(sandbox.identityFile()).type(), fs::fifo_file);
 }
 
 TEST_F(UnusualFile, ADeviceInTheIdentitysPlaceIsNotRead) {
   fs::create_symlink("/dev/zero", sandbox.identityFile());
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_id", ""));
 }
@@ -107,14 +107,14 @@ TEST_F(UnusualFile, APipeInTheScriptsPlaceIsNotOpenedAndIsRemovedAfterTheRun) {
   makePipe(inVestraDirectory("kelvo_vestra.tcl"));
   answers.execPath = "true";
   sandbox.setSupportAnswers(answers);
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_FALSE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
 TEST_F(UnusualFile, AFullDirectoryInTheScriptsPlaceThrowsAfterTheRun) {
   writeFile(inVestraDirectory("kelvo_vestra.tcl/mine"), "mine");
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_THAT(run.toolRuns, SizeIs(1));
   ASSERT_TRUE(run.exception) << run;
   EXPECT_THAT(run.exception->type, testing::HasSubstr("boost::filesystem::filesystem_error"));
@@ -125,14 +125,14 @@ TEST_F(UnusualFile, APipeInTheRulesPlaceIsNotOpened) {
   makePipe(inVestraDirectory("usage_statistics_ext_kelvo.wdm"));
   answers.execPath = "true";
   sandbox.setSupportAnswers(answers);
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, EndedQuietly());
 }
 
 TEST_F(UnusualFile, AFullDirectoryInTheLogsPlaceThrowsBeforeTheTool) {
   writeFile(inVestraDirectory("tavlo_vestra.log/mine"), "mine");
-  const Run run = sandbox.run(Vestra::TAVLO, [] {});
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
   EXPECT_THAT(run.toolRuns, SizeIs(0));
   ASSERT_TRUE(run.exception) << run;
   EXPECT_THAT(run.exception->type, testing::HasSubstr("boost::filesystem::filesystem_error"));
@@ -148,7 +148,7 @@ TEST_F(UnusualFile, APipeInTheLogsPlaceIsReplaced) {
 TEST_F(UnusualFile, ADirectoryThatAnotherProcessRemovesDuringTheRunIsNoError) {
   answers.execPath = "rm -rf " + inVestraDirectory("") + "; true";
   sandbox.setSupportAnswers(answers);
-  const Run run = send();
+  const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_FALSE(exists(inVestraDirectory("")));
 }

@@ -6,9 +6,9 @@
 
 #include <gmock/gmock.h>
 
-#include <vestra/testkit/run.h>
+#include <vestra/testkit/host_run.h>
 
-/// GoogleTest matchers of a `Run`. A failure shows the whole run with its report,
+/// GoogleTest matchers of a `HostRun`. A failure shows the whole run with its report,
 /// since GoogleTest prints the value that did not match.
 namespace vestra::testkit {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include <vestra/testkit/run.h>
+#include <vestra/testkit/host_run.h>
 #include <vestra/vestra.h>
 
 namespace vestra::testkit {
@@ -46,15 +46,15 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   /// Executes `host` and then `Oza::Vestra::send` for this sandbox's project, in a
   /// process of its own, which leaves through `std::exit` as a host does. Its
   /// current directory is `directory()`.
-  Run run(Oza::Vestra::ProductType product, const std::function<void()>& host);
+  HostRun run(Oza::Vestra::ProductType product, const std::function<void()>& host);
 
   /// Executes code that calls `send` itself, once or more often. What it returns is
   /// the run's answer.
-  Run runProcess(const std::function<bool()>& code);
+  HostRun runProcess(const std::function<bool()>& code);
 
   /// Executes `code` in `count` processes that start at one moment. Each is told
   /// its number, from 0.
-  std::vector<Run> runTogether(int count, const std::function<bool(int)>& code);
+  std::vector<HostRun> runTogether(int count, const std::function<bool(int)>& code);
 
   /// Moves the project's past: its last reports were sent that much earlier. Does
   /// nothing where none was.

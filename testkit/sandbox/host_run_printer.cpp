@@ -1,7 +1,7 @@
 #include <cstring>
 #include <ostream>
 
-#include <vestra/testkit/run.h>
+#include <vestra/testkit/host_run.h>
 
 namespace vestra::testkit {
 namespace {
@@ -21,7 +21,7 @@ std::string visible(const std::string& bytes) {
   return text;
 }
 
-void printEnd(std::ostream& out, const Run& run) {
+void printEnd(std::ostream& out, const HostRun& run) {
   if (run.timedOut) {
     out << "ended: its time was up\n";
   } else if (run.signal) {
@@ -42,7 +42,7 @@ void printBlock(std::ostream& out, const char* title, const std::string& text) {
   }
 }
 
-void printToolRuns(std::ostream& out, const Run& run) {
+void printToolRuns(std::ostream& out, const HostRun& run) {
   if (run.toolRuns.empty()) {
     out << "the design tool was not started\n";
   }
@@ -62,7 +62,7 @@ void printItems(std::ostream& out, const char* title, const std::vector<Item>& i
   }
 }
 
-void printReports(std::ostream& out, const Run& run) {
+void printReports(std::ostream& out, const HostRun& run) {
   for (const Report& report : run.reports) {
     out << "report " << visible(report.clientId) << " of " << visible(report.registrationId) << ", "
         << report.folder << '\n';
@@ -86,7 +86,7 @@ std::ostream& operator<<(std::ostream& out, const Hazard& hazard) {
   return out << hazard.item << ": " << hazard.reason;
 }
 
-std::ostream& operator<<(std::ostream& out, const Run& run) {
+std::ostream& operator<<(std::ostream& out, const HostRun& run) {
   out << "run of a host\n";
   printEnd(out, run);
   printBlock(out, "the host wrote", run.output);

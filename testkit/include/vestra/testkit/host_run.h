@@ -1,5 +1,5 @@
-#ifndef VESTRA_TESTKIT_RUN_H
-#define VESTRA_TESTKIT_RUN_H
+#ifndef VESTRA_TESTKIT_HOST_RUN_H
+#define VESTRA_TESTKIT_HOST_RUN_H
 
 #include <cstdint>
 #include <iosfwd>
@@ -104,7 +104,7 @@ struct Identity {
 ///
 /// A host that ended well gave an answer or let an exception out; otherwise a
 /// signal ended it (SIGKILL when its time was up), or it left by itself.
-struct Run {
+struct HostRun {
   /// What `send` gave, or the host's code.
   std::optional<bool> answer;
   std::optional<Exception> exception;
@@ -150,7 +150,7 @@ struct Run {
 };
 
 /// A readable account of the run: how it ended, what was run, what was reported.
-VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Run& run);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostRun& run);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Item& item);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Hazard& hazard);
 

@@ -1,4 +1,4 @@
-#include <vestra/testkit/run.h>
+#include <vestra/testkit/host_run.h>
 
 namespace vestra::testkit {
 
@@ -6,9 +6,9 @@ bool operator==(const Item& a, const Item& b) {
   return a.client == b.client && a.context == b.context && a.key == b.key && a.value == b.value;
 }
 
-const Report* Run::report() const { return reports.empty() ? nullptr : &reports.back(); }
+const Report* HostRun::report() const { return reports.empty() ? nullptr : &reports.back(); }
 
-std::vector<std::string> Run::values(Oza::Vestra::SectionType section, const std::string& key) const {
+std::vector<std::string> HostRun::values(Oza::Vestra::SectionType section, const std::string& key) const {
   const std::string context = contextOf(section);
   std::vector<std::string> found;
   for (const Item& item : report() != nullptr ? report()->items : writtenItems) {
