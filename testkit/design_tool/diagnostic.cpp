@@ -44,17 +44,6 @@ std::size_t charactersIn(std::string_view text) {
   return count;
 }
 
-/// Blanks as wide as the text; its tabs are repeated, whatever their width is on the terminal.
-std::string blanksFor(const std::string& text) {
-  std::string blanks(charactersIn(text), ' ');
-  std::size_t character = 0;
-  for (std::string_view rest = text; !rest.empty(); ++character) {
-    if (rest[0] == '\t') blanks[character] = '\t';
-    rest.remove_prefix(std::max<std::size_t>(1, firstCharacter(rest).length));
-  }
-  return blanks;
-}
-
 std::string markerFor(const std::string& marked) {
   return "^" + std::string(std::max<std::size_t>(1, charactersIn(marked)) - 1, '~');
 }
@@ -71,7 +60,7 @@ std::string format(const Diagnostic& diagnostic) {
   if (diagnostic.excerpt.empty()) return headline;
   const Window window = windowOf(diagnostic);
   return fmt::format("{}{}{}{}{}\n{}{}{}\n", headline, kIndent, window.before, window.marked, window.after, kIndent,
-                     blanksFor(window.before), markerFor(window.marked));
+                     std::string(charactersIn(window.before), ' '), markerFor(window.marked));
 }
 
 DiagnosedError::DiagnosedError(Diagnostic diagnostic) : diagnostic_(std::move(diagnostic)) {}

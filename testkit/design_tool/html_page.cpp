@@ -30,6 +30,16 @@ std::string valueHtml(const std::string& value) {
   return escapedForHtml(value);
 }
 
+/// A long key may break after each underscore rather than anywhere.
+std::string keyHtml(const std::string& key) {
+  std::string html;
+  for (const char letter : escapedForHtml(key)) {
+    html += letter;
+    if (letter == '_') html += "<wbr>";
+  }
+  return html;
+}
+
 /// "kelvo\command_line_options" is read as "Command line options": the last part of the path, as words.
 std::string headingOf(const std::string& map) {
   const std::size_t last_separator = map.find_last_of('\\');
@@ -77,24 +87,25 @@ void addOrigin(std::string& html, const Report& report) {
   html += "</dl>\n</section>\n";
 }
 
-void addEnvironmentTable(std::string& html, const MappedSection& section) {
-  html += "<table class=\"environment\">\n<tbody>\n";
+void addEnvironmentList(std::string& html, const MappedSection& section) {
+  html += "<dl class=\"environment\">\n";
   for (const Item* item : section.items) {
-    html += fmt::format("<tr><th scope=\"row\" class=\"key\">{}</th><td class=\"value\">{}</td></tr>\n",
-                        escapedForHtml(item->key), valueHtml(item->value));
+    html += fmt::format("<div><dt class=\"key\">{}</dt><dd class=\"value\">{}</dd></div>\n", keyHtml(item->key),
+                        valueHtml(item->value));
   }
-  html += "</tbody>\n</table>\n";
+  html += "</dl>\n";
+}
+
+bool areFigures(const MappedSection& section) {
+  return std::all_of(section.items.begin(), section.items.end(), [](const Item* item) { return isFigure(item->value); });
 }
 
 void addStatisticsTable(std::string& html, const MappedSection& section) {
-  const bool are_figures = std::all_of(section.items.begin(), section.items.end(),
-                                       [](const Item* item) { return isFigure(item->value); });
-  const std::string_view alignment = are_figures ? " figure" : "";
-  html += fmt::format("<table class=\"statistics\">\n<thead><tr><th scope=\"col\" class=\"key-column\">Key</th>"
-                      "<th scope=\"col\" class=\"value-column{}\">Value</th></tr></thead>\n<tbody>\n", alignment);
+  html += fmt::format("<table class=\"{}\">\n", areFigures(section) ? "statistics figures" : "statistics");
+  html += "<thead><tr><th scope=\"col\">Key</th><th scope=\"col\">Value</th></tr></thead>\n<tbody>\n";
   for (const Item* item : section.items) {
-    html += fmt::format("<tr><th scope=\"row\" class=\"key\">{}</th><td class=\"value{}\">{}</td></tr>\n",
-                        escapedForHtml(item->key), alignment, valueHtml(item->value));
+    html += fmt::format("<tr><th scope=\"row\" class=\"key\">{}</th><td class=\"value\">{}</td></tr>\n",
+                        keyHtml(item->key), valueHtml(item->value));
   }
   html += "</tbody>\n</table>\n";
 }
@@ -102,7 +113,7 @@ void addStatisticsTable(std::string& html, const MappedSection& section) {
 void addItems(std::string& html, const MappedSection& section) {
   const bool is_environment = section.rule != nullptr && section.rule->html_style == HtmlStyle::UserEnvironment;
   if (section.items.empty()) html += "<p class=\"none\">Nothing was reported here.</p>\n";
-  else if (is_environment) addEnvironmentTable(html, section);
+  else if (is_environment) addEnvironmentList(html, section);
   else addStatisticsTable(html, section);
 }
 

@@ -21,26 +21,31 @@ bool contains(const Names& names, std::string_view name) {
   throw ProtocolError(fmt::format("{}: {}", invocation.command, message), invocation.spelled ? word.span : invocation.span);
 }
 
+bool isOptionLike(const std::string& word) {
+  return word.rfind('-', 0) == 0;
+}
+
 bool namesPath(std::string_view option) {
   return option == "-vestra_dir" || option == "-xml" || option == "-html" || option == "-wdm";
 }
 
 /// Why a word stands where an option should: nothing but values and contexts reaches the script between quotes.
-std::string hintFor(const Names& names, std::string_view option, const Word& value) {
-  if (contains(names, value.text)) return fmt::format("; {} took \"{}\" for its value", option, value.text);
-  if (namesPath(option)) return "; a path with blanks reaches the script unquoted";
-  if (option == "-key") return "; a key with white space reaches the script unquoted";
-  return "";
+std::string hintFor(const Names& names, const Invocation& invocation, std::size_t index) {
+  const std::vector<Word>& words = invocation.arguments;
+  if (index >= 2) {
+    const std::string& option = words[index - 2].text;
+    const std::string& value = words[index - 1].text;
+    if (contains(names, value)) return fmt::format("{} took \"{}\" for its value", option, value);
+    if (namesPath(option)) return "a path with blanks reaches the script unquoted";
+    if (option == "-key" && !isOptionLike(words[index].text)) return "a key with white space reaches the script unquoted";
+  }
+  return names.empty() ? "it takes none" : fmt::format("it takes {}", fmt::join(names, ", "));
 }
 
 [[noreturn]] void failAtStray(const Invocation& invocation, const Names& names, std::size_t index) {
   const Word& stray = invocation.arguments[index];
-  const std::string what = stray.text.rfind('-', 0) == 0
-                               ? fmt::format("unknown option {}", inQuotes(stray.text))
-                               : fmt::format("unexpected word {}", inQuotes(stray.text));
-  const std::string hint = index < 2 ? fmt::format("; it takes {}", fmt::join(names, ", "))
-                                     : hintFor(names, invocation.arguments[index - 2].text, invocation.arguments[index - 1]);
-  fail(invocation, stray, what + hint);
+  const char* const kind = isOptionLike(stray.text) ? "unknown option" : "unexpected word";
+  fail(invocation, stray, fmt::format("{} {}; {}", kind, inQuotes(stray.text), hintFor(names, invocation, index)));
 }
 
 }  // namespace

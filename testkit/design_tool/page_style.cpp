@@ -53,12 +53,13 @@ section { margin-top: 2.25rem; }
   overflow-wrap: anywhere;
 }
 .count { margin-left: auto; color: var(--soft); font-size: 0.85rem; font-variant-numeric: tabular-nums; }
+p.test { margin: -0.5rem 0 -0.75rem; }
 .test .chip { color: var(--warn-ink); background: var(--warn); border-color: transparent; }
-code, .value, .key { font-family: ui-monospace, "SF Mono", "Cascadia Mono", "DejaVu Sans Mono", "Liberation Mono", Consolas, monospace; font-size: 0.875em; }
-.value, .key, .name { white-space: pre-wrap; overflow-wrap: anywhere; unicode-bidi: isolate; tab-size: 4; }
+.value, .key { font-family: ui-monospace, "SF Mono", "Cascadia Mono", "DejaVu Sans Mono", "Liberation Mono", Consolas, monospace; font-size: 0.875em; }
+.value, .key { white-space: pre-wrap; overflow-wrap: anywhere; unicode-bidi: isolate; tab-size: 4; }
 .facts {
   display: grid;
-  grid-template-columns: repeat(auto-fit, minmax(min(100%, 15rem), 1fr));
+  grid-template-columns: repeat(auto-fit, minmax(min(100%, 20rem), 1fr));
   gap: 1px;
   margin: 0;
   overflow: hidden;
@@ -69,24 +70,28 @@ code, .value, .key { font-family: ui-monospace, "SF Mono", "Cascadia Mono", "Dej
 .facts div { padding: 0.65rem 0.9rem; background: var(--card); }
 .facts dt { color: var(--soft); font-size: 0.8rem; }
 .facts dd { margin: 0.1rem 0 0; }
-table { width: 100%; border-collapse: separate; border-spacing: 0; table-layout: fixed; border: 1px solid var(--line); border-radius: 0.6rem; overflow: hidden; background: var(--card); }
-th, td { padding: 0.5rem 0.9rem; text-align: left; vertical-align: top; border-top: 1px solid var(--line); }
-tr:first-child > * { border-top: 0; }
-tbody tr:first-child > * { border-top: 1px solid var(--line); }
+.environment { margin: 0; overflow: hidden; border: 1px solid var(--line); border-radius: 0.6rem; background: var(--card); }
+.environment div { display: grid; grid-template-columns: minmax(12rem, 36%) 1fr; gap: 0 1rem; padding: 0.45rem 0.9rem; }
+.environment div + div { border-top: 1px solid var(--line); }
+.environment dt { color: var(--soft); }
+.environment dd { margin: 0; min-width: 0; }
+table { width: 100%; table-layout: fixed; border-collapse: separate; border-spacing: 0; overflow: hidden; border: 1px solid var(--line); border-radius: 0.6rem; background: var(--card); }
+th, td { padding: 0.45rem 0.9rem; text-align: left; vertical-align: top; }
+tbody tr > * { border-top: 1px solid var(--line); }
+tbody tr:nth-child(even) > * { background: var(--band); }
 thead th { background: var(--band); color: var(--soft); font-size: 0.8rem; font-weight: 600; }
-table:not(:has(thead)) tbody tr:first-child > * { border-top: 0; }
-.environment th { width: 38%; font-weight: 500; color: var(--soft); }
-.statistics .key-column { width: 55%; }
-.statistics tbody tr:nth-child(even) > * { background: var(--band); }
-.statistics th.key { font-weight: 400; }
-.statistics .figure { text-align: right; font-variant-numeric: tabular-nums; }
+thead th:first-child { width: 38%; }
+th.key { font-weight: 400; }
+.figures thead th:first-child { width: 60%; }
+.figures th:last-child, .figures td { text-align: right; font-variant-numeric: tabular-nums; }
 .none { margin: 0; padding: 0.75rem 0.9rem; border: 1px dashed var(--line); border-radius: 0.6rem; color: var(--soft); }
 .absent { color: var(--soft); font-style: italic; font-family: inherit; }
 .byte { padding: 0 0.15em; border-radius: 0.2em; background: var(--warn); color: var(--warn-ink); font-size: 0.9em; }
 footer { margin-top: 3rem; padding-top: 1rem; border-top: 1px solid var(--line); color: var(--soft); font-size: 0.85rem; overflow-wrap: anywhere; }
 @media (max-width: 34rem) {
+  .environment div { grid-template-columns: 1fr; }
+  .environment dt { font-size: 0.8rem; }
   th, td { padding: 0.45rem 0.7rem; }
-  .environment th { width: 44%; }
 }
 @media print {
   :root {
@@ -98,8 +103,9 @@ footer { margin-top: 3rem; padding-top: 1rem; border-top: 1px solid var(--line);
   main { max-width: none; padding: 0; }
   .head { break-after: avoid; }
   thead { display: table-header-group; }
-  tr, .facts div { break-inside: avoid; }
-  table, .facts { border-radius: 0; }
+  tr, .facts div, .environment div { break-inside: avoid; }
+  table, .facts, .environment { overflow: visible; border-width: 1px 0; border-radius: 0; }
+  .facts { gap: 0; background: none; }
 }
 )";
 

@@ -12,6 +12,7 @@
 #include "safe_interpreter.h"
 #include "script.h"
 #include "tcl_text.h"
+#include "visible_text.h"
 
 namespace vestra::design_tool {
 
@@ -54,8 +55,7 @@ class Evaluation {
 
  private:
   static int onCommand(ClientData self, Tcl_Interp* interpreter, int count, Tcl_Obj* const words[]);
-  static void onTampering(ClientData self, Tcl_Interp* interpreter, const char* old_name, const char* new_name,
-                          int flags);
+  static void onTampering(ClientData self, Tcl_Interp* interpreter, const char* name, const char* new_name, int flags);
 
   void defineCommands();
   void runCommand(const ParsedCommand& command);
@@ -104,13 +104,14 @@ int Evaluation::onCommand(ClientData self, Tcl_Interp* interpreter, int count, T
   return TCL_ERROR;
 }
 
-void Evaluation::onTampering(ClientData self, Tcl_Interp*, const char* old_name, const char*, int flags) {
-  if ((flags & TCL_INTERP_DESTROYED) != 0) return;
+void Evaluation::onTampering(ClientData self, Tcl_Interp* interpreter, const char* name, const char*, int) {
+  if (Tcl_InterpDeleted(interpreter)) return;
   auto& evaluation = *static_cast<Evaluation*>(self);
   if (evaluation.protocol_error_) return;
-  const std::string name = old_name;
-  evaluation.protocol_error_.emplace(name.substr(name.rfind(':') + 1) + " can't be redefined",
-                                     evaluation.current_->words().front());
+  const std::string_view full_name = name;
+  evaluation.protocol_error_.emplace(
+      fmt::format("{} can't be redefined", full_name.substr(full_name.rfind(':') + 1)),
+      evaluation.current_->words().front());
 }
 
 void Evaluation::defineCommands() {
@@ -142,7 +143,8 @@ void Evaluation::throwWhatWentWrong(const ParsedCommand& command) const {
 }
 
 std::string Evaluation::interpreterMessage(const ParsedCommand& command) const {
-  const std::string message = interpreter_.result();
+  const std::string result = interpreter_.result();
+  const std::string message = forTerminal(result.substr(0, result.find('\n')));
   if (message.rfind("can't read", 0) == 0) return message + "; a dollar sign inside a value asks Tcl for a variable";
   if (message.rfind("invalid command name", 0) == 0 && !command.isPlain()) {
     return message + "; a square bracket inside a value asks Tcl to run a command";

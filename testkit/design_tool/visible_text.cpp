@@ -14,7 +14,7 @@ bool isXmlCharacter(char32_t code_point) {
 }
 
 bool isForTerminal(char32_t code_point) {
-  return isVisible(code_point) && code_point != '\n';
+  return isVisible(code_point) && code_point != '\n' && code_point != '\t';
 }
 
 std::string nameBytes(std::string_view bytes) {

@@ -18,8 +18,8 @@ std::string nameOfByte(char byte);
 /// The bytes with all that isXmlText refuses written as `\xNN`, and each backslash doubled so that it can be undone.
 std::string escapedForXml(std::string_view bytes);
 
-/// The bytes for one line of a terminal: whatever is not visible, line feeds included, written as `\xNN`.
-/// What the terminal would obey is shown instead. A tab stays.
+/// The bytes for one line of a terminal: whatever is not visible, line feeds and tabs included, written as
+/// `\xNN`. What the terminal would obey is shown instead.
 std::string forTerminal(std::string_view bytes);
 
 /// forTerminal of `bytes`, cut to about `limit` bytes, in double quotes.
