@@ -1,6 +1,7 @@
 #include <tcl.h>
 
 #include <optional>
+#include <utility>
 
 #include "script_items.h"
 
@@ -29,8 +30,9 @@ std::string widened(const std::string& bytes) {
 /// One command as Tcl's parser sees it, before any substitution.
 class ParsedCommand {
  public:
-  explicit ParsedCommand(const std::string& command)
-      : valid(Tcl_ParseCommand(nullptr, command.data(), static_cast<int>(command.size()), 0, &parse) == TCL_OK),
+  explicit ParsedCommand(std::string commandText)
+      : command(std::move(commandText)),
+        valid(Tcl_ParseCommand(nullptr, command.data(), static_cast<int>(command.size()), 0, &parse) == TCL_OK),
         complete(valid && parse.commandSize == static_cast<int>(command.size())) {}
   ParsedCommand(const ParsedCommand&) = delete;
   ParsedCommand& operator=(const ParsedCommand&) = delete;
@@ -60,6 +62,8 @@ class ParsedCommand {
   }
 
  private:
+  // The parse points into it.
+  std::string command;
   Tcl_Parse parse{};
   bool valid;
   bool complete;

@@ -1,0 +1,113 @@
+// Which items the design tool would not read as they were written: judged by what it
+// really reads.
+
+#include <gmock/gmock.h>
+#include <rapidcheck/gtest.h>
+#include <vestra/testkit/matchers.h>
+#include <vestra/testkit/sandbox.h>
+
+namespace {
+
+using Oza::Vestra;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using vestra::testkit::Hazard;
+using vestra::testkit::HasNoHazards;
+using vestra::testkit::HostRun;
+using vestra::testkit::Item;
+using vestra::testkit::Sandbox;
+
+HostRun runWith(const std::vector<std::pair<std::string, std::string>>& items) {
+  Sandbox sandbox;
+  return sandbox.run(Vestra::KELVO, [&] {
+    for (const auto& [key, value] : items) {
+      Vestra::add(key.c_str(), value.c_str(), Vestra::KELVO_USAGE);
+    }
+  });
+}
+
+std::vector<Item> usageIn(const std::vector<Item>& items) {
+  std::vector<Item> usage;
+  for (const Item& item : items) {
+    if (item.context == "kelvo\\usage") {
+      usage.push_back(item);
+    }
+  }
+  return usage;
+}
+
+std::string onlyReason(const std::string& key, const std::string& value) {
+  const std::vector<Hazard> hazards = runWith({{key, value}}).hazards();
+  return hazards.size() == 1 ? hazards[0].reason : std::to_string(hazards.size()) + " hazards";
+}
+
+TEST(Hazards, AreNamedWithTheReason) {
+  EXPECT_EQ(onlyReason("", "v"), "the key is empty");
+  EXPECT_EQ(onlyReason("two words", "v"), "the key holds white space, which ends it");
+  EXPECT_EQ(onlyReason("two\nlines", "v"), "the key holds white space, which ends it");
+  EXPECT_EQ(onlyReason("a;b", "v"), "the key holds a semicolon, which ends the command");
+  EXPECT_EQ(onlyReason("\"quoted\"", "v"), "the key begins with a double quote");
+  EXPECT_EQ(onlyReason("{braced}", "v"), "the key begins with a brace");
+  EXPECT_EQ(onlyReason("k[0]", "v"), "the key holds an opening bracket, which begins a command");
+  EXPECT_EQ(onlyReason("k$x", "v"), "the key holds a dollar sign, which begins a variable");
+  EXPECT_EQ(onlyReason("k\\n", "v"), "the key holds a backslash, which changes what follows it");
+  EXPECT_EQ(onlyReason("k", "say \"x\""), "the value holds a double quote, which ends it");
+  EXPECT_EQ(onlyReason("k", "[exit]"), "the value holds an opening bracket, which begins a command");
+  EXPECT_EQ(onlyReason("k", "$HOME"), "the value holds a dollar sign, which begins a variable");
+  EXPECT_EQ(onlyReason("k", "C:\\temp"), "the value holds a backslash, which changes what follows it");
+  EXPECT_EQ(onlyReason("a b", "$x"),
+            "the key holds white space, which ends it, the value holds a dollar sign, which begins a variable");
+}
+
+TEST(Hazards, AreNotWhatTclReadsAsItStands) {
+  const HostRun run = runWith({{"k]", "]"}, {"a\"b", "{ }"}, {"#", "# ; { $ 1$"}, {"-value", "-key"}, {"line", "feed\nfeed"}});
+  EXPECT_THAT(run, HasNoHazards());
+  ASSERT_THAT(run.reports, SizeIs(1)) << run;
+  EXPECT_EQ(run.report()->items, run.writtenItems);
+}
+
+TEST(Hazards, AreFoundBehindOneAnother) {
+  const HostRun run = runWith({{"good", "1"}, {"bad", "a\"b"}, {"fine", "2"}, {"worse", "x\" -context \"y"}});
+  const auto hazards = run.hazards();
+  ASSERT_THAT(hazards, SizeIs(2)) << run;
+  EXPECT_EQ(hazards[0].item.key, "bad");
+  EXPECT_EQ(hazards[0].item.value, "a\"b");
+  EXPECT_EQ(hazards[1].item.value, "x\" -context \"y");
+  EXPECT_THAT(run.reports, IsEmpty());
+}
+
+std::string bytesFrom(const std::string& wanted, const std::string& unwanted) {
+  return *rc::gen::container<std::string>(rc::gen::suchThat(
+      rc::gen::oneOf(rc::gen::arbitrary<char>(), rc::gen::elementOf(wanted)),
+      [&](char byte) { return byte != '\0' && unwanted.find(byte) == std::string::npos; }));
+}
+
+RC_GTEST_PROP(Hazards, AbsentMeansThatTheToolReportsWhatWasAdded, ()) {
+  std::vector<std::pair<std::string, std::string>> added;
+  const int count = *rc::gen::inRange(0, 20);
+  for (int i = 0; i < count; ++i) {
+    added.emplace_back("k" + bytesFrom("ab_-.", " \t\n\v\f\r;[$\\"), bytesFrom("ab {}\n;#", "\"[$\\"));
+  }
+  const HostRun run = runWith(added);
+  RC_ASSERT(run.hazards().empty());
+  RC_ASSERT(run.reports.size() == 1U);
+  const std::vector<Item> reported = usageIn(run.report()->items);
+  RC_ASSERT(reported.size() == added.size());
+  for (std::size_t i = 0; i < added.size(); ++i) {
+    RC_ASSERT(reported[i].key == added[i].first);
+    RC_ASSERT(reported[i].value == added[i].second);
+  }
+}
+
+RC_GTEST_PROP(Hazards, NameEachItemThatTheToolReadsDifferentlyAndOnlyThose, ()) {
+  const std::string risky = "\"[]{}$\\; \n\tab1(:";
+  const std::string key = bytesFrom(risky, "");
+  const std::string value = bytesFrom(risky, "");
+  const HostRun run = runWith({{key, value}});
+  const bool readAsWritten = run.report() != nullptr &&
+                             usageIn(run.report()->items) == std::vector<Item>{{"kelvo", "kelvo\\usage", key, value}};
+  RC_ASSERT(run.hazards().empty() == readAsWritten);
+}
+
+}  // namespace

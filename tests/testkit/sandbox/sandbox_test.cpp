@@ -1,0 +1,224 @@
+#include <vestra/testkit/sandbox.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+
+#include <boost/filesystem.hpp>
+#include <gmock/gmock.h>
+#include <vestra/testkit/matchers.h>
+
+#include "support/files.h"
+#include "support/scoped_env.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+using Oza::Vestra;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using vestra::testkit::HasItem;
+using vestra::testkit::HostRun;
+using vestra::testkit::Sandbox;
+using vestra::testkit::SupportAnswers;
+using vestra::testkit::WasSent;
+using vestra_test::exists;
+using vestra_test::readFile;
+using vestra_test::writeFile;
+
+TEST(Sandbox, GivesBackAllThatARunLeft) {
+  Sandbox sandbox;
+  SupportAnswers answers;
+  answers.registrationId = "REG";
+  sandbox.setSupportAnswers(answers);
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
+    Vestra::add("runs", "2", Vestra::KELVO_USAGE);
+    std::cout << "the host's own words" << std::endl;
+    std::cerr << "and its complaint" << std::endl;
+  });
+  EXPECT_THAT(run, WasSent());
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_FALSE(run.exception);
+  EXPECT_FALSE(run.signal);
+  EXPECT_FALSE(run.timedOut);
+  EXPECT_EQ(run.output, "the host's own words\n");
+  EXPECT_EQ(run.errorOutput, "and its complaint\n");
+  ASSERT_THAT(run.toolRuns, SizeIs(1));
+  EXPECT_EQ(run.toolRuns[0].commandLine, vestra::testkit::designToolPath() + " -mode batch -source " +
+                                             sandbox.project() + "/vestra/kelvo_vestra.tcl -notrace ");
+  EXPECT_EQ(run.toolRuns[0].status, 0);
+  EXPECT_THAT(run.toolRuns[0].output, HasSubstr("vestra-design-tool: "));
+  EXPECT_EQ(run.toolRuns[0].script, run.script);
+  EXPECT_EQ(run.toolRuns[0].rulesFile, run.rulesFile);
+  EXPECT_THAT(run.script, HasSubstr("vestra_terminate\n"));
+  EXPECT_THAT(run.rulesFile, HasSubstr("client_name = \"kelvo\""));
+  ASSERT_THAT(run.reports, SizeIs(1));
+  EXPECT_EQ(run.report()->registrationId, "REG");
+  EXPECT_EQ(readFile(run.report()->folder + "/kelvo_vestra.tcl"), run.script);
+  EXPECT_EQ(readFile(run.report()->folder + "/usage_statistics_ext_kelvo.wdm"), run.rulesFile);
+  EXPECT_THAT(run.report()->folder, testing::StartsWith(sandbox.outbox() + "/"));
+  EXPECT_THAT(run.supportCalls, SizeIs(3));
+  EXPECT_EQ(run.settings->text, readFile(sandbox.settingsFile()));
+  EXPECT_EQ("RandomID=" + run.settings->randomId + "\n", run.settings->text);
+  EXPECT_EQ(run.identity->text, readFile(sandbox.identityFile()));
+  EXPECT_EQ(run.identity->iteration, 2U);
+}
+
+TEST(Sandbox, TakesWhatTheLabToolsToolWroteFromTheLog) {
+  Sandbox sandbox;
+  const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
+  EXPECT_THAT(run, WasSent());
+  EXPECT_EQ(run.toolRuns.at(0).output, readFile(sandbox.project() + "/vestra/tavlo_vestra.log"));
+}
+
+TEST(Sandbox, GivesEachRunAFreshLibrary) {
+  Sandbox sandbox;
+  sandbox.run(Vestra::KELVO, [] { Vestra::add("first", "1", Vestra::KELVO_USAGE); });
+  const HostRun second = sandbox.run(Vestra::KELVO, [] { Vestra::add("second", "2", Vestra::KELVO_USAGE); });
+  EXPECT_THAT(second.values(Vestra::KELVO_USAGE, "first"), IsEmpty());
+  EXPECT_THAT(second.values(Vestra::KELVO_USAGE, "second"), ElementsAre("2"));
+}
+
+TEST(Sandbox, EndsAHostWhoseTimeIsUp) {
+  Sandbox sandbox;
+  sandbox.setTimeLimit(200ms);
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { pause(); });
+  EXPECT_TRUE(run.timedOut);
+  EXPECT_EQ(run.signal, SIGKILL);
+  EXPECT_FALSE(run.answer);
+}
+
+TEST(Sandbox, EndsTheToolWithTheHost) {
+  Sandbox sandbox;
+  sandbox.setTimeLimit(500ms);
+  SupportAnswers answers;
+  answers.execPath = "sleep 600; true";
+  sandbox.setSupportAnswers(answers);
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_TRUE(run.timedOut);
+  ASSERT_THAT(run.toolRuns, SizeIs(1));
+  EXPECT_FALSE(run.toolRuns[0].status);
+}
+
+TEST(Sandbox, SaysWhichSignalEndedAHost) {
+  Sandbox sandbox;
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { kill(getpid(), SIGTERM); });
+  EXPECT_EQ(run.signal, SIGTERM);
+  EXPECT_FALSE(run.exitStatus);
+  EXPECT_FALSE(run.timedOut);
+}
+
+TEST(Sandbox, SaysThatAHostLeftByItself) {
+  Sandbox sandbox;
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { std::exit(3); });
+  EXPECT_EQ(run.exitStatus, 3);
+  EXPECT_FALSE(run.answer);
+  EXPECT_FALSE(run.exception);
+}
+
+TEST(Sandbox, GivesBackExceptionsOfEveryType) {
+  Sandbox sandbox;
+  const HostRun standard = sandbox.run(Vestra::KELVO, [] { throw std::out_of_range("too\nfar"); });
+  EXPECT_THAT(standard, vestra::testkit::Threw("std::out_of_range", "too\nfar"));
+  const HostRun other = sandbox.run(Vestra::KELVO, [] { throw 42; });
+  EXPECT_THAT(other, vestra::testkit::Threw("int", ""));
+}
+
+TEST(Sandbox, KeepsTheScriptOfAReportThatWasNotDue) {
+  Sandbox sandbox;
+  sandbox.run(Vestra::KELVO, [] {});
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { Vestra::add("again", "1", Vestra::KELVO_USAGE); });
+  EXPECT_EQ(run.answer, false);
+  EXPECT_THAT(run.toolRuns, IsEmpty());
+  EXPECT_THAT(run.reports, IsEmpty());
+  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "again", "1"));
+}
+
+TEST(Sandbox, DoesNotTakeAnEarlierRunsScriptForThisOnes) {
+  Sandbox sandbox;
+  sandbox.run(Vestra::KELVO, [] {});
+  sandbox.run(Vestra::KELVO, [] {});
+  ASSERT_TRUE(exists(sandbox.project() + "/vestra/kelvo_vestra.tcl"));
+  usleep(20000);
+  const HostRun run = sandbox.runProcess([] { return true; });
+  EXPECT_EQ(run.script, "");
+  EXPECT_THAT(run.writtenItems, IsEmpty());
+}
+
+TEST(Sandbox, KeepsRealNeighboursOutOfReach) {
+  const vestra_test::ScopedEnv path("LD_LIBRARY_PATH", "/nowhere");
+  Sandbox sandbox;
+  const HostRun run = sandbox.run(Vestra::KELVO, [] { clearenv(); });
+  EXPECT_EQ(run.answer, true);
+  ASSERT_THAT(run.toolRuns, SizeIs(1));
+  // Without its variables, the stand-in names the tool that lies beside it.
+  const std::string tool = run.toolRuns[0].commandLine.substr(0, run.toolRuns[0].commandLine.find(' '));
+  EXPECT_EQ(boost::filesystem::canonical(tool).string(), vestra::testkit::designToolPath());
+}
+
+TEST(Sandbox, StartsWithoutTheVariablesOfTheOneWhoTests) {
+  const vestra_test::ScopedEnv debug("CALVIX_VESTRA_DEBUG_EXT", "1");
+  Sandbox sandbox;
+  sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_FALSE(exists(sandbox.project() + "/vestra/kelvo_vestra.tcl"));
+  sandbox.ageUntilDue();
+  sandbox.setEnvironment("CALVIX_VESTRA_DEBUG_EXT", "1");
+  sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_TRUE(exists(sandbox.project() + "/vestra/kelvo_vestra.tcl"));
+}
+
+TEST(Sandbox, RunsHostsTogether) {
+  Sandbox sandbox;
+  const std::vector<HostRun> runs = sandbox.runTogether(5, [](int number) {
+    std::cout << number << std::endl;
+    return number % 2 == 0;
+  });
+  ASSERT_THAT(runs, SizeIs(5));
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(runs[static_cast<std::size_t>(i)].output, std::to_string(i) + "\n");
+    EXPECT_EQ(runs[static_cast<std::size_t>(i)].answer, i % 2 == 0);
+  }
+}
+
+TEST(Sandbox, AgesOnlyTimesThatWereNoted) {
+  Sandbox sandbox;
+  sandbox.age(10s);
+  EXPECT_FALSE(exists(sandbox.identityFile()));
+  writeFile(sandbox.identityFile(), "1000\n0\n7\n0\nproject\n");
+  sandbox.age(10s);
+  EXPECT_EQ(readFile(sandbox.identityFile()), "990\n0\n7\n0\nproject\n");
+  writeFile(sandbox.identityFile(), "words\n2000\n7\n");
+  sandbox.age(10s);
+  EXPECT_EQ(readFile(sandbox.identityFile()), "words\n1990\n7\n");
+}
+
+TEST(Sandbox, LeavesNothingBehind) {
+  std::string directory;
+  {
+    Sandbox sandbox;
+    directory = sandbox.directory();
+    sandbox.run(Vestra::KELVO, [] {});
+    EXPECT_TRUE(exists(directory));
+  }
+  EXPECT_FALSE(exists(directory));
+}
+
+TEST(Sandbox, ReadsTheRecordsOfFilesAsTheLibraryWould) {
+  Sandbox sandbox;
+  writeFile(sandbox.settingsFile(), "RandomID=a=b\n RandomID=mine\r\nRandomID=other\n");
+  writeFile(sandbox.identityFile(), "5\n\n12x\n1");
+  const HostRun run = sandbox.runProcess([] { return true; });
+  EXPECT_EQ(run.settings->randomId, "mine");
+  EXPECT_EQ(run.identity->lastSendTimeDefault, 5);
+  EXPECT_FALSE(run.identity->lastSendTimeType1);
+  EXPECT_EQ(run.identity->iteration, 12U);
+  EXPECT_EQ(run.identity->orbeloFlow, true);
+  EXPECT_FALSE(run.identity->projectId);
+}
+
+}  // namespace
