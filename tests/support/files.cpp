@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <locale>
 #include <stdexcept>
 
 #include <boost/filesystem.hpp>
@@ -11,8 +12,20 @@ namespace vestra_test {
 
 namespace fs = boost::filesystem;
 
+namespace {
+
+// Tests change the global locale, which may convert what a file stream reads.
+template <typename FileStream>
+void openForBytes(FileStream& stream, const std::string& path, std::ios::openmode mode) {
+  stream.imbue(std::locale::classic());
+  stream.open(path, mode);
+}
+
+}  // namespace
+
 std::string readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in;
+  openForBytes(in, path, std::ios::binary);
   if (!in) {
     throw std::runtime_error("cannot read " + path);
   }
@@ -21,7 +34,8 @@ std::string readFile(const std::string& path) {
 
 void writeFile(const std::string& path, const std::string& bytes) {
   fs::create_directories(fs::path(path).parent_path());
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  std::ofstream out;
+  openForBytes(out, path, std::ios::binary | std::ios::trunc);
   out << bytes;
   if (!out.flush()) {
     throw std::runtime_error("cannot write " + path);

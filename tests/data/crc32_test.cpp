@@ -1,0 +1,64 @@
+#include "data/crc32.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+#include <zlib.h>
+
+#include <string>
+
+#include "handler/vestra_handler.h"
+
+namespace Oza {
+namespace {
+
+uLong crc32OfZlib(const std::string& bytes) {
+  return ::crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
+}
+
+TEST(Crc32, OfTheEmptyTextIsZero) { EXPECT_EQ(Oza::crc32(""), 0U); }
+
+TEST(Crc32, GivesThePublishedCheckValue) { EXPECT_EQ(Oza::crc32("123456789"), 3421780262U); }
+
+TEST(Crc32, OfAReportsFirstContext) {
+  EXPECT_EQ(Oza::crc32("tool_flowkelvo_orbeloprojectsoftware_version_and_target_device"), 3600604488U);
+}
+
+TEST(Crc32, OfSingleBytes) {
+  EXPECT_EQ(Oza::crc32("a"), 0xE8B7BE43U);
+  EXPECT_EQ(Oza::crc32("\x01"), 0xA505DF1BU);
+  EXPECT_EQ(Oza::crc32("\xff"), 0xFF000000U);
+}
+
+TEST(Crc32, OfEverySingleByteIsThatOfZlib) {
+  for (int byte = 1; byte < 256; ++byte) {
+    const std::string text(1, static_cast<char>(byte));
+    EXPECT_EQ(Oza::crc32(text.c_str()), crc32OfZlib(text)) << "byte " << byte;
+  }
+}
+
+TEST(Crc32, OfAMegabyteIsThatOfZlib) {
+  std::string text;
+  for (std::size_t i = 0; i < 1048576; ++i) {
+    text += static_cast<char>(1 + i * 7919 % 255);
+  }
+  EXPECT_EQ(Oza::crc32(text.c_str()), crc32OfZlib(text));
+}
+
+TEST(Crc32, OfTheHandlerEndsAtTheFirstNul) {
+  VestraHandler handler;
+  EXPECT_EQ(handler.getCrc32(std::string("123456789\0abc", 13)), 3421780262U);
+  EXPECT_EQ(handler.getCrc32(std::string("\0abc", 4)), 0U);
+}
+
+TEST(Crc32, OfTheHandlerIsThatOfTheText) {
+  VestraHandler handler;
+  EXPECT_EQ(handler.getCrc32(""), 0U);
+  EXPECT_EQ(handler.getCrc32("123456789"), 3421780262U);
+}
+
+RC_GTEST_PROP(Crc32, OfAnyTextIsThatOfZlib, (const std::string& text)) {
+  RC_ASSERT(Oza::crc32(text.c_str()) == crc32OfZlib(text.c_str()));
+}
+
+}  // namespace
+}  // namespace Oza

@@ -1,0 +1,319 @@
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include "identity/vestra_project_info.h"
+
+namespace Oza {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr std::int64_t INT64_LEAST = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t INT64_MOST = std::numeric_limits<std::int64_t>::max();
+
+using Lines = std::array<std::string, 5>;
+
+ProjectIdentity read(const std::string& text) {
+  std::istringstream in(text);
+  ProjectIdentity identity;
+  readProjectIdentity(in, identity);
+  return identity;
+}
+
+/// The five lines that a text's record is written as.
+Lines rewritten(const std::string& text) { return formatProjectIdentity(read(text)); }
+
+TEST(ProjectIdentity, OfANewProjectIsWrittenAsFiveLines) {
+  EXPECT_EQ(formatProjectIdentity(ProjectIdentity()), (Lines{"0", "0", "1", "0", ""}));
+}
+
+TEST(ProjectIdentity, IsWrittenInPlainDecimal) {
+  ProjectIdentity identity;
+  identity.lastSendTimeDefault = 1700000000;
+  identity.lastSendTimeType1 = -1;
+  identity.iteration = 42;
+  identity.orbeloFlow = 1;
+  identity.projectId = "an id = anything";
+  EXPECT_EQ(formatProjectIdentity(identity),
+            (Lines{"1700000000", "-1", "42", "1", "an id = anything"}));
+}
+
+TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
+  ProjectIdentity identity;
+  identity.lastSendTimeDefault = INT64_LEAST;
+  identity.lastSendTimeType1 = INT64_MOST;
+  identity.iteration = std::numeric_limits<std::uint64_t>::max();
+  identity.orbeloFlow = std::numeric_limits<std::int32_t>::min();
+  EXPECT_EQ(formatProjectIdentity(identity),
+            (Lines{"-9223372036854775808", "9223372036854775807", "18446744073709551615",
+                   "-2147483648", ""}));
+}
+
+TEST(ProjectIdentity, IsReadFromFiveLines) {
+  const ProjectIdentity identity =
+      read("1700000000\n1700000001\n42\n1\n3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e\n");
+  EXPECT_EQ(identity.lastSendTimeDefault, 1700000000);
+  EXPECT_EQ(identity.lastSendTimeType1, 1700000001);
+  EXPECT_EQ(identity.iteration, 42U);
+  EXPECT_EQ(identity.orbeloFlow, 1);
+  EXPECT_EQ(identity.projectId, "3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e");
+}
+
+TEST(ProjectIdentity, ALastLineNeedsNoEnd) {
+  EXPECT_EQ(rewritten("1\n2\n3\n4\nid"), (Lines{"1", "2", "3", "4", "id"}));
+  EXPECT_EQ(rewritten("1\n2\n3\n4"), (Lines{"1", "2", "3", "4", ""}));
+}
+
+TEST(ProjectIdentity, OfAnEmptyTextIsThatOfANewProjectWithoutAnIdentifier) {
+  EXPECT_EQ(rewritten(""), (Lines{"0", "0", "1", "0", ""}));
+}
+
+TEST(ProjectIdentity, EmptyLinesLeaveTheirFields) {
+  EXPECT_EQ(rewritten("\n\n\n\n\n"), (Lines{"0", "0", "1", "0", ""}));
+  EXPECT_EQ(rewritten("\n2\n\n4\nid\n"), (Lines{"0", "2", "1", "4", "id"}));
+}
+
+TEST(ProjectIdentity, MissingLinesLeaveTheirFields) {
+  EXPECT_EQ(rewritten("1\n"), (Lines{"1", "0", "1", "0", ""}));
+  EXPECT_EQ(rewritten("1\n2\n"), (Lines{"1", "2", "1", "0", ""}));
+  EXPECT_EQ(rewritten("1\n2\n3\n"), (Lines{"1", "2", "3", "0", ""}));
+}
+
+TEST(ProjectIdentity, AMissingIdentifierLeavesTheOneThatIsKnown) {
+  std::istringstream in("1\n2\n3\n4\n");
+  ProjectIdentity identity;
+  identity.projectId = "known";
+  readProjectIdentity(in, identity);
+  EXPECT_EQ(identity.projectId, "known");
+}
+
+TEST(ProjectIdentity, AnEmptyIdentifiersLineIsAnEmptyIdentifier) {
+  std::istringstream in("1\n2\n3\n4\n\n");
+  ProjectIdentity identity;
+  identity.projectId = "known";
+  readProjectIdentity(in, identity);
+  EXPECT_EQ(identity.projectId, "");
+}
+
+TEST(ProjectIdentity, LinesBehindTheFifthAreIgnored) {
+  EXPECT_EQ(rewritten("1\n2\n3\n4\nid\nabc\n"), (Lines{"1", "2", "3", "4", "id"}));
+}
+
+TEST(ProjectIdentity, TextBehindANumberIsIgnored) {
+  EXPECT_EQ(rewritten("12x\n13 14\n15.9\n1e5\n"), (Lines{"12", "13", "15", "1", ""}));
+  EXPECT_EQ(rewritten("12\0" "34\n1'000\n1,000\n1_0\n"s), (Lines{"12", "1", "1", "1", ""}));
+}
+
+TEST(ProjectIdentity, WhiteSpaceInFrontOfANumberIsSkipped) {
+  EXPECT_EQ(rewritten("  12\n\t13\n\v\f\r14\n 1\n"), (Lines{"12", "13", "14", "1", ""}));
+}
+
+TEST(ProjectIdentity, ASignInFrontOfANumberIsRead) {
+  EXPECT_EQ(rewritten("+5\n-6\n+7\n-1\n"), (Lines{"5", "-6", "7", "-1", ""}));
+}
+
+TEST(ProjectIdentity, NumbersAreDecimal) {
+  EXPECT_EQ(rewritten("0x10\n010\n00000000000000000000007\n0b1\n"), (Lines{"0", "10", "7", "0", ""}));
+}
+
+TEST(ProjectIdentity, CarriageReturnsStayInTheIdentifierOnly) {
+  EXPECT_EQ(rewritten("1\r\n2\r\n3\r\n4\r\nid\r\n"), (Lines{"1", "2", "3", "4", "id\r"}));
+}
+
+TEST(ProjectIdentity, NumbersAreReadToTheEdgesOfTheirTypes) {
+  EXPECT_EQ(rewritten("-9223372036854775808\n9223372036854775807\n9223372036854775807\n"
+                      "2147483647\n"),
+            (Lines{"-9223372036854775808", "9223372036854775807", "9223372036854775807",
+                   "2147483647", ""}));
+  EXPECT_EQ(rewritten("0\n0\n1\n-2147483648\n"), (Lines{"0", "0", "1", "-2147483648", ""}));
+}
+
+TEST(ProjectIdentity, ANegativeIterationTurnsRoundIntoALargeOne) {
+  EXPECT_EQ(rewritten("0\n0\n-1\n"), (Lines{"0", "0", "18446744073709551615", "0", ""}));
+  EXPECT_EQ(rewritten("0\n0\n-9223372036854775808\n"), (Lines{"0", "0", "9223372036854775808", "0", ""}));
+}
+
+TEST(ProjectIdentity, TheIdentifierIsTheWholeLine) {
+  EXPECT_EQ(read("1\n2\n3\n4\n  spaced \t id  \n").projectId, "  spaced \t id  ");
+  EXPECT_EQ(read("1\n2\n3\n4\n\x80\xff\0id\n"s).projectId, "\x80\xff\0id"s);
+}
+
+TEST(ProjectIdentity, TheIdentifierMayBeAMegabyteLong) {
+  const std::string megabyte(1048576, 'x');
+  EXPECT_EQ(read("1\n2\n3\n4\n" + megabyte + "\n").projectId, megabyte);
+}
+
+TEST(ProjectIdentity, ANumberBehindAMegabyteOfBlanksIsRead) {
+  EXPECT_EQ(rewritten(std::string(1048576, ' ') + "12\n"), (Lines{"12", "0", "1", "0", ""}));
+}
+
+/// A line and what to call it.
+struct NamedLine {
+  const char* name;
+  std::string line;
+};
+
+void PrintTo(const NamedLine& named, std::ostream* out) { *out << named.name; }
+
+std::string nameOf(const testing::TestParamInfo<NamedLine>& test) { return test.param.name; }
+
+class NotANumber : public testing::TestWithParam<NamedLine> {};
+
+TEST_P(NotANumber, OnAnyOfTheFirstFourLinesThrowsInvalidArgument) {
+  const std::string line = GetParam().line + "\n";
+  EXPECT_THROW(read(line), std::invalid_argument);
+  EXPECT_THROW(read("1\n" + line), std::invalid_argument);
+  EXPECT_THROW(read("1\n2\n" + line), std::invalid_argument);
+  EXPECT_THROW(read("1\n2\n3\n" + line), std::invalid_argument);
+}
+
+TEST_P(NotANumber, OnTheFifthLineIsAnIdentifier) {
+  const std::string line = GetParam().line;
+  EXPECT_EQ(read("1\n2\n3\n4\n" + line + "\n").projectId, line);
+}
+
+INSTANTIATE_TEST_SUITE_P(ProjectIdentity, NotANumber,
+                         testing::Values(NamedLine{"AWord", "abc"}, NamedLine{"AWordWithDigits", "x12"},
+                                         NamedLine{"ABlank", " "}, NamedLine{"ACarriageReturn", "\r"},
+                                         NamedLine{"ALoneMinus", "-"}, NamedLine{"ALonePlus", "+"},
+                                         NamedLine{"TwoSigns", "--1"}, NamedLine{"ASignApart", "- 1"},
+                                         NamedLine{"ALeadingPoint", ".5"},
+                                         NamedLine{"ALetterAbove127", "\xc3\xa9"},
+                                         NamedLine{"AByteAbove127", "\xff"},
+                                         NamedLine{"ALeadingNul", "\0" "12"s},
+                                         NamedLine{"NotANumberInWords", "nan"},
+                                         NamedLine{"AComment", "#1"}),
+                         nameOf);
+
+class NumberOutOfRange : public testing::TestWithParam<NamedLine> {};
+
+TEST_P(NumberOutOfRange, OnAnyOfTheFirstFourLinesThrowsOutOfRange) {
+  const std::string line = GetParam().line + "\n";
+  EXPECT_THROW(read(line), std::out_of_range);
+  EXPECT_THROW(read("1\n" + line), std::out_of_range);
+  EXPECT_THROW(read("1\n2\n" + line), std::out_of_range);
+  EXPECT_THROW(read("1\n2\n3\n" + line), std::out_of_range);
+}
+
+INSTANTIATE_TEST_SUITE_P(ProjectIdentity, NumberOutOfRange,
+                         testing::Values(NamedLine{"TwoToThe63", "9223372036854775808"},
+                                         NamedLine{"BelowMinusTwoToThe63", "-9223372036854775809"},
+                                         NamedLine{"TheUnsignedMost", "18446744073709551615"},
+                                         NamedLine{"AMegabyteOfNines", std::string(1048576, '9')}),
+                         nameOf);
+
+class FlagOutOfRange : public testing::TestWithParam<NamedLine> {};
+
+TEST_P(FlagOutOfRange, OnTheFourthLineThrowsOutOfRange) {
+  EXPECT_THROW(read("1\n2\n3\n" + GetParam().line + "\n"), std::out_of_range);
+}
+
+TEST_P(FlagOutOfRange, FitsTheLinesAbove) {
+  const std::string line = GetParam().line + "\n";
+  EXPECT_NO_THROW(read(line + line + line));
+}
+
+INSTANTIATE_TEST_SUITE_P(ProjectIdentity, FlagOutOfRange,
+                         testing::Values(NamedLine{"ThreeThousandMillion", "3000000000"},
+                                         NamedLine{"TwoToThe31", "2147483648"},
+                                         NamedLine{"BelowMinusTwoToThe31", "-2147483649"},
+                                         NamedLine{"TheSigned64BitMost", "9223372036854775807"}),
+                         nameOf);
+
+TEST(ProjectIdentity, EveryTruncationOfAGoodTextIsReadToItsEnd) {
+  const std::string good = "1700\n1701\n42\n1\nabc\n";
+  const Lines expected[] = {
+      {"0", "0", "1", "0", ""},          // ""
+      {"1", "0", "1", "0", ""},          // "1"
+      {"17", "0", "1", "0", ""},         // "17"
+      {"170", "0", "1", "0", ""},        // "170"
+      {"1700", "0", "1", "0", ""},       // "1700"
+      {"1700", "0", "1", "0", ""},       // and the line end
+      {"1700", "1", "1", "0", ""},       // "1"
+      {"1700", "17", "1", "0", ""},      // "17"
+      {"1700", "170", "1", "0", ""},     // "170"
+      {"1700", "1701", "1", "0", ""},    // "1701"
+      {"1700", "1701", "1", "0", ""},    // and the line end
+      {"1700", "1701", "4", "0", ""},    // "4"
+      {"1700", "1701", "42", "0", ""},   // "42"
+      {"1700", "1701", "42", "0", ""},   // and the line end
+      {"1700", "1701", "42", "1", ""},   // "1"
+      {"1700", "1701", "42", "1", ""},   // and the line end
+      {"1700", "1701", "42", "1", "a"},  // "a"
+      {"1700", "1701", "42", "1", "ab"},
+      {"1700", "1701", "42", "1", "abc"},
+      {"1700", "1701", "42", "1", "abc"}};
+  ASSERT_EQ(std::size(expected), good.size() + 1);
+  for (std::size_t length = 0; length <= good.size(); ++length) {
+    EXPECT_EQ(rewritten(good.substr(0, length)), expected[length]) << "length " << length;
+  }
+}
+
+std::string joined(const Lines& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    text += line + "\n";
+  }
+  return text;
+}
+
+RC_GTEST_PROP(ProjectIdentity, ComesBackAsItWasWritten,
+              (std::int64_t defaultTime, std::int64_t type1Time, std::int64_t iteration,
+               std::int32_t flow)) {
+  ProjectIdentity identity;
+  identity.lastSendTimeDefault = defaultTime;
+  identity.lastSendTimeType1 = type1Time;
+  identity.iteration = static_cast<std::uint64_t>(iteration) & 0x7FFFFFFFFFFFFFFFU;
+  identity.orbeloFlow = flow;
+  identity.projectId = *rc::gen::container<std::string>(rc::gen::distinctFrom('\n'));
+  const ProjectIdentity back = read(joined(formatProjectIdentity(identity)));
+  RC_ASSERT(back.lastSendTimeDefault == identity.lastSendTimeDefault);
+  RC_ASSERT(back.lastSendTimeType1 == identity.lastSendTimeType1);
+  RC_ASSERT(back.iteration == identity.iteration);
+  RC_ASSERT(back.orbeloFlow == identity.orbeloFlow);
+  RC_ASSERT(back.projectId == identity.projectId);
+}
+
+RC_GTEST_PROP(ProjectIdentity, OfAnyTextIsReadOrRefusedWithALogicError, (const std::string& text)) {
+  try {
+    read(text);
+  } catch (const std::logic_error&) {
+  }
+}
+
+TEST(OnceADay, MoreThanADayMustHavePassed) {
+  EXPECT_FALSE(isReportDue(1700000000, 1700000000));
+  EXPECT_FALSE(isReportDue(1700000000 + 86399, 1700000000));
+  EXPECT_FALSE(isReportDue(1700000000 + 86400, 1700000000));
+  EXPECT_TRUE(isReportDue(1700000000 + 86401, 1700000000));
+}
+
+TEST(OnceADay, AProjectThatNeverSentIsDue) { EXPECT_TRUE(isReportDue(1700000000, 0)); }
+
+TEST(OnceADay, ATimeInTheFutureIsNotDue) {
+  EXPECT_FALSE(isReportDue(1700000000, 1700000001));
+  EXPECT_FALSE(isReportDue(1700000000, INT64_MOST));
+}
+
+TEST(OnceADay, AVeryOldTimeIsDue) {
+  EXPECT_TRUE(isReportDue(1700000000, -1));
+  EXPECT_TRUE(isReportDue(1700000000, INT64_LEAST));
+  EXPECT_TRUE(isReportDue(0, INT64_LEAST));
+}
+
+TEST(OnceADay, AClockAtTheEpochIsNotDueYet) {
+  EXPECT_FALSE(isReportDue(0, 0));
+  EXPECT_FALSE(isReportDue(86400, 0));
+  EXPECT_TRUE(isReportDue(86401, 0));
+}
+
+}  // namespace
+}  // namespace Oza

@@ -1,0 +1,201 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "identity/settings_fixture.h"
+#include "identity/vestra_setting.h"
+#include "support/child_process.h"
+#include "support/files.h"
+#include "support/scoped_locale.h"
+#include "support/special_files.h"
+#include "support/uuid_form.h"
+
+namespace Oza {
+namespace {
+
+using vestra_test::asOrdinaryUser;
+using vestra_test::isRandomUuid;
+using vestra_test::makeDirectory;
+using vestra_test::namesIn;
+using vestra_test::readFile;
+using vestra_test::ScopedLocale;
+using vestra_test::ScopedMode;
+using vestra_test::writeFile;
+
+class RandomId : public vestra_test::SettingsFixture {
+ protected:
+  static std::string idForAnOrdinaryUser() {
+    return asOrdinaryUser([] { return VestraSetting().getRandomId(); });
+  }
+
+  /// The identifier of the first line.
+  std::string firstIdInFile() const { return settings().substr(9, 36); }
+};
+
+TEST_F(RandomId, OfTheFileIsUsedAndTheFileLeftAlone) {
+  writeSettings("RandomID=abc\n");
+  EXPECT_EQ(VestraSetting().getRandomId(), "abc");
+  EXPECT_EQ(settings(), "RandomID=abc\n");
+}
+
+TEST_F(RandomId, OfTheFileMayHaveAnyForm) {
+  const std::string odd = "not a uuid \xff " + std::string(1000, 'x');
+  writeSettings("RandomID=" + odd + "\n");
+  EXPECT_EQ(VestraSetting().getRandomId(), odd);
+}
+
+TEST_F(RandomId, OfTheFirstLineInTheFileIsUsed) {
+  writeSettings("a=b\nRandomID=first\nRandomID=second\n");
+  EXPECT_EQ(VestraSetting().getRandomId(), "first");
+}
+
+TEST_F(RandomId, IsMadeWithFileAndDirectories) {
+  VestraSetting setting;
+  const std::string identifier = setting.getRandomId();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  EXPECT_EQ(settings(), "RandomID=" + identifier + "\n");
+  EXPECT_EQ(namesIn(home / ".Calvix/Common/2018.2"), std::vector<std::string>{"vestra"});
+}
+
+TEST_F(RandomId, IsMadeOnce) {
+  VestraSetting setting;
+  const std::string identifier = setting.getRandomId();
+  writeSettings("touched by nobody");
+  EXPECT_EQ(setting.getRandomId(), identifier);
+  EXPECT_EQ(setting.getPropertyValue("RandomID"), identifier);
+  EXPECT_EQ(settings(), "touched by nobody");
+}
+
+TEST_F(RandomId, IsFoundByTheNextProcess) {
+  const std::string identifier = VestraSetting().getRandomId();
+  EXPECT_EQ(VestraSetting().getRandomId(), identifier);
+}
+
+TEST_F(RandomId, IsAppendedAfterOtherLines) {
+  writeSettings("a=b\n# no comment\n");
+  const std::string identifier = VestraSetting().getRandomId();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  EXPECT_EQ(settings(), "a=b\n# no comment\nRandomID=" + identifier + "\n");
+}
+
+TEST_F(RandomId, IsAppendedToWhatTheFileHoldsByThen) {
+  VestraSetting setting;
+  writeSettings("RandomID=of another process\n");
+  const std::string identifier = setting.getRandomId();
+  EXPECT_EQ(settings(), "RandomID=of another process\nRandomID=" + identifier + "\n");
+  EXPECT_EQ(VestraSetting().getRandomId(), "of another process");
+}
+
+TEST_F(RandomId, IsAppendedToALineWithoutAnEndAndLostWithIt) {
+  writeSettings("a=b");
+  const std::string lost = VestraSetting().getRandomId();
+  EXPECT_EQ(settings(), "a=bRandomID=" + lost + "\n");
+
+  VestraSetting next;
+  EXPECT_EQ(next.getPropertyValue("a"), "");
+  EXPECT_EQ(next.getPropertyValue("RandomID"), "");
+  const std::string kept = next.getRandomId();
+  EXPECT_NE(kept, lost);
+  EXPECT_EQ(settings(), "a=bRandomID=" + lost + "\nRandomID=" + kept + "\n");
+  EXPECT_EQ(VestraSetting().getRandomId(), kept);
+}
+
+TEST_F(RandomId, WithBlanksAroundTheEqualsSignDoesNotCount) {
+  writeSettings("RandomID = abc\n");
+  const std::string identifier = VestraSetting().getRandomId();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  EXPECT_EQ(settings(), "RandomID = abc\nRandomID=" + identifier + "\n");
+}
+
+TEST_F(RandomId, BehindAnEmptyOneIsMadeAnewAtEachCall) {
+  writeSettings("RandomID=\n");
+  VestraSetting setting;
+  const std::string first = setting.getRandomId();
+  const std::string second = setting.getRandomId();
+  EXPECT_TRUE(isRandomUuid(first)) << first;
+  EXPECT_TRUE(isRandomUuid(second)) << second;
+  EXPECT_NE(first, second);
+  EXPECT_EQ(settings(), "RandomID=\nRandomID=" + first + "\nRandomID=" + second + "\n");
+  EXPECT_EQ(setting.getPropertyValue("RandomID"), "");
+
+  const std::string third = VestraSetting().getRandomId();
+  EXPECT_EQ(settings(), "RandomID=\nRandomID=" + first + "\nRandomID=" + second + "\nRandomID=" +
+                            third + "\n");
+}
+
+TEST_F(RandomId, IsWrittenInOurBytesUnderTheHostsLocale) {
+  const ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
+  const std::string identifier = VestraSetting().getRandomId();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  EXPECT_EQ(settings(), "RandomID=" + identifier + "\n");
+}
+
+TEST_F(RandomId, IsEmptyWhereTheHomeIsAFile) {
+  writeFile(home / "file", "");
+  const vestra_test::ScopedEnv fileAsHome("HOME", home / "file");
+  EXPECT_EQ(VestraSetting().getRandomId(), "");
+}
+
+TEST_F(RandomId, IsEmptyWhereAParentDirectoryIsAFile) {
+  writeFile(home / ".Calvix/Common", "");
+  EXPECT_EQ(VestraSetting().getRandomId(), "");
+  EXPECT_EQ(readFile(home / ".Calvix/Common"), "");
+}
+
+TEST_F(RandomId, IsEmptyWhereTheHomesDirectoriesCannotBeMade) {
+  const ScopedMode readOnly(home.path(), 0555);
+  EXPECT_EQ(idForAnOrdinaryUser(), "");
+  EXPECT_EQ(namesIn(home.path()), std::vector<std::string>{});
+}
+
+TEST_F(RandomId, IsEmptyWhereTheSettingsDirectoryIsReadOnly) {
+  makeDirectory(home / ".Calvix/Common/2018.2");
+  const ScopedMode readOnly(home / ".Calvix/Common/2018.2", 0555);
+  EXPECT_EQ(idForAnOrdinaryUser(), "");
+  EXPECT_EQ(namesIn(home / ".Calvix/Common/2018.2"), std::vector<std::string>{});
+}
+
+TEST_F(RandomId, IsEmptyWhereTheDirectoryCannotBeEntered) {
+  writeSettings("RandomID=abc\n");
+  const ScopedMode shut(home / ".Calvix", 0000);
+  EXPECT_EQ(idForAnOrdinaryUser(), "");
+}
+
+TEST_F(RandomId, IsEmptyWhereTheFileIsReadOnlyAndHasNone) {
+  writeSettings("a=b\n");
+  const ScopedMode readOnly(file(), 0444);
+  EXPECT_EQ(idForAnOrdinaryUser(), "");
+  EXPECT_EQ(settings(), "a=b\n");
+}
+
+TEST_F(RandomId, IsTriedAgainAfterAFailure) {
+  writeFile(home / ".Calvix/Common", "");
+  VestraSetting setting;
+  EXPECT_EQ(setting.getRandomId(), "");
+  unlink((home / ".Calvix/Common").c_str());
+  const std::string identifier = setting.getRandomId();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  EXPECT_EQ(settings(), "RandomID=" + identifier + "\n");
+}
+
+TEST_F(RandomId, OfAnUnreadableFileIsAppendedUnseen) {
+  writeSettings("RandomID=abc\n");
+  const ScopedMode writeOnly(file(), 0222);
+  const std::string identifier = idForAnOrdinaryUser();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  const ScopedMode readable(file(), 0644);
+  EXPECT_EQ(settings(), "RandomID=abc\nRandomID=" + identifier + "\n");
+}
+
+TEST_F(RandomId, ThatCannotBeWrittenIsKeptForTheProcess) {
+  vestra_test::makeLink(file(), "/dev/full");
+  VestraSetting setting;
+  const std::string identifier = setting.getRandomId();
+  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
+  EXPECT_EQ(setting.getRandomId(), identifier);
+  EXPECT_NE(VestraSetting().getRandomId(), identifier);
+}
+
+}  // namespace
+}  // namespace Oza

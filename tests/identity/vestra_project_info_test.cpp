@@ -1,0 +1,275 @@
+#include "identity/vestra_project_info.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "identity/project_fixture.h"
+#include "support/files.h"
+#include "support/interposed/clock.h"
+#include "support/scoped_locale.h"
+#include "support/uuid_form.h"
+
+namespace Oza {
+namespace {
+
+using vestra_test::isRandomUuid;
+using vestra_test::namesIn;
+using vestra_test::readFile;
+using vestra_test::ScopedTime;
+
+class ProjectInfo : public vestra_test::ProjectFixture {
+ protected:
+  VestraProjectInfo record{file(), &handler};
+};
+
+TEST_F(ProjectInfo, OfANewProjectHasANewIdentifierAndAnEmptyFile) {
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
+  EXPECT_EQ(record.getIteration(), 1U);
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
+  EXPECT_EQ(identity(), "");
+}
+
+TEST_F(ProjectInfo, OfANewProjectMakesTheMissingDirectories) {
+  VestraProjectInfo deep(project / "a/b/vestra/.kelvo_vestrra.info", &handler);
+  EXPECT_TRUE(deep.loadOrCreate());
+  EXPECT_EQ(namesIn(project / "a/b/vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
+}
+
+TEST_F(ProjectInfo, OfANewProjectReachesTheFileWithTheFirstAttempt) {
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n" + record.getProjectId() + "\n");
+}
+
+TEST_F(ProjectInfo, OfANewProjectTakesTheHostsIdentifier) {
+  handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getProjectId(), "host's own");
+  EXPECT_EQ(record.getOrbeloFlow(), 1);
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n1\nhost's own\n");
+}
+
+TEST_F(ProjectInfo, OfANewProjectTakesTheHostsIdentifierInCapitals) {
+  handler.addData("PROJECT_ID", "loud", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getProjectId(), "loud");
+  EXPECT_EQ(record.getOrbeloFlow(), 1);
+}
+
+TEST_F(ProjectInfo, AnEmptyIdentifierOfTheHostCountsAsNone) {
+  handler.addData("project_id", "", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
+}
+
+TEST_F(ProjectInfo, IsLoadedFromTheFile) {
+  writeIdentity("1\n2\n42\n0\nstored\n");
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getProjectId(), "stored");
+  EXPECT_EQ(record.getIteration(), 42U);
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
+  EXPECT_EQ(identity(), "1\n2\n42\n0\nstored\n");
+}
+
+TEST_F(ProjectInfo, OfAnEmptyFileHasNoIdentifier) {
+  writeIdentity("");
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getProjectId(), "");
+  EXPECT_EQ(record.getIteration(), 1U);
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n\n");
+}
+
+TEST_F(ProjectInfo, OfAnEmptyFileTakesTheHostsIdentifierWithoutTheFlag) {
+  writeIdentity("");
+  handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getProjectId(), "host's own");
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
+}
+
+TEST_F(ProjectInfo, TheHostsIdentifierWinsOverTheStoredOneAndTheFlagStays) {
+  writeIdentity("1\n2\n42\n0\nstored\n");
+  handler.addData("Project_Id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getProjectId(), "host's own");
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n2\n43\n0\nhost's own\n");
+}
+
+TEST_F(ProjectInfo, TheStoredFlagStaysWithoutAHostsIdentifier) {
+  writeIdentity("1\n2\n42\n1\nstored\n");
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_EQ(record.getOrbeloFlow(), 1);
+  EXPECT_EQ(record.getProjectId(), "stored");
+}
+
+TEST_F(ProjectInfo, AnIdentifierInAnotherSectionIsNotTheHosts) {
+  handler.addData("project_id", "elsewhere", Vestra::USER_ENVIRONMENT);
+  EXPECT_TRUE(record.loadOrCreate());
+  EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
+}
+
+TEST_F(ProjectInfo, ALineEndInTheHostsIdentifierLosesWhatFollows) {
+  handler.addData("project_id", "one\ntwo", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  record.loadOrCreate();
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n1\none\ntwo\n");
+
+  VestraHandler other;
+  VestraProjectInfo next(file(), &other);
+  EXPECT_TRUE(next.loadOrCreate());
+  EXPECT_EQ(next.getProjectId(), "one");
+}
+
+TEST_F(ProjectInfo, CountsEveryAttempt) {
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_EQ(record.getIteration(), 4U);
+  EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
+}
+
+TEST_F(ProjectInfo, IsNotDueAfterExactlyADay) {
+  writeIdentity("1699913600\n0\n1\n0\nid\n");
+  record.loadOrCreate();
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1699913600\n0\n2\n0\nid\n");
+}
+
+TEST_F(ProjectInfo, IsDueASecondLater) {
+  writeIdentity("1699913599\n0\n1\n0\nid\n");
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
+}
+
+TEST_F(ProjectInfo, IsDueOnceADay) {
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  {
+    const ScopedTime dayLater(1700000000 + 86400);
+    EXPECT_FALSE(record.recordSendAttempt());
+  }
+  {
+    const ScopedTime secondLater(1700000000 + 86401);
+    EXPECT_TRUE(record.recordSendAttempt());
+  }
+  EXPECT_EQ(identity(), "1700086401\n0\n4\n0\n" + record.getProjectId() + "\n");
+}
+
+TEST_F(ProjectInfo, ATimeInTheFutureHoldsReportsBack) {
+  writeIdentity("9223372036854775807\n0\n1\n0\nid\n");
+  record.loadOrCreate();
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "9223372036854775807\n0\n2\n0\nid\n");
+}
+
+TEST_F(ProjectInfo, TheEarliestTimeIsDue) {
+  writeIdentity("-9223372036854775808\n0\n1\n0\nid\n");
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
+}
+
+TEST_F(ProjectInfo, TheAlternativeSimulatorHasATimeOfItsOwn) {
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  handler.setProductType(Vestra::KELVO_ALT);
+  const ScopedTime later(1700000100);
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1700000000\n1700000100\n4\n0\n" + record.getProjectId() + "\n");
+}
+
+TEST_F(ProjectInfo, TheLabToolAndTheSimulatorShareATime) {
+  handler.setProductType(Vestra::TAVLO);
+  record.loadOrCreate();
+  EXPECT_TRUE(record.recordSendAttempt());
+  handler.setProductType(Vestra::KELVO);
+  EXPECT_FALSE(record.recordSendAttempt());
+  handler.setProductType(static_cast<Vestra::ProductType>(7));
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
+}
+
+TEST_F(ProjectInfo, TheIterationTurnsRoundAtItsTypesEdge) {
+  writeIdentity("0\n0\n-1\n0\nid\n");
+  record.loadOrCreate();
+  EXPECT_EQ(record.getIteration(), 18446744073709551615U);
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n0\n0\n0\nid\n");
+}
+
+TEST_F(ProjectInfo, AnIterationPastTheSignedRangeIsRefusedTheNextTime) {
+  writeIdentity("0\n0\n9223372036854775807\n0\nid\n");
+  record.loadOrCreate();
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n0\n9223372036854775808\n0\nid\n");
+
+  VestraProjectInfo next(file(), &handler);
+  EXPECT_FALSE(next.loadOrCreate());
+  EXPECT_FALSE(vestra_test::exists(file()));
+}
+
+TEST_F(ProjectInfo, AnAttemptReplacesTheFile) {
+  writeIdentity("0\n0\n1\n0\nid\nand a long tail that the new text does not reach\n");
+  record.loadOrCreate();
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
+}
+
+TEST_F(ProjectInfo, AnAttemptWritesOurBytesUnderTheHostsLocale) {
+  const std::locale both(vestra_test::digitGroupingLocale(), vestra_test::caseSwappingFilesLocale(),
+                         std::locale::ctype);
+  const vestra_test::ScopedLocale hosts(both);
+  writeIdentity("0\n0\n1000\n0\nMixed Case\n");
+  record.loadOrCreate();
+  EXPECT_EQ(record.getProjectId(), "Mixed Case");
+  record.recordSendAttempt();
+  EXPECT_EQ(identity(), "1700000000\n0\n1001\n0\nMixed Case\n");
+}
+
+TEST_F(ProjectInfo, AFailureToWriteIsNotNoticed) {
+  writeIdentity("0\n0\n1\n0\nid\n");
+  record.loadOrCreate();
+  unlink(file().c_str());
+  rmdir((project / "vestra").c_str());
+  EXPECT_TRUE(record.recordSendAttempt());
+  EXPECT_FALSE(record.recordSendAttempt());
+  EXPECT_EQ(record.getIteration(), 3U);
+  EXPECT_EQ(namesIn(project.path()), std::vector<std::string>{});
+}
+
+TEST_F(ProjectInfo, APathShorterThanTheNameIsItsOwnDirectory) {
+  const std::string path = "/tmp/vestra-x";
+  ASSERT_LT(path.size(), 19U);
+  ASSERT_FALSE(vestra_test::exists(path));
+  VestraProjectInfo odd(path, &handler);
+  EXPECT_FALSE(odd.loadOrCreate());
+  EXPECT_EQ(namesIn(path), std::vector<std::string>{});
+  EXPECT_EQ(rmdir(path.c_str()), 0);
+}
+
+TEST_F(ProjectInfo, OfTheHandlerLiesInItsProjectDirectory) {
+  EXPECT_TRUE(handler.setupVestraInfo());
+  EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
+}
+
+TEST_F(ProjectInfo, OfTheHandlerIsMadeAnewEachTime) {
+  EXPECT_TRUE(handler.setupVestraInfo());
+  writeIdentity("abc\n");
+  EXPECT_FALSE(handler.setupVestraInfo());
+  EXPECT_TRUE(handler.setupVestraInfo());
+}
+
+}  // namespace
+}  // namespace Oza

@@ -1,0 +1,28 @@
+#ifndef VESTRA_TESTS_SUPPORT_CHILD_PROCESS_H
+#define VESTRA_TESTS_SUPPORT_CHILD_PROCESS_H
+
+#include <functional>
+#include <string>
+
+namespace vestra_test {
+
+/// What was seen in the child, as a text to compare in the parent.
+using Observation = std::function<std::string()>;
+
+// Each gives what the observation returned; an exception's text follows
+// "exception: ". A child that ends in any other way throws std::runtime_error.
+
+/// Observes in a process of its own, whose changes to the process leave no trace.
+std::string inChildProcess(const Observation& observe);
+
+/// Observes as somebody whom permission bits stop: root does it as user 65534 in a
+/// process of its own, anybody else right here.
+std::string asOrdinaryUser(const Observation& observe);
+
+/// Observes in a process of its own whose root directory is the given one. Only root
+/// can.
+std::string inRootDirectory(const std::string& directory, const Observation& observe);
+
+}  // namespace vestra_test
+
+#endif
