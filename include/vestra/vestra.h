@@ -84,13 +84,15 @@ class Vestra {
   ///         lacks.
   /// @throws boost::filesystem::filesystem_error (a std::runtime_error) when the
   ///         current directory is gone or an old file cannot be removed.
+  /// @throws boost::uuids::entropy_error (a std::runtime_error) when the system
+  ///         gives no random bytes for a new installation identifier.
   VESTRA_EXPORT static bool send(const char* projectDir, ProductType product);
 
-  /// Whether this machine belongs to the maker's own network, so that the
-  /// simulator's reports from it are marked as tests. Found out once from the
-  /// machine's domain name or, where it has none, from /etc/resolv.conf. The
-  /// environment variable CALVIX_VESTRA_INTERNAL_TRANSMIT, non-empty at any call,
-  /// makes an internal machine count as external from then on.
+  /// Whether this machine belongs to the maker's own network, so that reports
+  /// from it are marked as tests. Found out once from the machine's domain name
+  /// or, where it has none, from /etc/resolv.conf. The environment variable
+  /// CALVIX_VESTRA_INTERNAL_TRANSMIT, non-empty at any call, makes an internal
+  /// machine count as external from then on.
   VESTRA_EXPORT static bool internal();
 
   /// The file that the lab tool's run of the main design tool writes its output

@@ -120,6 +120,7 @@ class VESTRA_EXPORT VestraAddData : public VestraDataInterface {
 /// Orders items by key: byte by byte, the shorter first on a tie. Both nodes must
 /// be items.
 struct key_compare {
+  /// Whether the key of `a` comes before that of `b`.
   bool operator()(VestraDataInterface* a, VestraDataInterface* b) const {
     return static_cast<VestraAddData*>(a)->key < static_cast<VestraAddData*>(b)->key;
   }
