@@ -12,8 +12,9 @@ namespace vestra::design_tool {
 
 namespace {
 
+constexpr std::size_t kShown = 120;
 constexpr std::size_t kShownBefore = 60;
-constexpr std::size_t kShownAfter = 60;
+constexpr std::size_t kShownMarked = 40;
 const std::string kIndent = "    ";
 
 struct Window {
@@ -34,8 +35,8 @@ Window windowOf(const Diagnostic& diagnostic) {
   const std::size_t column = std::min(diagnostic.column, diagnostic.excerpt.size());
   const std::size_t end = std::min(column + diagnostic.width, diagnostic.excerpt.size());
   return {endOf(diagnostic.excerpt.substr(0, column), kShownBefore),
-          startOf(diagnostic.excerpt.substr(column, end - column), kShownAfter),
-          startOf(diagnostic.excerpt.substr(end), kShownAfter)};
+          startOf(diagnostic.excerpt.substr(column, end - column), kShownMarked),
+          startOf(diagnostic.excerpt.substr(end), kShown - std::min(column, kShownBefore) - std::min(end - column, kShownMarked))};
 }
 
 std::size_t charactersIn(std::string_view text) {

@@ -1,8 +1,10 @@
 #include "outbox.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <set>
@@ -83,7 +85,10 @@ class Claim {
  private:
   /// A report that was published since the numbers were read no longer holds its hidden folder.
   bool take() {
-    if (!fs::create_directory(folder())) return false;
+    if (::mkdir(folder().c_str(), 0777) != 0) {
+      if (errno == EEXIST) return false;
+      throw fs::filesystem_error("mkdir", folder(), std::error_code(errno, std::generic_category()));
+    }
     if (!isTaken(directory_, number_)) return true;
     fs::remove(folder());
     return false;

@@ -40,14 +40,14 @@ std::string withPairsOfBackslashesRead(std::string_view spelling) {
   return text;
 }
 
-/// Contexts are written with pairs of backslashes on purpose, for the interpreter to read each as one.
-bool isContextAsMeant(const Word& word) {
-  return withPairsOfBackslashesRead(withoutQuotes(word.spelling)) == word.text;
-}
-
 /// A value in braces was put there by hand, by someone who knows what the interpreter does.
 bool isValueAsMeant(const Word& word) {
   return withoutQuotes(word.spelling) == word.text || isBraced(word.spelling);
+}
+
+/// Contexts are written with pairs of backslashes on purpose, for the interpreter to read each as one.
+bool isContextAsMeant(const Word& word) {
+  return withPairsOfBackslashesRead(withoutQuotes(word.spelling)) == word.text || isBraced(word.spelling);
 }
 
 /// Keys and clients are written bare, so that quotes and braces that the interpreter takes away were part of them.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <tcl.h>
 
+#include <algorithm>
 #include <climits>
 #include <exception>
 #include <optional>
@@ -143,8 +144,9 @@ void Evaluation::throwWhatWentWrong(const ParsedCommand& command) const {
 }
 
 std::string Evaluation::interpreterMessage(const ParsedCommand& command) const {
-  const std::string result = interpreter_.result();
-  const std::string message = forTerminal(result.substr(0, result.find('\n')));
+  std::string message = interpreter_.result();
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  message = forTerminal(message);
   if (message.rfind("can't read", 0) == 0) return message + "; a dollar sign inside a value asks Tcl for a variable";
   if (message.rfind("invalid command name", 0) == 0 && !command.isPlain()) {
     return message + "; a square bracket inside a value asks Tcl to run a command";

@@ -8,8 +8,9 @@ namespace vestra::design_tool {
 
 namespace {
 
+/// A carriage return is allowed, but whoever reads the document gets a line feed for it.
 bool isXmlCharacter(char32_t code_point) {
-  if (code_point < 0x20) return code_point == '\t' || code_point == '\n' || code_point == '\r';
+  if (code_point < 0x20) return code_point == '\t' || code_point == '\n';
   return code_point != 0xFFFE && code_point != 0xFFFF;
 }
 

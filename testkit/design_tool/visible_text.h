@@ -6,7 +6,8 @@
 
 namespace vestra::design_tool {
 
-/// Whether an XML 1.0 document can hold all of `bytes` as text: UTF-8 without the control characters that XML excludes.
+/// Whether an XML 1.0 document can hold all of `bytes` as text and give them back: UTF-8 without the control characters
+/// that XML excludes, and without carriage returns, which it changes.
 bool isXmlText(std::string_view bytes);
 
 /// Whether a reader sees the character as it is: XML text that is no control character, line feed and tab excepted.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vestra::design_tool {
+
+/// A file of the golden directory: what the library writes for a report, and what the tool makes of it.
+std::string golden(const std::string& name);
+
+/// The same with another project directory in place of `/home/u/demo`.
+std::string goldenIn(const std::string& directory, const std::string& name);
+
+}  // namespace vestra::design_tool

@@ -1,0 +1,98 @@
+#include "outbox.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+
+#include "diagnostic.h"
+#include "support/files.h"
+#include "support/temporary_directory.h"
+
+namespace vestra::design_tool {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using vestra_test::namesIn;
+using vestra_test::readFile;
+
+TEST(Outbox, EachReportHasAFolderThatCountsUp) {
+  const vestra_test::TemporaryDirectory directory;
+  const Outbox outbox(directory / "deep/outbox");
+  EXPECT_EQ(outbox.keep("kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}}), directory / "deep/outbox/0001-kelvo");
+  EXPECT_EQ(outbox.keep("tavlo", {{"a", "2"}}), directory / "deep/outbox/0002-tavlo");
+  EXPECT_THAT(namesIn(directory / "deep/outbox"), ElementsAre("0001-kelvo", "0002-tavlo"));
+  EXPECT_EQ(readFile(directory / "deep/outbox/0001-kelvo/b"), std::string("\0", 1));
+  EXPECT_EQ(readFile(directory / "deep/outbox/0002-tavlo/a"), "2");
+}
+
+TEST(Outbox, TheNumberFollowsTheHighestThereIs) {
+  const vestra_test::TemporaryDirectory directory;
+  for (const char* name : {"0007-kelvo/x", "12-by-hand/x", ".0020/x", "notes/x", "-5/x"}) {
+    vestra_test::writeFile(directory / name, "");
+  }
+  EXPECT_EQ(Outbox(directory.path()).keep("kelvo", {}), directory / "0021-kelvo");
+}
+
+TEST(Outbox, NumbersMayOutgrowFourDigits) {
+  const vestra_test::TemporaryDirectory directory;
+  vestra_test::writeFile(directory / "9999-kelvo/x", "");
+  const Outbox outbox(directory.path());
+  EXPECT_EQ(outbox.keep("kelvo", {}), directory / "10000-kelvo");
+  EXPECT_EQ(outbox.keep("kelvo", {}), directory / "10001-kelvo");
+}
+
+TEST(Outbox, ANameThatIsNoPlainWordIsMadeOne) {
+  const vestra_test::TemporaryDirectory directory;
+  const Outbox outbox(directory.path());
+  EXPECT_EQ(outbox.keep("", {}), directory / "0001-report");
+  EXPECT_EQ(outbox.keep("../\n", {}), directory / "0002-report");
+  EXPECT_EQ(outbox.keep("../My_tool-2", {}), directory / "0003-My_tool-2");
+}
+
+TEST(Outbox, TwoFilesOfOneNameAreRefused) {
+  const vestra_test::TemporaryDirectory directory;
+  try {
+    Outbox(directory.path()).keep("kelvo", {{"r", "1"}, {"r", "2"}});
+    FAIL();
+  } catch (const DiagnosedError& error) {
+    EXPECT_STREQ(error.what(), "the outbox can't keep two files named \"r\"");
+  }
+  EXPECT_THAT(namesIn(directory.path()), IsEmpty());
+}
+
+TEST(Outbox, AFolderThatCantBeWrittenLeavesNothing) {
+  const vestra_test::TemporaryDirectory directory;
+  EXPECT_THROW(Outbox(directory.path()).keep("kelvo", {{"a", "1"}, {"missing/b", "2"}}), DiagnosedError);
+  EXPECT_THAT(namesIn(directory.path()), IsEmpty());
+}
+
+TEST(Outbox, AFileInItsPlaceIsAnError) {
+  const vestra_test::TemporaryDirectory directory;
+  vestra_test::writeFile(directory / "file", "");
+  EXPECT_THROW(Outbox(directory / "file"), DiagnosedError);
+}
+
+TEST(Outbox, ManyAtOnceGetANumberEach) {
+  constexpr int WRITERS = 8;
+  constexpr int REPORTS = 25;
+  const vestra_test::TemporaryDirectory directory;
+  std::vector<std::thread> writers;
+  for (int writer = 0; writer < WRITERS; ++writer) {
+    writers.emplace_back([&, writer] {
+      for (int i = 0; i < REPORTS; ++i) {
+        Outbox(directory.path()).keep(writer % 2 == 0 ? "kelvo" : "tavlo", {{"f", std::to_string(writer)}});
+      }
+    });
+  }
+  for (std::thread& writer : writers) writer.join();
+  std::set<std::string> numbers;
+  for (const std::string& name : namesIn(directory.path())) numbers.insert(name.substr(0, name.find('-')));
+  EXPECT_EQ(numbers.size(), std::size_t{WRITERS * REPORTS});
+  EXPECT_EQ(namesIn(directory.path()).size(), std::size_t{WRITERS * REPORTS});
+}
+
+}  // namespace
+}  // namespace vestra::design_tool

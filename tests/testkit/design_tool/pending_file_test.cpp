@@ -1,0 +1,56 @@
+#include "pending_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "diagnostic.h"
+#include "support/files.h"
+#include "support/temporary_directory.h"
+
+namespace vestra::design_tool {
+namespace {
+
+using testing::ElementsAre;
+using vestra_test::namesIn;
+using vestra_test::readFile;
+
+TEST(PendingFile, AppearsWhenItIsCommitted) {
+  const vestra_test::TemporaryDirectory directory;
+  PendingFile file(directory / "f", "new");
+  EXPECT_FALSE(vestra_test::exists(directory / "f"));
+  file.commit();
+  EXPECT_EQ(readFile(directory / "f"), "new");
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("f"));
+}
+
+TEST(PendingFile, LeavesNoTraceWhenItIsNot) {
+  const vestra_test::TemporaryDirectory directory;
+  vestra_test::writeFile(directory / "f", "old");
+  { const PendingFile file(directory / "f", "new"); }
+  EXPECT_EQ(readFile(directory / "f"), "old");
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("f"));
+}
+
+TEST(PendingFile, CantBeWrittenIntoAMissingDirectory) {
+  const vestra_test::TemporaryDirectory directory;
+  try {
+    const PendingFile file(directory / "none/f", "new");
+    FAIL();
+  } catch (const DiagnosedError& error) {
+    EXPECT_EQ(error.diagnostic().file, directory / "none/f");
+    EXPECT_EQ(error.diagnostic().message, "can't be written: No such file or directory");
+  }
+}
+
+TEST(PendingFile, CantReplaceADirectory) {
+  const vestra_test::TemporaryDirectory directory;
+  vestra_test::writeFile(directory / "d/f", "");
+  {
+    PendingFile file(directory / "d", "new");
+    EXPECT_THROW(file.commit(), DiagnosedError);
+  }
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("d"));
+}
+
+}  // namespace
+}  // namespace vestra::design_tool
