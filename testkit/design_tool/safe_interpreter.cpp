@@ -58,7 +58,7 @@ std::vector<std::string> commandsOf(Tcl_Interp* interpreter) {
 
 SafeInterpreter::SafeInterpreter(const Limits& limits) : interpreter_(createInterpreter()), limits_(limits) {
   keepOnlyComputation();
-  setLimits();
+  limitCommands();
 }
 
 std::string SafeInterpreter::exceededLimit() const {
@@ -66,7 +66,7 @@ std::string SafeInterpreter::exceededLimit() const {
   if (Tcl_LimitTypeExceeded(get(), TCL_LIMIT_COMMANDS)) {
     return fmt::format("the script has run more than {} commands", limits_.commands);
   }
-  return fmt::format("the script has run for more than {} s", limits_.time.count());
+  return fmt::format("the command has run for more than {} s", limits_.time.count());
 }
 
 std::string SafeInterpreter::result() const {
@@ -85,12 +85,15 @@ void SafeInterpreter::keepOnlyComputation() {
   Tcl_ResetResult(get());
 }
 
-void SafeInterpreter::setLimits() {
+void SafeInterpreter::restartClock() {
   Tcl_Time deadline;
   Tcl_GetTime(&deadline);
   deadline.sec += limits_.time.count();
   Tcl_LimitSetTime(get(), &deadline);
   Tcl_LimitTypeSet(get(), TCL_LIMIT_TIME);
+}
+
+void SafeInterpreter::limitCommands() {
   Tcl_LimitSetCommands(get(), limits_.commands);
   Tcl_LimitTypeSet(get(), TCL_LIMIT_COMMANDS);
 }

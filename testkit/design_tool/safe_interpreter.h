@@ -17,6 +17,9 @@ class SafeInterpreter {
 
   Tcl_Interp* get() const { return interpreter_.get(); }
 
+  /// Gives the next command its time.
+  void restartClock();
+
   /// Whether a limit has stopped the script, and which, in words; empty where none has.
   std::string exceededLimit() const;
 
@@ -29,7 +32,7 @@ class SafeInterpreter {
   };
 
   void keepOnlyComputation();
-  void setLimits();
+  void limitCommands();
 
   std::unique_ptr<Tcl_Interp, Deleter> interpreter_;
   Limits limits_;

@@ -130,6 +130,7 @@ void Evaluation::runCommand(const ParsedCommand& command) {
   current_ = &command;
   current_line_ = script_.lineOf(command.span().begin);
   if (observer_ != nullptr) observer_(current_line_);
+  interpreter_.restartClock();
   const char* const text = script_.text().data() + command.span().begin;
   const int status = Tcl_EvalEx(interpreter_.get(), text, static_cast<int>(command.span().length), TCL_EVAL_GLOBAL);
   if (status != TCL_OK || protocol_error_ || failure_) throwWhatWentWrong(command);

@@ -4,10 +4,12 @@
 
 namespace vestra::design_tool {
 
-/// How long a script may go on. A report of a million items needs a million commands.
+/// How long a script may go on. A report of a million items needs a million commands, each of them short.
 struct Limits {
+  /// In the whole script, those inside of loops and procedures included.
   int commands = 20'000'000;
-  std::chrono::seconds time{60};
+  /// For each command of the script itself, so that a large report isn't stopped on a busy machine.
+  std::chrono::seconds time{20};
 };
 
 }  // namespace vestra::design_tool

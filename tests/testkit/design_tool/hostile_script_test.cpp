@@ -59,7 +59,7 @@ TEST(HostileScript, AProtocolErrorCantBeCaught) {
 
 TEST(HostileScript, AnEndlessLoopIsStoppedByTheTime) {
   EXPECT_EQ(errorOf("while 1 {}\n", {20'000'000, std::chrono::seconds(1)}),
-            "s.tcl:1: the script has run for more than 1 s\n"
+            "s.tcl:1: the command has run for more than 1 s\n"
             "    while 1 {}\n"
             "    ^~~~~\n");
 }
