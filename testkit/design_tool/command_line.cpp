@@ -11,9 +11,10 @@ namespace vestra::design_tool {
 
 namespace {
 
-constexpr const char* kUsage = "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n";
+constexpr const char* USAGE =
+    "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n";
 
-constexpr const char* kHelp = R"(
+constexpr const char* HELP = R"(
 Stands in for the main design tool while you develop a host: runs the report
 script FILE, checks that it says what it should, and writes the XML and HTML
 reports it asks for. Nothing is transmitted.
@@ -34,8 +35,8 @@ a file is at fault, 2 when the command line is.
 
 struct Arguments {
   std::map<std::string, std::string> values;
-  bool wants_help = false;
-  bool wants_version = false;
+  bool wantsHelp = false;
+  bool wantsVersion = false;
   std::optional<UsageError> error;
 };
 
@@ -47,52 +48,72 @@ Arguments sortOut(const std::vector<std::string>& words) {
   Arguments sorted;
   for (std::size_t i = 0; i < words.size() && !sorted.error; ++i) {
     const std::string& word = words[i];
-    if (word == "--help") sorted.wants_help = true;
-    else if (word == "--version") sorted.wants_version = true;
-    else if (word == "-notrace") continue;
-    else if (!takesValue(word)) sorted.error = UsageError{fmt::format("unexpected argument {}", inQuotes(word))};
-    else if (i + 1 == words.size()) sorted.error = UsageError{fmt::format("{} needs a value", word)};
-    else if (!sorted.values.emplace(word, words[i + 1]).second) sorted.error = UsageError{fmt::format("{} is given twice", word)};
-    else ++i;
+    if (word == "--help") {
+      sorted.wantsHelp = true;
+    } else if (word == "--version") {
+      sorted.wantsVersion = true;
+    } else if (word == "-notrace") {
+      continue;
+    } else if (!takesValue(word)) {
+      sorted.error = UsageError{fmt::format("unexpected argument {}", inQuotes(word))};
+    } else if (i + 1 == words.size()) {
+      sorted.error = UsageError{fmt::format("{} needs a value", word)};
+    } else if (!sorted.values.emplace(word, words[i + 1]).second) {
+      sorted.error = UsageError{fmt::format("{} is given twice", word)};
+    } else {
+      ++i;
+    }
   }
   return sorted;
 }
 
-std::string outboxOf(const Arguments& arguments, const char* default_outbox) {
+std::string outboxOf(const Arguments& arguments, const char* defaultOutbox) {
   const auto given = arguments.values.find("--outbox");
-  if (given != arguments.values.end()) return given->second;
-  return default_outbox == nullptr ? "" : default_outbox;
+  if (given != arguments.values.end()) {
+    return given->second;
+  }
+  return defaultOutbox == nullptr ? "" : defaultOutbox;
 }
 
-Request runRequest(const Arguments& arguments, const char* default_outbox) {
+Request runRequest(const Arguments& arguments, const char* defaultOutbox) {
   const auto mode = arguments.values.find("-mode");
-  if (mode == arguments.values.end()) return UsageError{"-mode is missing"};
-  if (mode->second != "batch") return UsageError{fmt::format("there is no mode {}, only \"batch\"", inQuotes(mode->second))};
+  if (mode == arguments.values.end()) {
+    return UsageError{"-mode is missing"};
+  }
+  if (mode->second != "batch") {
+    return UsageError{fmt::format("there is no mode {}, only \"batch\"", inQuotes(mode->second))};
+  }
   const auto source = arguments.values.find("-source");
-  if (source == arguments.values.end()) return UsageError{"-source is missing"};
-  return RunRequest{source->second, outboxOf(arguments, default_outbox)};
+  if (source == arguments.values.end()) {
+    return UsageError{"-source is missing"};
+  }
+  return RunRequest{source->second, outboxOf(arguments, defaultOutbox)};
 }
 
 }  // namespace
 
-Request readCommandLine(const std::vector<std::string>& arguments, const char* default_outbox) {
+Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox) {
   const Arguments sorted = sortOut(arguments);
-  if (sorted.wants_help) return HelpRequest{};
-  if (sorted.wants_version) return VersionRequest{};
-  if (sorted.error) return *sorted.error;
-  return runRequest(sorted, default_outbox);
+  if (sorted.wantsHelp) {
+    return HelpRequest{};
+  }
+  if (sorted.wantsVersion) {
+    return VersionRequest{};
+  }
+  if (sorted.error) {
+    return *sorted.error;
+  }
+  return runRequest(sorted, defaultOutbox);
 }
 
-std::string helpText() {
-  return std::string(kUsage) + kHelp;
-}
+std::string helpText() { return std::string(USAGE) + HELP; }
 
 std::string versionText() {
   return "vestra-design-tool " VESTRA_VERSION ", a stand-in for the main design tool\n";
 }
 
 std::string usageText(const UsageError& error) {
-  return fmt::format("vestra-design-tool: {}\n{}Try --help.\n", error.message, kUsage);
+  return fmt::format("vestra-design-tool: {}\n{}Try --help.\n", error.message, USAGE);
 }
 
 }  // namespace vestra::design_tool

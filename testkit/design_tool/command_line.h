@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_COMMAND_LINE_H
+#define VESTRA_DESIGN_TOOL_COMMAND_LINE_H
 
 #include <string>
 #include <variant>
@@ -25,7 +26,7 @@ using Request = std::variant<RunRequest, HelpRequest, VersionRequest, UsageError
 ///
 /// \param arguments      without the program's own name
 /// \param default_outbox the outbox when the command line names none; may be null or empty
-Request readCommandLine(const std::vector<std::string>& arguments, const char* default_outbox);
+Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox);
 
 /// What `--help` prints.
 std::string helpText();
@@ -37,3 +38,5 @@ std::string versionText();
 std::string usageText(const UsageError& error);
 
 }  // namespace vestra::design_tool
+
+#endif

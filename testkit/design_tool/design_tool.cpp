@@ -23,7 +23,7 @@ namespace {
 struct Run {
   std::string script;
   Report report;
-  std::string rules_text;
+  std::string rulesText;
   std::vector<Rule> rules;
   std::vector<std::string> warnings;
 };
@@ -40,15 +40,13 @@ Run read(const RunRequest& request, LineObserver observer) {
   Run run;
   run.script = readRegularFile(request.source);
   run.report = evaluateScript(request.source, run.script, {}, observer);
-  run.rules_text = readRegularFile(run.report.transmission.wdm);
-  run.rules = parseRules(run.report.transmission.wdm, run.rules_text);
+  run.rulesText = readRegularFile(run.report.transmission.wdm);
+  run.rules = parseRules(run.report.transmission.wdm, run.rulesText);
   run.warnings = warningLines(request.source, suspicionsAbout(run.report, run.rules));
   return run;
 }
 
-void say(std::ostream& out, const std::string& line) {
-  out << "vestra-design-tool: " << line << '\n';
-}
+void say(std::ostream& out, const std::string& line) { out << "vestra-design-tool: " << line << '\n'; }
 
 std::string counted(std::size_t count, const std::string& what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
@@ -56,23 +54,23 @@ std::string counted(std::size_t count, const std::string& what) {
 
 void sayWhatWasRead(const RunRequest& request, const Run& run, std::ostream& out) {
   const Transmission& transmission = run.report.transmission;
-  say(out, fmt::format("read {} from {}", counted(run.report.items.size(), "item"), forTerminal(request.source)));
+  say(out,
+      fmt::format("read {} from {}", counted(run.report.items.size(), "item"), forTerminal(request.source)));
   say(out, fmt::format("read {} from {}", counted(run.rules.size(), "rule"), forTerminal(transmission.wdm)));
 }
 
-std::string fileName(const std::string& path) {
-  return std::filesystem::path(path).filename().string();
-}
+std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
 void keepCopy(const RunRequest& request, const Run& run, const std::string& xml, const std::string& html,
               std::ostream& out) {
   const Transmission& transmission = run.report.transmission;
-  const std::filesystem::path folder = Outbox(request.outbox)
-                                           .keep(productOf(run.report), {{fileName(request.source), run.script},
-                                                                         {fileName(transmission.wdm), run.rules_text},
-                                                                         {fileName(transmission.xml), xml},
-                                                                         {fileName(transmission.html), html},
-                                                                         {"report.json", renderRecord(run.report, run.rules, run.warnings)}});
+  const std::filesystem::path folder =
+      Outbox(request.outbox)
+          .keep(productOf(run.report), {{fileName(request.source), run.script},
+                                        {fileName(transmission.wdm), run.rulesText},
+                                        {fileName(transmission.xml), xml},
+                                        {fileName(transmission.html), html},
+                                        {"report.json", renderRecord(run.report, run.rules, run.warnings)}});
   say(out, fmt::format("kept a copy in {}", forTerminal(folder.string())));
 }
 
@@ -80,14 +78,16 @@ void write(const RunRequest& request, const Run& run, std::ostream& out) {
   const Transmission& transmission = run.report.transmission;
   const std::string xml = renderXml(run.report, run.rules);
   const std::string html = renderHtml(run.report, run.rules);
-  PendingFile xml_file(transmission.xml, xml);
-  PendingFile html_file(transmission.html, html);
-  if (!request.outbox.empty()) keepCopy(request, run, xml, html, out);
-  xml_file.commit();
-  html_file.commit();
+  PendingFile xmlFile(transmission.xml, xml);
+  PendingFile htmlFile(transmission.html, html);
+  if (!request.outbox.empty()) {
+    keepCopy(request, run, xml, html, out);
+  }
+  xmlFile.commit();
+  htmlFile.commit();
   say(out, "wrote " + forTerminal(transmission.xml));
   say(out, "wrote " + forTerminal(transmission.html));
-  say(out, fmt::format("report {} is complete; nothing was transmitted", transmission.client_id));
+  say(out, fmt::format("report {} is complete; nothing was transmitted", transmission.clientId));
 }
 
 }  // namespace
@@ -95,7 +95,9 @@ void write(const RunRequest& request, const Run& run, std::ostream& out) {
 int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err, LineObserver observer) {
   try {
     const Run run = read(request, observer);
-    for (const std::string& warning : run.warnings) err << warning << '\n';
+    for (const std::string& warning : run.warnings) {
+      err << warning << '\n';
+    }
     sayWhatWasRead(request, run, out);
     write(request, run, out);
     return 0;

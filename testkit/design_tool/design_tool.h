@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_DESIGN_TOOL_H
+#define VESTRA_DESIGN_TOOL_DESIGN_TOOL_H
 
 #include <iosfwd>
 
@@ -7,13 +8,16 @@
 
 namespace vestra::design_tool {
 
-/// Runs the script and writes all that it asks for: the XML and HTML reports, and the copy in the outbox. Either
-/// everything is written or nothing.
+/// Runs the script and writes all that it asks for: the XML and HTML reports, and the copy in the outbox.
+/// Either everything is written or nothing.
 ///
 /// \param out      gets a few lines that say what was read and written
 /// \param err      gets the warnings and, when the run fails, the error
 /// \param observer see evaluateScript; may be null
 /// \return         the exit status: 0, or 1 after an error
-int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err, LineObserver observer = nullptr);
+int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err,
+                  LineObserver observer = nullptr);
 
 }  // namespace vestra::design_tool
+
+#endif

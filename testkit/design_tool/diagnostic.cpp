@@ -12,10 +12,10 @@ namespace vestra::design_tool {
 
 namespace {
 
-constexpr std::size_t kShown = 120;
-constexpr std::size_t kShownBefore = 60;
-constexpr std::size_t kShownMarked = 40;
-const std::string kIndent = "    ";
+constexpr std::size_t SHOWN = 120;
+constexpr std::size_t SHOWN_BEFORE = 60;
+constexpr std::size_t SHOWN_MARKED = 40;
+const std::string INDENT = "    ";
 
 struct Window {
   std::string before;
@@ -34,14 +34,17 @@ std::string endOf(const std::string& text, std::size_t limit) {
 Window windowOf(const Diagnostic& diagnostic) {
   const std::size_t column = std::min(diagnostic.column, diagnostic.excerpt.size());
   const std::size_t end = std::min(column + diagnostic.width, diagnostic.excerpt.size());
-  return {endOf(diagnostic.excerpt.substr(0, column), kShownBefore),
-          startOf(diagnostic.excerpt.substr(column, end - column), kShownMarked),
-          startOf(diagnostic.excerpt.substr(end), kShown - std::min(column, kShownBefore) - std::min(end - column, kShownMarked))};
+  return {endOf(diagnostic.excerpt.substr(0, column), SHOWN_BEFORE),
+          startOf(diagnostic.excerpt.substr(column, end - column), SHOWN_MARKED),
+          startOf(diagnostic.excerpt.substr(end),
+                  SHOWN - std::min(column, SHOWN_BEFORE) - std::min(end - column, SHOWN_MARKED))};
 }
 
 std::size_t charactersIn(std::string_view text) {
   std::size_t count = 0;
-  for (; !text.empty(); ++count) text.remove_prefix(std::max<std::size_t>(1, firstCharacter(text).length));
+  for (; !text.empty(); ++count) {
+    text.remove_prefix(std::max<std::size_t>(1, firstCharacter(text).length));
+  }
   return count;
 }
 
@@ -58,10 +61,12 @@ std::string placeOf(const Diagnostic& diagnostic) {
 
 std::string format(const Diagnostic& diagnostic) {
   const std::string headline = fmt::format("{}: {}\n", placeOf(diagnostic), diagnostic.message);
-  if (diagnostic.excerpt.empty()) return headline;
+  if (diagnostic.excerpt.empty()) {
+    return headline;
+  }
   const Window window = windowOf(diagnostic);
-  return fmt::format("{}{}{}{}{}\n{}{}{}\n", headline, kIndent, window.before, window.marked, window.after, kIndent,
-                     std::string(charactersIn(window.before), ' '), markerFor(window.marked));
+  return fmt::format("{}{}{}{}{}\n{}{}{}\n", headline, INDENT, window.before, window.marked, window.after,
+                     INDENT, std::string(charactersIn(window.before), ' '), markerFor(window.marked));
 }
 
 DiagnosedError::DiagnosedError(Diagnostic diagnostic) : diagnostic_(std::move(diagnostic)) {}

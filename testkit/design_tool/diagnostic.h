@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_DIAGNOSTIC_H
+#define VESTRA_DESIGN_TOOL_DIAGNOSTIC_H
 
 #include <cstddef>
 #include <exception>
@@ -37,3 +38,5 @@ class DiagnosedError : public std::exception {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

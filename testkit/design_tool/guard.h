@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_GUARD_H
+#define VESTRA_DESIGN_TOOL_GUARD_H
 
 #include <cstddef>
 #include <functional>
@@ -6,9 +7,10 @@
 
 namespace vestra::design_tool {
 
-/// Runs `work` in a process of its own, with limits on its memory and processor time, and passes its exit status on.
-/// A script can exhaust the interpreter's stack or memory in ways that the interpreter itself doesn't survive; whoever
-/// started the tool then still learns, in one line on standard error, which line of `file` it was, and gets status 1.
+/// Runs `work` in a process of its own, with limits on its memory and processor time, and passes its exit
+/// status on. A script can exhaust the interpreter's stack or memory in ways that the interpreter itself
+/// doesn't survive; whoever started the tool then still learns, in one line on standard error, which line of
+/// `file` it was, and gets status 1.
 ///
 /// \param work is given to the new process, which ends with its result; noteLine may be called in it
 int runGuarded(const std::string& file, const std::function<int()>& work);
@@ -17,3 +19,5 @@ int runGuarded(const std::string& file, const std::function<int()>& work);
 void noteLine(std::size_t line);
 
 }  // namespace vestra::design_tool
+
+#endif

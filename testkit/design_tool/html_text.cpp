@@ -8,16 +8,25 @@ namespace vestra::design_tool {
 namespace {
 
 void appendCharacter(std::string& html, std::string_view character) {
-  if (character == "&") html += "&amp;";
-  else if (character == "<") html += "&lt;";
-  else if (character == ">") html += "&gt;";
-  else if (character == "\"") html += "&quot;";
-  else if (character == "'") html += "&#39;";
-  else html += character;
+  if (character == "&") {
+    html += "&amp;";
+  } else if (character == "<") {
+    html += "&lt;";
+  } else if (character == ">") {
+    html += "&gt;";
+  } else if (character == "\"") {
+    html += "&quot;";
+  } else if (character == "'") {
+    html += "&#39;";
+  } else {
+    html += character;
+  }
 }
 
 void appendBytes(std::string& html, std::string_view bytes) {
-  for (const char byte : bytes) html += "<span class=\"byte\">" + nameOfByte(byte) + "</span>";
+  for (const char byte : bytes) {
+    html += "<span class=\"byte\">" + nameOfByte(byte) + "</span>";
+  }
 }
 
 }  // namespace
@@ -27,8 +36,11 @@ std::string escapedForHtml(std::string_view bytes) {
   while (!bytes.empty()) {
     const Utf8Character character = firstCharacter(bytes);
     const std::string_view piece = bytes.substr(0, character.length == 0 ? 1 : character.length);
-    if (character.length != 0 && isVisible(character.code_point)) appendCharacter(html, piece);
-    else appendBytes(html, piece);
+    if (character.length != 0 && isVisible(character.codePoint)) {
+      appendCharacter(html, piece);
+    } else {
+      appendBytes(html, piece);
+    }
     bytes.remove_prefix(piece.size());
   }
   return html;

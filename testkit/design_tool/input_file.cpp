@@ -19,7 +19,9 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor() {
-    if (number_ >= 0) ::close(number_);
+    if (number_ >= 0) {
+      ::close(number_);
+    }
   }
   int get() const { return number_; }
 
@@ -37,24 +39,37 @@ class Descriptor {
 
 void checkIsRegular(const Descriptor& file, const std::string& path) {
   struct stat status = {};
-  if (::fstat(file.get(), &status) != 0) failToRead(path);
-  if (S_ISDIR(status.st_mode)) fail(path, "is a directory, not a file");
-  if (!S_ISREG(status.st_mode)) fail(path, "is not a regular file");
+  if (::fstat(file.get(), &status) != 0) {
+    failToRead(path);
+  }
+  if (S_ISDIR(status.st_mode)) {
+    fail(path, "is a directory, not a file");
+  }
+  if (!S_ISREG(status.st_mode)) {
+    fail(path, "is not a regular file");
+  }
 }
 
 }  // namespace
 
 std::string readRegularFile(const std::string& path) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (file.get() < 0) failToRead(path);
+  if (file.get() < 0) {
+    failToRead(path);
+  }
   checkIsRegular(file, path);
   std::string bytes;
   char buffer[65536];
   for (;;) {
     const ssize_t count = ::read(file.get(), buffer, sizeof buffer);
-    if (count == 0) return bytes;
-    if (count > 0) bytes.append(buffer, static_cast<std::size_t>(count));
-    else if (errno != EINTR) failToRead(path);
+    if (count == 0) {
+      return bytes;
+    }
+    if (count > 0) {
+      bytes.append(buffer, static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      failToRead(path);
+    }
   }
 }
 

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_INPUT_FILE_H
+#define VESTRA_DESIGN_TOOL_INPUT_FILE_H
 
 #include <string>
 
@@ -9,3 +10,5 @@ namespace vestra::design_tool {
 std::string readRegularFile(const std::string& path);
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_INVOCATION_H
+#define VESTRA_DESIGN_TOOL_INVOCATION_H
 
 #include <cstddef>
 #include <stdexcept>
@@ -10,8 +11,8 @@
 
 namespace vestra::design_tool {
 
-/// One word of a command, as the interpreter handed it over and, where the command stands in the script itself, as it
-/// is spelled there.
+/// One word of a command, as the interpreter handed it over and, where the command stands in the script
+/// itself, as it is spelled there.
 struct Word {
   std::string text;
   /// Bytes of the script, quotes included; meaningful only in an Invocation that is `spelled`.
@@ -43,3 +44,5 @@ class ProtocolError : public std::runtime_error {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -26,7 +26,8 @@ struct Perform {
     return 2;
   }
   int operator()(const RunRequest& request) const {
-    return runGuarded(request.source, [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); });
+    return runGuarded(request.source,
+                      [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); });
   }
 };
 

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_OPTIONS_H
+#define VESTRA_DESIGN_TOOL_OPTIONS_H
 
 #include <map>
 #include <string>
@@ -9,8 +10,8 @@
 
 namespace vestra::design_tool {
 
-/// The options of one command, read strictly: pairs of a name and a value, in any order, each name known and given
-/// exactly once, none left out.
+/// The options of one command, read strictly: pairs of a name and a value, in any order, each name known and
+/// given exactly once, none left out.
 class Options {
  public:
   /// \param invocation must outlive the result
@@ -25,3 +26,5 @@ class Options {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

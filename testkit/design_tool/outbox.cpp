@@ -25,8 +25,8 @@ namespace {
 }
 
 bool isForFileName(char letter) {
-  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
-         letter == '-' || letter == '_';
+  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+         (letter >= '0' && letter <= '9') || letter == '-' || letter == '_';
 }
 
 std::string plainName(const std::string& name) {
@@ -35,7 +35,8 @@ std::string plainName(const std::string& name) {
   return plain.empty() ? "report" : plain;
 }
 
-/// The number that a folder of the outbox takes, finished (`0007-kelvo`) or still hidden (`.0007`); 0 for other names.
+/// The number that a folder of the outbox takes, finished (`0007-kelvo`) or still hidden (`.0007`); 0 for
+/// other names.
 int numberOf(const std::string& entry) {
   const char* const begin = entry.data() + (entry.rfind('.', 0) == 0 ? 1 : 0);
   int number = 0;
@@ -59,18 +60,23 @@ bool isTaken(const fs::path& directory, int number) {
   });
 }
 
-/// A hidden folder that holds its number: making it fails for all but one. It goes away unless it is published.
+/// A hidden folder that holds its number: making it fails for all but one. It goes away unless it is
+/// published.
 class Claim {
  public:
   explicit Claim(const fs::path& directory) : directory_(directory) {
     number_ = lastNumber(directory_) + 1;
-    while (!take()) ++number_;
+    while (!take()) {
+      ++number_;
+    }
   }
   Claim(const Claim&) = delete;
   Claim& operator=(const Claim&) = delete;
   ~Claim() {
     std::error_code ignored;
-    if (!is_published_) fs::remove_all(folder(), ignored);
+    if (!is_published_) {
+      fs::remove_all(folder(), ignored);
+    }
   }
 
   fs::path folder() const { return directory_ / fmt::format(".{:04}", number_); }
@@ -86,10 +92,14 @@ class Claim {
   /// A report that was published since the numbers were read no longer holds its hidden folder.
   bool take() {
     if (::mkdir(folder().c_str(), 0777) != 0) {
-      if (errno == EEXIST) return false;
+      if (errno == EEXIST) {
+        return false;
+      }
       throw fs::filesystem_error("mkdir", folder(), std::error_code(errno, std::generic_category()));
     }
-    if (!isTaken(directory_, number_)) return true;
+    if (!isTaken(directory_, number_)) {
+      return true;
+    }
     fs::remove(folder());
     return false;
   }
@@ -103,13 +113,17 @@ void write(const fs::path& path, const std::string& content) {
   std::ofstream file(path, std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   file.close();
-  if (!file) fail(path, "can't be written");
+  if (!file) {
+    fail(path, "can't be written");
+  }
 }
 
 void refuseSharedNames(const fs::path& directory, const std::vector<KeptFile>& files) {
   std::set<std::string> names;
   for (const KeptFile& file : files) {
-    if (names.insert(file.name).second) continue;
+    if (names.insert(file.name).second) {
+      continue;
+    }
     fail(directory, fmt::format("the outbox can't keep two files named {}", inQuotes(file.name)));
   }
 }
@@ -119,14 +133,18 @@ void refuseSharedNames(const fs::path& directory, const std::vector<KeptFile>& f
 Outbox::Outbox(fs::path directory) : directory_(std::move(directory)) {
   std::error_code error;
   fs::create_directories(directory_, error);
-  if (error) fail(directory_, "the outbox can't be made: " + error.message());
+  if (error) {
+    fail(directory_, "the outbox can't be made: " + error.message());
+  }
 }
 
 fs::path Outbox::keep(const std::string& name, const std::vector<KeptFile>& files) const {
   refuseSharedNames(directory_, files);
   try {
     Claim claim(directory_);
-    for (const KeptFile& file : files) write(claim.folder() / file.name, file.content);
+    for (const KeptFile& file : files) {
+      write(claim.folder() / file.name, file.content);
+    }
     return claim.publish(plainName(name));
   } catch (const fs::filesystem_error& error) {
     fail(directory_, "the outbox can't be written: " + error.code().message());

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_OUTBOX_H
+#define VESTRA_DESIGN_TOOL_OUTBOX_H
 
 #include <filesystem>
 #include <string>
@@ -12,18 +13,18 @@ struct KeptFile {
   std::string content;
 };
 
-/// Where a copy of each report is kept: one folder for each, `NNNN-NAME`, counting up from 0001. Several tools may use
-/// one outbox at once; each report gets a number of its own.
+/// Where a copy of each report is kept: one folder for each, `NNNN-NAME`, counting up from 0001. Several
+/// tools may use one outbox at once; each report gets a number of its own.
 class Outbox {
  public:
   /// Makes the folder, with all that is missing above it, when there is none.
   /// \throws DiagnosedError when that fails
   explicit Outbox(std::filesystem::path directory);
 
-  /// Writes the files into a folder that appears all at once. The name is what reads best after the number; characters
-  /// besides letters, digits, `-` and `_` are left out of it, and "report" stands in when that leaves nothing.
-  /// \return the folder
-  /// \throws DiagnosedError when two files have the same name or writing fails; no folder appears then
+  /// Writes the files into a folder that appears all at once. The name is what reads best after the number;
+  /// characters besides letters, digits, `-` and `_` are left out of it, and "report" stands in when that
+  /// leaves nothing. \return the folder \throws DiagnosedError when two files have the same name or writing
+  /// fails; no folder appears then
   std::filesystem::path keep(const std::string& name, const std::vector<KeptFile>& files) const;
 
  private:
@@ -31,3 +32,5 @@ class Outbox {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -2,7 +2,7 @@
 
 namespace vestra::design_tool {
 
-const std::string_view kPageStyle = R"(
+const std::string_view PAGE_STYLE = R"(
 :root {
   color-scheme: light dark;
   --paper: #fbfbfa;

@@ -1,10 +1,13 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_PAGE_STYLE_H
+#define VESTRA_DESIGN_TOOL_PAGE_STYLE_H
 
 #include <string_view>
 
 namespace vestra::design_tool {
 
 /// The style sheet that every HTML report carries.
-extern const std::string_view kPageStyle;
+extern const std::string_view PAGE_STYLE;
 
 }  // namespace vestra::design_tool
+
+#endif

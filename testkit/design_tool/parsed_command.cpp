@@ -17,15 +17,20 @@ struct ParseDeleter {
 const char* hintFor(int error) {
   switch (error) {
     case TCL_PARSE_QUOTE_EXTRA:
-    case TCL_PARSE_MISSING_QUOTE: return "; a double quote inside a value reaches the script as it is";
-    case TCL_PARSE_MISSING_BRACKET: return "; a square bracket inside a value asks Tcl to run a command";
+    case TCL_PARSE_MISSING_QUOTE:
+      return "; a double quote inside a value reaches the script as it is";
+    case TCL_PARSE_MISSING_BRACKET:
+      return "; a square bracket inside a value asks Tcl to run a command";
     case TCL_PARSE_BRACE_EXTRA:
-    case TCL_PARSE_MISSING_BRACE: return "; a brace at the start of a key reaches the script as it is";
-    default: return "";
+    case TCL_PARSE_MISSING_BRACE:
+      return "; a brace at the start of a key reaches the script as it is";
+    default:
+      return "";
   }
 }
 
-Diagnostic syntaxError(Tcl_Interp* interpreter, const Script& script, const Tcl_Parse& parse, std::size_t position) {
+Diagnostic syntaxError(Tcl_Interp* interpreter, const Script& script, const Tcl_Parse& parse,
+                       std::size_t position) {
   const char* const begin = script.text().data();
   const auto term = static_cast<std::size_t>(std::max(parse.term, begin + position) - begin);
   int length = 0;
@@ -38,9 +43,7 @@ bool isSubstitution(const Tcl_Token& token) {
   return token.type == TCL_TOKEN_COMMAND || token.type == TCL_TOKEN_VARIABLE;
 }
 
-bool isCommand(const Tcl_Token& token) {
-  return token.type == TCL_TOKEN_COMMAND;
-}
+bool isCommand(const Tcl_Token& token) { return token.type == TCL_TOKEN_COMMAND; }
 
 }  // namespace
 
@@ -57,19 +60,23 @@ ParsedCommand::ParsedCommand(Tcl_Interp* interpreter, const Script& script, std:
 }
 
 void ParsedCommand::readWords(const Tcl_Parse& parse, const char* text) {
-  bool has_substitution = false;
+  bool hasSubstitution = false;
   for (int i = 0; i < parse.numTokens; i += parse.tokenPtr[i].numComponents + 1) {
     const Tcl_Token& word = parse.tokenPtr[i];
     const Tcl_Token* const begin = &word + 1;
     const Tcl_Token* const end = begin + word.numComponents;
     words_.push_back({static_cast<std::size_t>(word.start - text), static_cast<std::size_t>(word.size)});
-    if (word.type == TCL_TOKEN_EXPAND_WORD || std::any_of(begin, end, isCommand)) is_plain_ = false;
-    if (!has_substitution && std::any_of(begin, end, isSubstitution)) {
-      has_substitution = true;
+    if (word.type == TCL_TOKEN_EXPAND_WORD || std::any_of(begin, end, isCommand)) {
+      is_plain_ = false;
+    }
+    if (!hasSubstitution && std::any_of(begin, end, isSubstitution)) {
+      hasSubstitution = true;
       first_substitution_ = words_.back();
     }
   }
-  if (!has_substitution && !words_.empty()) first_substitution_ = words_.front();
+  if (!hasSubstitution && !words_.empty()) {
+    first_substitution_ = words_.front();
+  }
 }
 
 }  // namespace vestra::design_tool

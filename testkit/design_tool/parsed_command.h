@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_PARSED_COMMAND_H
+#define VESTRA_DESIGN_TOOL_PARSED_COMMAND_H
 
 #include <tcl.h>
 
@@ -37,3 +38,5 @@ class ParsedCommand {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

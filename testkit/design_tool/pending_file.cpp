@@ -32,20 +32,26 @@ PendingFile::PendingFile(std::string path, std::string_view content)
   std::ofstream file(hidden_path_, std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   file.close();
-  if (file) return;
+  if (file) {
+    return;
+  }
   const std::string reason = std::strerror(errno);
   ::unlink(hidden_path_.c_str());
   failToWrite(path_, reason);
 }
 
 PendingFile::~PendingFile() {
-  if (!is_committed_) ::unlink(hidden_path_.c_str());
+  if (!is_committed_) {
+    ::unlink(hidden_path_.c_str());
+  }
 }
 
 void PendingFile::commit() {
   std::error_code error;
   std::filesystem::rename(hidden_path_, path_, error);
-  if (error) failToWrite(path_, error.message());
+  if (error) {
+    failToWrite(path_, error.message());
+  }
   is_committed_ = true;
 }
 

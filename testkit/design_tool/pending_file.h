@@ -1,12 +1,13 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_PENDING_FILE_H
+#define VESTRA_DESIGN_TOOL_PENDING_FILE_H
 
 #include <string>
 #include <string_view>
 
 namespace vestra::design_tool {
 
-/// A file on its way: written under a hidden name beside its place, and moved there at the end, so that no reader sees
-/// half of it and a failure leaves what was there before.
+/// A file on its way: written under a hidden name beside its place, and moved there at the end, so that no
+/// reader sees half of it and a failure leaves what was there before.
 class PendingFile {
  public:
   /// Writes the content under the hidden name.
@@ -28,3 +29,5 @@ class PendingFile {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -11,11 +11,11 @@ namespace vestra::design_tool {
 
 namespace {
 
-constexpr std::string_view kInit = "vestra_init";
-constexpr std::string_view kRegisterClient = "vestra_register_client";
-constexpr std::string_view kAddData = "vestra_add_data";
-constexpr std::string_view kTransmit = "vestra_transmit";
-constexpr std::string_view kTerminate = "vestra_terminate";
+constexpr std::string_view INIT = "vestra_init";
+constexpr std::string_view REGISTER_CLIENT = "vestra_register_client";
+constexpr std::string_view ADD_DATA = "vestra_add_data";
+constexpr std::string_view TRANSMIT = "vestra_transmit";
+constexpr std::string_view TERMINATE = "vestra_terminate";
 
 Span placeOf(const Invocation& invocation, const Word& word) {
   return invocation.spelled ? word.span : invocation.span;
@@ -23,8 +23,8 @@ Span placeOf(const Invocation& invocation, const Word& word) {
 
 /// What the word would be if the interpreter took nothing but a pair of double quotes away.
 std::string_view withoutQuotes(std::string_view spelling) {
-  const bool is_quoted = spelling.size() >= 2 && spelling.front() == '"' && spelling.back() == '"';
-  return is_quoted ? spelling.substr(1, spelling.size() - 2) : spelling;
+  const bool isQuoted = spelling.size() >= 2 && spelling.front() == '"' && spelling.back() == '"';
+  return isQuoted ? spelling.substr(1, spelling.size() - 2) : spelling;
 }
 
 bool isBraced(std::string_view spelling) {
@@ -35,7 +35,9 @@ std::string withPairsOfBackslashesRead(std::string_view spelling) {
   std::string text;
   for (std::size_t i = 0; i < spelling.size(); ++i) {
     text += spelling[i];
-    if (spelling.substr(i, 2) == "\\\\") ++i;
+    if (spelling.substr(i, 2) == "\\\\") {
+      ++i;
+    }
   }
   return text;
 }
@@ -50,10 +52,9 @@ bool isContextAsMeant(const Word& word) {
   return withPairsOfBackslashesRead(withoutQuotes(word.spelling)) == word.text || isBraced(word.spelling);
 }
 
-/// Keys and clients are written bare, so that quotes and braces that the interpreter takes away were part of them.
-bool isBareAsMeant(const Word& word) {
-  return word.spelling == word.text;
-}
+/// Keys and clients are written bare, so that quotes and braces that the interpreter takes away were part of
+/// them.
+bool isBareAsMeant(const Word& word) { return word.spelling == word.text; }
 
 std::string change(const char* what, std::string_view before, const std::string& after) {
   return fmt::format("Tcl has changed the {}: {} became {}", what, inQuotes(before), inQuotes(after));
@@ -63,9 +64,11 @@ std::uint32_t readClientId(const Invocation& invocation, const Word& word) {
   std::uint32_t number = 0;
   const char* const end = word.text.data() + word.text.size();
   const auto [stop, error] = std::from_chars(word.text.data(), end, number);
-  if (error == std::errc() && stop == end && fmt::format("{}", number) == word.text) return number;
-  throw ProtocolError(fmt::format("{}: -clientid {} is no decimal number from 0 to 4294967295", invocation.command,
-                                  inQuotes(word.text)),
+  if (error == std::errc() && stop == end && fmt::format("{}", number) == word.text) {
+    return number;
+  }
+  throw ProtocolError(fmt::format("{}: -clientid {} is no decimal number from 0 to 4294967295",
+                                  invocation.command, inQuotes(word.text)),
                       placeOf(invocation, word));
 }
 
@@ -73,10 +76,13 @@ void refuseSharedPaths(const Invocation& invocation, const Options& options) {
   std::map<std::string, std::string_view> users;
   for (const std::string_view option : {"-xml", "-html", "-wdm"}) {
     const Word& path = options[option];
-    const auto [user, is_new] = users.emplace(path.text, option);
-    if (is_new) continue;
-    throw ProtocolError(fmt::format("{}: {} and {} name the same file", invocation.command, user->second, option),
-                        placeOf(invocation, path));
+    const auto [user, isNew] = users.emplace(path.text, option);
+    if (isNew) {
+      continue;
+    }
+    throw ProtocolError(
+        fmt::format("{}: {} and {} name the same file", invocation.command, user->second, option),
+        placeOf(invocation, path));
   }
 }
 
@@ -87,48 +93,65 @@ void refuseSharedPaths(const Invocation& invocation, const Options& options) {
 }  // namespace
 
 const std::vector<std::string_view>& Protocol::commands() {
-  static const std::vector<std::string_view> names{kInit, kRegisterClient, kAddData, kTransmit, kTerminate};
+  static const std::vector<std::string_view> names{INIT, REGISTER_CLIENT, ADD_DATA, TRANSMIT, TERMINATE};
   return names;
 }
 
 void Protocol::take(const Invocation& invocation) {
   checkTurn(invocation);
-  if (invocation.command == kInit) init(invocation);
-  else if (invocation.command == kRegisterClient) registerClient(invocation);
-  else if (invocation.command == kAddData) addData(invocation);
-  else if (invocation.command == kTransmit) transmit(invocation);
-  else terminate(invocation);
+  if (invocation.command == INIT) {
+    init(invocation);
+  } else if (invocation.command == REGISTER_CLIENT) {
+    registerClient(invocation);
+  } else if (invocation.command == ADD_DATA) {
+    addData(invocation);
+  } else if (invocation.command == TRANSMIT) {
+    transmit(invocation);
+  } else {
+    terminate(invocation);
+  }
 }
 
 std::string_view Protocol::missingCommand() const {
   switch (stage_) {
-    case Stage::Start: return kInit;
-    case Stage::Open: return kTransmit;
+    case Stage::Start:
+      return INIT;
+    case Stage::Open:
+      return TRANSMIT;
     case Stage::Transmitted:
-    case Stage::Terminated: break;
+    case Stage::Terminated:
+      break;
   }
-  return kTerminate;
+  return TERMINATE;
 }
 
 void Protocol::checkTurn(const Invocation& invocation) const {
-  if (stage_ == Stage::Terminated) failAt(invocation, "comes after vestra_terminate");
-  if (invocation.command == kInit) {
-    if (stage_ != Stage::Start) failAt(invocation, "is given twice");
+  if (stage_ == Stage::Terminated) {
+    failAt(invocation, "comes after vestra_terminate");
+  }
+  if (invocation.command == INIT) {
+    if (stage_ != Stage::Start) {
+      failAt(invocation, "is given twice");
+    }
     return;
   }
-  if (stage_ == Stage::Start) failAt(invocation, "comes before vestra_init");
-  if (invocation.command == kTerminate) {
-    if (stage_ == Stage::Open) failAt(invocation, "comes before vestra_transmit");
+  if (stage_ == Stage::Start) {
+    failAt(invocation, "comes before vestra_init");
+  }
+  if (invocation.command == TERMINATE) {
+    if (stage_ == Stage::Open) {
+      failAt(invocation, "comes before vestra_transmit");
+    }
     return;
   }
   if (stage_ == Stage::Transmitted) {
-    failAt(invocation, invocation.command == kTransmit ? "is given twice" : "comes after vestra_transmit");
+    failAt(invocation, invocation.command == TRANSMIT ? "is given twice" : "comes after vestra_transmit");
   }
 }
 
 void Protocol::init(const Invocation& invocation) {
   const Options options(invocation, {"-vestra_dir"});
-  report_.vestra_dir = options["-vestra_dir"].text;
+  report_.vestraDir = options["-vestra_dir"].text;
   stage_ = Stage::Open;
 }
 
@@ -143,7 +166,9 @@ void Protocol::addData(const Invocation& invocation) {
   const Word& context = options["-context"];
   const Word& key = options["-key"];
   const Word& value = options["-value"];
-  if (invocation.spelled) warnOfChanges(invocation, client, key, value, context);
+  if (invocation.spelled) {
+    warnOfChanges(invocation, client, key, value, context);
+  }
   report_.items.push_back({sectionOf(client.text, context.text), key.text, value.text, invocation.line});
 }
 
@@ -166,18 +191,31 @@ void Protocol::terminate(const Invocation& invocation) {
 }
 
 std::size_t Protocol::sectionOf(const std::string& client, const std::string& context) {
-  const auto [position, is_new] = section_positions_.emplace(std::pair(client, context), report_.sections.size());
-  if (is_new) report_.sections.push_back({client, context});
+  const auto [position, isNew] =
+      section_positions_.emplace(std::pair(client, context), report_.sections.size());
+  if (isNew) {
+    report_.sections.push_back({client, context});
+  }
   return position->second;
 }
 
-void Protocol::warnOfChanges(const Invocation& invocation, const Word& client, const Word& key, const Word& value,
-                             const Word& context) {
-  const auto warn = [&](const std::string& message) { report_.warnings.push_back({invocation.line, message}); };
-  if (!isBareAsMeant(client)) warn(change("client", client.spelling, client.text));
-  if (!isBareAsMeant(key)) warn(change("key", key.spelling, key.text));
-  if (!isValueAsMeant(value)) warn(change("value", withoutQuotes(value.spelling), value.text));
-  if (!isContextAsMeant(context)) warn(change("context", withoutQuotes(context.spelling), context.text));
+void Protocol::warnOfChanges(const Invocation& invocation, const Word& client, const Word& key,
+                             const Word& value, const Word& context) {
+  const auto warn = [&](const std::string& message) {
+    report_.warnings.push_back({invocation.line, message});
+  };
+  if (!isBareAsMeant(client)) {
+    warn(change("client", client.spelling, client.text));
+  }
+  if (!isBareAsMeant(key)) {
+    warn(change("key", key.spelling, key.text));
+  }
+  if (!isValueAsMeant(value)) {
+    warn(change("value", withoutQuotes(value.spelling), value.text));
+  }
+  if (!isContextAsMeant(context)) {
+    warn(change("context", withoutQuotes(context.spelling), context.text));
+  }
 }
 
 }  // namespace vestra::design_tool

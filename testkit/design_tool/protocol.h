@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_PROTOCOL_H
+#define VESTRA_DESIGN_TOOL_PROTOCOL_H
 
 #include <map>
 #include <string>
@@ -56,3 +57,5 @@ class Protocol {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

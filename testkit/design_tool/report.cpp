@@ -6,12 +6,12 @@ namespace vestra::design_tool {
 
 namespace {
 
-constexpr const char* kSharedClient = "project";
+constexpr const char* SHARED_CLIENT = "project";
 
 template <typename Entries>
 std::string firstProductAmong(const Entries& entries) {
   const auto product = std::find_if(entries.begin(), entries.end(),
-                                    [](const auto& entry) { return entry.client != kSharedClient; });
+                                    [](const auto& entry) { return entry.client != SHARED_CLIENT; });
   return product == entries.end() ? "" : product->client;
 }
 
@@ -19,7 +19,7 @@ std::string firstProductAmong(const Entries& entries) {
 
 std::string projectValue(const Report& report, const std::string& key) {
   const auto item = std::find_if(report.items.begin(), report.items.end(), [&](const Item& candidate) {
-    return candidate.key == key && report.sections[candidate.section].client == kSharedClient;
+    return candidate.key == key && report.sections[candidate.section].client == SHARED_CLIENT;
   });
   return item == report.items.end() ? "" : item->value;
 }

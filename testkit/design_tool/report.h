@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_REPORT_H
+#define VESTRA_DESIGN_TOOL_REPORT_H
 
 #include <cstddef>
 #include <cstdint>
@@ -37,8 +38,8 @@ struct Item {
 
 /// What the script asked to be transmitted.
 struct Transmission {
-  std::uint32_t client_id = 0;
-  std::string registration_id;
+  std::uint32_t clientId = 0;
+  std::string registrationId;
   std::string xml;
   std::string html;
   std::string wdm;
@@ -48,7 +49,7 @@ struct Transmission {
 
 /// All that a script said, once it has run to its end. Texts are the script's bytes.
 struct Report {
-  std::string vestra_dir;
+  std::string vestraDir;
   std::vector<Registration> registrations;
   /// In order of their first item.
   std::vector<Section> sections;
@@ -62,8 +63,10 @@ struct Report {
 /// The first value that client "project" reported for `key`, an empty text where there is none.
 std::string projectValue(const Report& report, const std::string& key);
 
-/// The client the report is about: the first one besides "project" that was registered, or else that has data.
-/// Empty where there is none.
+/// The client the report is about: the first one besides "project" that was registered, or else that has
+/// data. Empty where there is none.
 std::string productOf(const Report& report);
 
 }  // namespace vestra::design_tool
+
+#endif

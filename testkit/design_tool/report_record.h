@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_REPORT_RECORD_H
+#define VESTRA_DESIGN_TOOL_REPORT_RECORD_H
 
 #include <string>
 #include <vector>
@@ -22,10 +23,13 @@ namespace vestra::design_tool {
 ///       "warnings": [TEXT, ...]                      as printed: "FILE:LINE: warning: what is suspicious"
 ///     }
 ///
-/// A TEXT is exact: a JSON string where the bytes are UTF-8, and {"hex": "ff00"}, two lower-case digits a byte, where
-/// they aren't.
+/// A TEXT is exact: a JSON string where the bytes are UTF-8, and {"hex": "ff00"}, two lower-case digits a
+/// byte, where they aren't.
 ///
 /// \param warnings the lines as printed
-std::string renderRecord(const Report& report, const std::vector<Rule>& rules, const std::vector<std::string>& warnings);
+std::string renderRecord(const Report& report, const std::vector<Rule>& rules,
+                         const std::vector<std::string>& warnings);
 
 }  // namespace vestra::design_tool
+
+#endif

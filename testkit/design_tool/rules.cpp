@@ -39,9 +39,7 @@ class RulesReader {
   std::vector<Rule> rules_;
 };
 
-std::size_t lineOf(const Setting& setting) {
-  return setting.isRoot() ? 1 : setting.getSourceLine();
-}
+std::size_t lineOf(const Setting& setting) { return setting.isRoot() ? 1 : setting.getSourceLine(); }
 
 std::vector<Rule> RulesReader::read() {
   refuseWhatTheParserWouldFollow();
@@ -49,7 +47,9 @@ std::vector<Rule> RulesReader::read() {
   parse(config);
   checkVersion(config.getRoot());
   const Setting& clients = member(config.getRoot(), "clients", Setting::TypeList, "a list in parentheses");
-  for (int i = 0; i < clients.getLength(); ++i) readClient(groupAt(clients, i, "client"));
+  for (int i = 0; i < clients.getLength(); ++i) {
+    readClient(groupAt(clients, i, "client"));
+  }
   return std::move(rules_);
 }
 
@@ -61,7 +61,9 @@ std::string RulesReader::lineText(std::size_t line) const {
   std::istringstream lines(text_);
   std::string text;
   for (std::size_t i = 0; i < line; ++i) {
-    if (!std::getline(lines, text)) return "";
+    if (!std::getline(lines, text)) {
+      return "";
+    }
   }
   return text;
 }
@@ -72,8 +74,12 @@ void RulesReader::refuseWhatTheParserWouldFollow() const {
   std::string line;
   for (std::size_t number = 1; std::getline(lines, line); ++number) {
     const std::size_t begin = line.find_first_not_of(" \t");
-    if (begin != std::string::npos && line.compare(begin, 8, "@include") == 0) fail(number, "@include is not supported");
-    if (line.find('\0') != std::string::npos) fail(number, "the rules hold a NUL byte");
+    if (begin != std::string::npos && line.compare(begin, 8, "@include") == 0) {
+      fail(number, "@include is not supported");
+    }
+    if (line.find('\0') != std::string::npos) {
+      fail(number, "the rules hold a NUL byte");
+    }
   }
 }
 
@@ -85,10 +91,15 @@ void RulesReader::parse(libconfig::Config& config) const {
   }
 }
 
-const Setting& RulesReader::member(const Setting& group, const char* name, Setting::Type type, const char* kind) const {
-  if (!group.exists(name)) fail(lineOf(group), fmt::format("setting {} is missing", name));
+const Setting& RulesReader::member(const Setting& group, const char* name, Setting::Type type,
+                                   const char* kind) const {
+  if (!group.exists(name)) {
+    fail(lineOf(group), fmt::format("setting {} is missing", name));
+  }
   const Setting& setting = group[name];
-  if (setting.getType() != type) fail(lineOf(setting), fmt::format("setting {} is not {}", name, kind));
+  if (setting.getType() != type) {
+    fail(lineOf(setting), fmt::format("setting {} is not {}", name, kind));
+  }
   return setting;
 }
 
@@ -98,28 +109,37 @@ std::string RulesReader::textOf(const Setting& group, const char* name) const {
 
 const Setting& RulesReader::groupAt(const Setting& list, int index, const char* what) const {
   const Setting& entry = list[index];
-  if (!entry.isGroup()) fail(lineOf(entry), fmt::format("a {} is not a group in braces", what));
+  if (!entry.isGroup()) {
+    fail(lineOf(entry), fmt::format("a {} is not a group in braces", what));
+  }
   return entry;
 }
 
 void RulesReader::checkVersion(const Setting& root) const {
   const std::string version = textOf(root, "version");
-  if (version == "1.0") return;
+  if (version == "1.0") {
+    return;
+  }
   fail(lineOf(root["version"]), fmt::format("version {} is not known, only \"1.0\"", inQuotes(version)));
 }
 
 void RulesReader::readClient(const Setting& client) {
   const std::string name = textOf(client, "client_name");
   const Setting& rules = member(client, "rules", Setting::TypeList, "a list in parentheses");
-  for (int i = 0; i < rules.getLength(); ++i) readRule(name, groupAt(rules, i, "rule"));
+  for (int i = 0; i < rules.getLength(); ++i) {
+    readRule(name, groupAt(rules, i, "rule"));
+  }
 }
 
 void RulesReader::readRule(const std::string& client, const Setting& rule) {
-  Rule read{client, textOf(rule, "context"), textOf(rule, "xml_map"), textOf(rule, "html_map"), styleOf(rule)};
-  const auto is_same = [&](const Rule& other) { return other.client == client && other.context == read.context; };
-  if (std::any_of(rules_.begin(), rules_.end(), is_same)) {
-    fail(lineOf(rule["context"]),
-         fmt::format("client {} has another rule for context {} already", inQuotes(client), inQuotes(read.context)));
+  Rule read{client, textOf(rule, "context"), textOf(rule, "xml_map"), textOf(rule, "html_map"),
+            styleOf(rule)};
+  const auto isSame = [&](const Rule& other) {
+    return other.client == client && other.context == read.context;
+  };
+  if (std::any_of(rules_.begin(), rules_.end(), isSame)) {
+    fail(lineOf(rule["context"]), fmt::format("client {} has another rule for context {} already",
+                                              inQuotes(client), inQuotes(read.context)));
   }
   rules_.push_back(std::move(read));
 }
@@ -127,7 +147,9 @@ void RulesReader::readRule(const std::string& client, const Setting& rule) {
 HtmlStyle RulesReader::styleOf(const Setting& rule) const {
   const std::string name = textOf(rule, "html_format");
   for (const HtmlStyle style : {HtmlStyle::UserEnvironment, HtmlStyle::Statistics}) {
-    if (name == nameOf(style)) return style;
+    if (name == nameOf(style)) {
+      return style;
+    }
   }
   fail(lineOf(rule["html_format"]), fmt::format("html_format {} is not known", inQuotes(name)));
 }

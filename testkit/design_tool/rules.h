@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_RULES_H
+#define VESTRA_DESIGN_TOOL_RULES_H
 
 #include <string>
 #include <vector>
@@ -17,16 +18,17 @@ enum class HtmlStyle {
 struct Rule {
   std::string client;
   std::string context;
-  std::string xml_map;
-  std::string html_map;
-  HtmlStyle html_style = HtmlStyle::UserEnvironment;
+  std::string xmlMap;
+  std::string htmlMap;
+  HtmlStyle htmlStyle = HtmlStyle::UserEnvironment;
 };
 
 /// The rules file's word for the style.
 const char* nameOf(HtmlStyle style);
 
-/// Reads a rules file: `version = "1.0";` and a list `clients` of groups, each a `client_name` and a list `rules` of
-/// groups of the four texts `context`, `xml_map`, `html_map` and `html_format`. Settings besides these are ignored.
+/// Reads a rules file: `version = "1.0";` and a list `clients` of groups, each a `client_name` and a list
+/// `rules` of groups of the four texts `context`, `xml_map`, `html_map` and `html_format`. Settings besides
+/// these are ignored.
 ///
 /// \param file the file's name, for messages
 /// \return     the rules in the file's order; no client has two for one context
@@ -34,3 +36,5 @@ const char* nameOf(HtmlStyle style);
 std::vector<Rule> parseRules(const std::string& file, const std::string& text);
 
 }  // namespace vestra::design_tool
+
+#endif

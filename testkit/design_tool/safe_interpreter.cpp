@@ -16,16 +16,17 @@ namespace {
 /// Regular expressions are left out: they can run for ever inside one command, where no limit is looked at.
 const std::set<std::string_view>& computation() {
   static const std::set<std::string_view> names{
-      "append", "break",   "catch",  "concat",   "continue", "dict",   "error",  "eval",  "expr",    "for",
-      "foreach", "format", "global", "if",       "incr",     "join",   "lappend", "lassign", "lindex", "linsert",
-      "list",   "llength", "lmap",   "lrange",   "lrepeat",  "lreplace", "lreverse", "lset", "proc",  "return",
-      "scan",   "set",     "split",  "string",   "subst",    "throw",  "try",   "unset",   "uplevel",
-      "upvar",  "variable", "while"};
+      "append", "break",   "catch",   "concat",  "continue", "dict",   "error",   "eval",     "expr",
+      "for",    "foreach", "format",  "global",  "if",       "incr",   "join",    "lappend",  "lassign",
+      "lindex", "linsert", "list",    "llength", "lmap",     "lrange", "lrepeat", "lreplace", "lreverse",
+      "lset",   "proc",    "return",  "scan",    "set",      "split",  "string",  "subst",    "throw",
+      "try",    "unset",   "uplevel", "upvar",   "variable", "while"};
   return names;
 }
 
-/// What the remaining commands don't need of the interpreter's own namespaces; last the one that serves this script.
-constexpr const char* kDeleteNamespaces = R"(
+/// What the remaining commands don't need of the interpreter's own namespaces; last the one that serves this
+/// script.
+constexpr const char* DELETE_NAMESPACES = R"(
   foreach name [namespace children ::] {
     if {$name ne "::tcl"} {namespace delete $name}
   }
@@ -36,21 +37,26 @@ constexpr const char* kDeleteNamespaces = R"(
 )";
 
 void mustSucceed(Tcl_Interp* interpreter, int status) {
-  if (status != TCL_OK) throw std::runtime_error(Tcl_GetStringResult(interpreter));
+  if (status != TCL_OK) {
+    throw std::runtime_error(Tcl_GetStringResult(interpreter));
+  }
 }
 
 Tcl_Interp* createInterpreter() {
-  static const bool is_library_ready = (Tcl_FindExecutable(nullptr), true);
-  return is_library_ready ? Tcl_CreateInterp() : nullptr;
+  static const bool isLibraryReady = (Tcl_FindExecutable(nullptr), true);
+  return isLibraryReady ? Tcl_CreateInterp() : nullptr;
 }
 
 std::vector<std::string> commandsOf(Tcl_Interp* interpreter) {
   mustSucceed(interpreter, Tcl_Eval(interpreter, "info commands"));
   int count = 0;
   Tcl_Obj** names = nullptr;
-  mustSucceed(interpreter, Tcl_ListObjGetElements(interpreter, Tcl_GetObjResult(interpreter), &count, &names));
+  mustSucceed(interpreter,
+              Tcl_ListObjGetElements(interpreter, Tcl_GetObjResult(interpreter), &count, &names));
   std::vector<std::string> commands;
-  for (int i = 0; i < count; ++i) commands.emplace_back(Tcl_GetString(names[i]));
+  for (int i = 0; i < count; ++i) {
+    commands.emplace_back(Tcl_GetString(names[i]));
+  }
   return commands;
 }
 
@@ -62,7 +68,9 @@ SafeInterpreter::SafeInterpreter(const Limits& limits) : interpreter_(createInte
 }
 
 std::string SafeInterpreter::exceededLimit() const {
-  if (!Tcl_LimitExceeded(get())) return "";
+  if (!Tcl_LimitExceeded(get())) {
+    return "";
+  }
   if (Tcl_LimitTypeExceeded(get(), TCL_LIMIT_COMMANDS)) {
     return fmt::format("the script has run more than {} commands", limits_.commands);
   }
@@ -78,9 +86,11 @@ std::string SafeInterpreter::result() const {
 void SafeInterpreter::keepOnlyComputation() {
   mustSucceed(get(), Tcl_MakeSafe(get()));
   const std::vector<std::string> commands = commandsOf(get());
-  mustSucceed(get(), Tcl_Eval(get(), kDeleteNamespaces));
+  mustSucceed(get(), Tcl_Eval(get(), DELETE_NAMESPACES));
   for (const std::string& name : commands) {
-    if (computation().count(name) == 0) Tcl_DeleteCommand(get(), name.c_str());
+    if (computation().count(name) == 0) {
+      Tcl_DeleteCommand(get(), name.c_str());
+    }
   }
   Tcl_ResetResult(get());
 }

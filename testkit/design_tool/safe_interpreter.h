@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_SAFE_INTERPRETER_H
+#define VESTRA_DESIGN_TOOL_SAFE_INTERPRETER_H
 
 #include <tcl.h>
 
@@ -9,8 +10,8 @@
 
 namespace vestra::design_tool {
 
-/// An interpreter that can compute and nothing else: no files, channels, processes, sockets, packages, events, other
-/// interpreters or namespaces, and no library of its own on disk.
+/// An interpreter that can compute and nothing else: no files, channels, processes, sockets, packages,
+/// events, other interpreters or namespaces, and no library of its own on disk.
 class SafeInterpreter {
  public:
   explicit SafeInterpreter(const Limits& limits);
@@ -39,3 +40,5 @@ class SafeInterpreter {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

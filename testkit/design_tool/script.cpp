@@ -26,20 +26,20 @@ std::size_t Script::lineOf(std::size_t position) const {
 }
 
 std::size_t Script::lastLine() const {
-  const std::size_t last_byte = text_.find_last_not_of('\n');
-  return last_byte == std::string::npos ? 1 : lineOf(last_byte);
+  const std::size_t lastByte = text_.find_last_not_of('\n');
+  return lastByte == std::string::npos ? 1 : lineOf(lastByte);
 }
 
 Diagnostic Script::diagnose(Span span, std::string message) const {
-  const std::size_t previous_end = span.begin == 0 ? std::string::npos : text_.rfind('\n', span.begin - 1);
-  const std::size_t line_begin = previous_end == std::string::npos ? 0 : previous_end + 1;
-  const std::size_t line_end = std::min(text_.find('\n', span.begin), text_.size());
-  const std::size_t marked = std::min(span.length, line_end - span.begin);
+  const std::size_t previousEnd = span.begin == 0 ? std::string::npos : text_.rfind('\n', span.begin - 1);
+  const std::size_t lineBegin = previousEnd == std::string::npos ? 0 : previousEnd + 1;
+  const std::size_t lineEnd = std::min(text_.find('\n', span.begin), text_.size());
+  const std::size_t marked = std::min(span.length, lineEnd - span.begin);
   return {file_,
           lineOf(span.begin),
           std::move(message),
-          bytesOf({line_begin, line_end - line_begin}),
-          bytesOf({line_begin, span.begin - line_begin}).size(),
+          bytesOf({lineBegin, lineEnd - lineBegin}),
+          bytesOf({lineBegin, span.begin - lineBegin}).size(),
           bytesOf({span.begin, marked}).size()};
 }
 

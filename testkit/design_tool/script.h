@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_SCRIPT_H
+#define VESTRA_DESIGN_TOOL_SCRIPT_H
 
 #include <cstddef>
 #include <string>
@@ -27,8 +28,8 @@ class Script {
   /// The bytes that a stretch stands for.
   std::string bytesOf(Span span) const;
 
-  /// The line, counted from 1, on which `position` stands. Takes time in proportion to the distance from the position
-  /// asked for last, so that asking from the start to the end costs one pass.
+  /// The line, counted from 1, on which `position` stands. Takes time in proportion to the distance from the
+  /// position asked for last, so that asking from the start to the end costs one pass.
   std::size_t lineOf(std::size_t position) const;
 
   /// The number of the last line that holds anything; 1 for an empty script.
@@ -45,3 +46,5 @@ class Script {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -20,7 +20,7 @@ namespace vestra::design_tool {
 namespace {
 
 /// The interpreter's parser calls itself for each square bracket and watches no limit while it does.
-constexpr std::size_t kDeepestBrackets = 1000;
+constexpr std::size_t DEEPEST_BRACKETS = 1000;
 
 std::string bytesOf(Tcl_Obj* object) {
   int length = 0;
@@ -32,22 +32,26 @@ void refuseDeepBrackets(const Script& script) {
   const std::string& text = script.text();
   std::size_t depth = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\\') ++i;
-    else if (text[i] == ']' && depth > 0) --depth;
-    else if (text[i] == '[' && ++depth > kDeepestBrackets) {
-      throw DiagnosedError(
-          script.diagnose({i, 1}, fmt::format("square brackets are nested more than {} deep", kDeepestBrackets)));
+    if (text[i] == '\\') {
+      ++i;
+    } else if (text[i] == ']' && depth > 0) {
+      --depth;
+    } else if (text[i] == '[' && ++depth > DEEPEST_BRACKETS) {
+      throw DiagnosedError(script.diagnose(
+          {i, 1}, fmt::format("square brackets are nested more than {} deep", DEEPEST_BRACKETS)));
     }
   }
 }
 
 void refuseHugeText(const Script& script) {
-  if (script.text().size() < INT_MAX) return;
+  if (script.text().size() < INT_MAX) {
+    return;
+  }
   throw DiagnosedError({script.file(), 0, "the script is too large for the interpreter", "", 0, 0});
 }
 
-/// One run of one script. The interpreter calls back into it, and no exception may pass through the interpreter: what
-/// goes wrong in a callback is kept until the interpreter has returned.
+/// One run of one script. The interpreter calls back into it, and no exception may pass through the
+/// interpreter: what goes wrong in a callback is kept until the interpreter has returned.
 class Evaluation {
  public:
   Evaluation(const Script& script, const Limits& limits, LineObserver observer);
@@ -56,7 +60,8 @@ class Evaluation {
 
  private:
   static int onCommand(ClientData self, Tcl_Interp* interpreter, int count, Tcl_Obj* const words[]);
-  static void onTampering(ClientData self, Tcl_Interp* interpreter, const char* name, const char* new_name, int flags);
+  static void onTampering(ClientData self, Tcl_Interp* interpreter, const char* name, const char* newName,
+                          int flags);
 
   void defineCommands();
   void runCommand(const ParsedCommand& command);
@@ -84,7 +89,9 @@ Evaluation::Evaluation(const Script& script, const Limits& limits, LineObserver 
 Report Evaluation::run() {
   for (std::size_t position = 0; position < script_.text().size();) {
     const ParsedCommand command(interpreter_.get(), script_, position);
-    if (!command.words().empty()) runCommand(command);
+    if (!command.words().empty()) {
+      runCommand(command);
+    }
     position = command.end();
   }
   checkIsOver();
@@ -97,7 +104,9 @@ int Evaluation::onCommand(ClientData self, Tcl_Interp* interpreter, int count, T
     evaluation.take(count, words);
     return TCL_OK;
   } catch (const ProtocolError& error) {
-    if (!evaluation.protocol_error_) evaluation.protocol_error_ = error;
+    if (!evaluation.protocol_error_) {
+      evaluation.protocol_error_ = error;
+    }
   } catch (...) {
     evaluation.failure_ = std::current_exception();
   }
@@ -106,12 +115,16 @@ int Evaluation::onCommand(ClientData self, Tcl_Interp* interpreter, int count, T
 }
 
 void Evaluation::onTampering(ClientData self, Tcl_Interp* interpreter, const char* name, const char*, int) {
-  if (Tcl_InterpDeleted(interpreter)) return;
+  if (Tcl_InterpDeleted(interpreter)) {
+    return;
+  }
   auto& evaluation = *static_cast<Evaluation*>(self);
-  if (evaluation.protocol_error_) return;
-  const std::string_view full_name = name;
+  if (evaluation.protocol_error_) {
+    return;
+  }
+  const std::string_view fullName = name;
   evaluation.protocol_error_.emplace(
-      fmt::format("{} can't be redefined", full_name.substr(full_name.rfind(':') + 1)),
+      fmt::format("{} can't be redefined", fullName.substr(fullName.rfind(':') + 1)),
       evaluation.current_->words().front());
 }
 
@@ -119,7 +132,8 @@ void Evaluation::defineCommands() {
   for (const std::string_view name : Protocol::commands()) {
     const std::string text(name);
     Tcl_CreateObjCommand(interpreter_.get(), text.c_str(), &onCommand, this, nullptr);
-    Tcl_TraceCommand(interpreter_.get(), text.c_str(), TCL_TRACE_RENAME | TCL_TRACE_DELETE, &onTampering, this);
+    Tcl_TraceCommand(interpreter_.get(), text.c_str(), TCL_TRACE_RENAME | TCL_TRACE_DELETE, &onTampering,
+                     this);
   }
 }
 
@@ -129,18 +143,29 @@ void Evaluation::runCommand(const ParsedCommand& command) {
   }
   current_ = &command;
   current_line_ = script_.lineOf(command.span().begin);
-  if (observer_ != nullptr) observer_(current_line_);
+  if (observer_ != nullptr) {
+    observer_(current_line_);
+  }
   interpreter_.restartClock();
   const char* const text = script_.text().data() + command.span().begin;
-  const int status = Tcl_EvalEx(interpreter_.get(), text, static_cast<int>(command.span().length), TCL_EVAL_GLOBAL);
-  if (status != TCL_OK || protocol_error_ || failure_) throwWhatWentWrong(command);
+  const int status =
+      Tcl_EvalEx(interpreter_.get(), text, static_cast<int>(command.span().length), TCL_EVAL_GLOBAL);
+  if (status != TCL_OK || protocol_error_ || failure_) {
+    throwWhatWentWrong(command);
+  }
 }
 
 void Evaluation::throwWhatWentWrong(const ParsedCommand& command) const {
-  if (failure_) std::rethrow_exception(failure_);
-  if (protocol_error_) throw DiagnosedError(script_.diagnose(protocol_error_->span(), protocol_error_->what()));
+  if (failure_) {
+    std::rethrow_exception(failure_);
+  }
+  if (protocol_error_) {
+    throw DiagnosedError(script_.diagnose(protocol_error_->span(), protocol_error_->what()));
+  }
   const std::string limit = interpreter_.exceededLimit();
-  if (!limit.empty()) throw DiagnosedError(script_.diagnose(command.words().front(), limit));
+  if (!limit.empty()) {
+    throw DiagnosedError(script_.diagnose(command.words().front(), limit));
+  }
   throw DiagnosedError(script_.diagnose(command.firstSubstitution(), interpreterMessage(command)));
 }
 
@@ -148,7 +173,9 @@ std::string Evaluation::interpreterMessage(const ParsedCommand& command) const {
   std::string message = interpreter_.result();
   std::replace(message.begin(), message.end(), '\n', ' ');
   message = forTerminal(message);
-  if (message.rfind("can't read", 0) == 0) return message + "; a dollar sign inside a value asks Tcl for a variable";
+  if (message.rfind("can't read", 0) == 0) {
+    return message + "; a dollar sign inside a value asks Tcl for a variable";
+  }
   if (message.rfind("invalid command name", 0) == 0 && !command.isPlain()) {
     return message + "; a square bracket inside a value asks Tcl to run a command";
   }
@@ -156,7 +183,9 @@ std::string Evaluation::interpreterMessage(const ParsedCommand& command) const {
 }
 
 void Evaluation::take(int count, Tcl_Obj* const words[]) {
-  if (protocol_error_) throw *protocol_error_;
+  if (protocol_error_) {
+    throw *protocol_error_;
+  }
   protocol_.take(invocationOf(count, words));
 }
 
@@ -176,14 +205,17 @@ Invocation Evaluation::invocationOf(int count, Tcl_Obj* const words[]) const {
 }
 
 void Evaluation::checkIsOver() const {
-  if (protocol_.isOver()) return;
+  if (protocol_.isOver()) {
+    return;
+  }
   throw DiagnosedError({script_.file(), script_.lastLine(),
                         fmt::format("the script ends without {}", protocol_.missingCommand()), "", 0, 0});
 }
 
 }  // namespace
 
-Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits, LineObserver observer) {
+Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits,
+                      LineObserver observer) {
   const Script script(file, bytes);
   refuseHugeText(script);
   refuseDeepBrackets(script);

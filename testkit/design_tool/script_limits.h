@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_SCRIPT_LIMITS_H
+#define VESTRA_DESIGN_TOOL_SCRIPT_LIMITS_H
 
 #include <chrono>
 
@@ -13,3 +14,5 @@ struct Limits {
 };
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_SECTIONS_H
+#define VESTRA_DESIGN_TOOL_SECTIONS_H
 
 #include <vector>
 
@@ -19,8 +20,10 @@ struct MappedSection {
 /// The rule for a client's context; null where there is none.
 const Rule* ruleFor(const Section& section, const std::vector<Rule>& rules);
 
-/// One section for each rule, in the rules' order and whether it has data or not; then what no rule maps, in the
-/// report's order, so that nothing is lost. Refers to both arguments.
+/// One section for each rule, in the rules' order and whether it has data or not; then what no rule maps, in
+/// the report's order, so that nothing is lost. Refers to both arguments.
 std::vector<MappedSection> mapSections(const Report& report, const std::vector<Rule>& rules);
 
 }  // namespace vestra::design_tool
+
+#endif

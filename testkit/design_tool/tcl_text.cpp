@@ -7,9 +7,7 @@ namespace vestra::design_tool {
 namespace {
 
 /// The interpreter ends its strings with NUL, so it writes the character NUL in two bytes.
-bool isWide(char byte) {
-  return byte == '\0' || static_cast<unsigned char>(byte) >= 0x80;
-}
+bool isWide(char byte) { return byte == '\0' || static_cast<unsigned char>(byte) >= 0x80; }
 
 /// Whether a two-byte character starts with `byte` whose number is below 256.
 bool leadsNarrowCharacter(char byte) {
@@ -34,21 +32,24 @@ std::string toTclText(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size() + static_cast<std::size_t>(std::count_if(bytes.begin(), bytes.end(), isWide)));
   for (const char byte : bytes) {
-    if (isWide(byte)) appendWide(text, byte);
-    else text += byte;
+    if (isWide(byte)) {
+      appendWide(text, byte);
+    } else {
+      text += byte;
+    }
   }
   return text;
 }
 
-std::string toBytes(std::string_view tcl_text) {
+std::string toBytes(std::string_view tclText) {
   std::string bytes;
-  bytes.reserve(tcl_text.size());
-  for (std::size_t i = 0; i < tcl_text.size(); ++i) {
-    if (leadsNarrowCharacter(tcl_text[i]) && i + 1 < tcl_text.size()) {
-      bytes += narrow(tcl_text[i], tcl_text[i + 1]);
+  bytes.reserve(tclText.size());
+  for (std::size_t i = 0; i < tclText.size(); ++i) {
+    if (leadsNarrowCharacter(tclText[i]) && i + 1 < tclText.size()) {
+      bytes += narrow(tclText[i], tclText[i + 1]);
       ++i;
     } else {
-      bytes += tcl_text[i];
+      bytes += tclText[i];
     }
   }
   return bytes;

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_UTF8_H
+#define VESTRA_DESIGN_TOOL_UTF8_H
 
 #include <cstddef>
 #include <string_view>
@@ -9,13 +10,16 @@ namespace vestra::design_tool {
 struct Utf8Character {
   /// How many bytes it takes; 0 where the bytes are no UTF-8 (or there are none).
   std::size_t length = 0;
-  char32_t code_point = 0;
+  char32_t codePoint = 0;
 };
 
-/// Decodes the first character of `bytes`. Strict: overlong forms, surrogates and values above U+10FFFF are refused.
+/// Decodes the first character of `bytes`. Strict: overlong forms, surrogates and values above U+10FFFF are
+/// refused.
 Utf8Character firstCharacter(std::string_view bytes);
 
 /// Whether the whole of `bytes` is UTF-8. The empty string is.
 bool isUtf8(std::string_view bytes);
 
 }  // namespace vestra::design_tool
+
+#endif

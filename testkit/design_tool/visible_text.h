@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_VISIBLE_TEXT_H
+#define VESTRA_DESIGN_TOOL_VISIBLE_TEXT_H
 
 #include <cstddef>
 #include <string>
@@ -6,17 +7,19 @@
 
 namespace vestra::design_tool {
 
-/// Whether an XML 1.0 document can hold all of `bytes` as text and give them back: UTF-8 without the control characters
-/// that XML excludes, and without carriage returns, which it changes.
+/// Whether an XML 1.0 document can hold all of `bytes` as text and give them back: UTF-8 without the control
+/// characters that XML excludes, and without carriage returns, which it changes.
 bool isXmlText(std::string_view bytes);
 
-/// Whether a reader sees the character as it is: XML text that is no control character, line feed and tab excepted.
-bool isVisible(char32_t code_point);
+/// Whether a reader sees the character as it is: XML text that is no control character, line feed and tab
+/// excepted.
+bool isVisible(char32_t codePoint);
 
 /// The byte as people write it, `\x1b`.
 std::string nameOfByte(char byte);
 
-/// The bytes with all that isXmlText refuses written as `\xNN`, and each backslash doubled so that it can be undone.
+/// The bytes with all that isXmlText refuses written as `\xNN`, and each backslash doubled so that it can be
+/// undone.
 std::string escapedForXml(std::string_view bytes);
 
 /// The bytes for one line of a terminal: whatever is not visible, line feeds and tabs included, written as
@@ -27,3 +30,5 @@ std::string forTerminal(std::string_view bytes);
 std::string inQuotes(std::string_view bytes, std::size_t limit = 60);
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -13,7 +13,9 @@ namespace {
 
 class StringWriter : public pugi::xml_writer {
  public:
-  void write(const void* data, std::size_t size) override { text_.append(static_cast<const char*>(data), size); }
+  void write(const void* data, std::size_t size) override {
+    text_.append(static_cast<const char*>(data), size);
+  }
   std::string release() { return std::move(text_); }
 
  private:
@@ -22,23 +24,29 @@ class StringWriter : public pugi::xml_writer {
 
 void markEscaped(pugi::xml_node element, const char* part) {
   pugi::xml_attribute mark = element.attribute("escaped");
-  if (!mark) mark = element.append_attribute("escaped");
+  if (!mark) {
+    mark = element.append_attribute("escaped");
+  }
   const std::string marked = mark.value();
   mark.set_value((marked.empty() ? part : marked + " " + part).c_str());
 }
 
 void addAttribute(pugi::xml_node element, const char* name, const std::string& bytes) {
-  const bool is_text = isXmlText(bytes);
-  element.append_attribute(name).set_value(is_text ? bytes.c_str() : escapedForXml(bytes).c_str());
-  if (!is_text) markEscaped(element, name);
+  const bool isText = isXmlText(bytes);
+  element.append_attribute(name).set_value(isText ? bytes.c_str() : escapedForXml(bytes).c_str());
+  if (!isText) {
+    markEscaped(element, name);
+  }
 }
 
 void setContent(pugi::xml_node element, const std::string& bytes) {
-  const bool is_text = isXmlText(bytes);
+  const bool isText = isXmlText(bytes);
   if (!bytes.empty()) {
-    element.append_child(pugi::node_pcdata).set_value(is_text ? bytes.c_str() : escapedForXml(bytes).c_str());
+    element.append_child(pugi::node_pcdata).set_value(isText ? bytes.c_str() : escapedForXml(bytes).c_str());
   }
-  if (!is_text) markEscaped(element, "text");
+  if (!isText) {
+    markEscaped(element, "text");
+  }
 }
 
 void addItem(pugi::xml_node section, const Item& item) {
@@ -51,20 +59,26 @@ void addSection(pugi::xml_node root, const MappedSection& section) {
   pugi::xml_node element = root.append_child("section");
   addAttribute(element, "client", section.client);
   addAttribute(element, "context", section.context);
-  if (section.rule != nullptr) addAttribute(element, "name", section.rule->xml_map);
-  for (const Item* item : section.items) addItem(element, *item);
+  if (section.rule != nullptr) {
+    addAttribute(element, "name", section.rule->xmlMap);
+  }
+  for (const Item* item : section.items) {
+    addItem(element, *item);
+  }
 }
 
 void addRoot(pugi::xml_document& document, const Report& report, const std::vector<Rule>& rules) {
   pugi::xml_node root = document.append_child("usage_statistics");
-  addAttribute(root, "client_id", fmt::format("{}", report.transmission.client_id));
-  addAttribute(root, "registration_id", report.transmission.registration_id);
-  addAttribute(root, "vestra_dir", report.vestra_dir);
+  addAttribute(root, "client_id", fmt::format("{}", report.transmission.clientId));
+  addAttribute(root, "registration_id", report.transmission.registrationId);
+  addAttribute(root, "vestra_dir", report.vestraDir);
   setContent(root.append_child("intro"), report.transmission.intro);
   for (const Registration& registration : report.registrations) {
     addAttribute(root.append_child("client"), "name", registration.client);
   }
-  for (const MappedSection& section : mapSections(report, rules)) addSection(root, section);
+  for (const MappedSection& section : mapSections(report, rules)) {
+    addSection(root, section);
+  }
 }
 
 void addDeclaration(pugi::xml_document& document) {

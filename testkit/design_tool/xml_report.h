@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_DESIGN_TOOL_XML_REPORT_H
+#define VESTRA_DESIGN_TOOL_XML_REPORT_H
 
 #include <string>
 #include <vector>
@@ -19,9 +20,12 @@ namespace vestra::design_tool {
 ///       <section client="NAME" context="CONTEXT">              data that no rule maps has no name
 ///     </usage_statistics>
 ///
-/// Well-formed whatever the texts hold. A text with bytes that XML can't hold (most control characters, anything that is
-/// no UTF-8) is written with each such byte as `\xNN` and each backslash doubled, and an attribute `escaped` on the
-/// element names what is written so: its attributes by name, its content as `text`.
+/// Well-formed whatever the texts hold. A text with bytes that XML can't hold (most control characters,
+/// anything that is no UTF-8) is written with each such byte as `\xNN` and each backslash doubled, and an
+/// attribute `escaped` on the element names what is written so: its attributes by name, its content as
+/// `text`.
 std::string renderXml(const Report& report, const std::vector<Rule>& rules);
 
 }  // namespace vestra::design_tool
+
+#endif

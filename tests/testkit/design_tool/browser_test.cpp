@@ -11,9 +11,15 @@ namespace {
 
 using testing::HasSubstr;
 
-const std::vector<std::string> CHROMIUM{"chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic",
-                                        "--no-first-run", "--disable-background-networking",
-                                        "--disable-component-update", "--disable-sync"};
+const std::vector<std::string> CHROMIUM{"chromium",
+                                        "--headless",
+                                        "--no-sandbox",
+                                        "--disable-gpu",
+                                        "--disable-quic",
+                                        "--no-first-run",
+                                        "--disable-background-networking",
+                                        "--disable-component-update",
+                                        "--disable-sync"};
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
   for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
@@ -22,9 +28,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-std::string withoutLineBreakHints(const std::string& html) {
-  return replaced(html, "<wbr>", "");
-}
+std::string withoutLineBreakHints(const std::string& html) { return replaced(html, "<wbr>", ""); }
 
 std::string mainPartOf(const std::string& html) {
   const std::size_t begin = html.find("<main>");
@@ -35,7 +39,8 @@ std::string mainPartOf(const std::string& html) {
 class Browser : public testing::TestWithParam<std::string> {
  protected:
   void SetUp() override {
-    if (!isInstalled("chromium")) GTEST_SKIP() << "chromium (Debian package chromium) is not installed";
+    if (!isInstalled("chromium"))
+      GTEST_SKIP() << "chromium (Debian package chromium) is not installed";
     vestra_test::writeFile(page_, golden("usage_statistics_ext_" + GetParam() + ".html"));
   }
 
@@ -59,14 +64,17 @@ TEST_P(Browser, ShowsTheTextsOfTheReport) {
   const std::string product = GetParam() == "kelvo" ? "KELVO" : "TAVLO";
   EXPECT_THAT(dom, HasSubstr("<title>" + product + " Usage Report</title>"));
   EXPECT_THAT(dom, HasSubstr("<h1>" + product + " Usage Report</h1>"));
-  EXPECT_THAT(dom, HasSubstr("<dt class=\"key\">target_speed</dt><dd class=\"value\"><span class=\"absent\">not applicable</span></dd>"));
+  EXPECT_THAT(dom, HasSubstr("<dt class=\"key\">target_speed</dt><dd class=\"value\"><span "
+                             "class=\"absent\">not applicable</span></dd>"));
   EXPECT_THAT(dom, HasSubstr("<h2>User environment</h2>"));
   if (GetParam() == "kelvo") {
     EXPECT_THAT(dom, HasSubstr("<th scope=\"row\" class=\"key\">runs</th><td class=\"value\">2</td>"));
   } else {
     EXPECT_THAT(dom, HasSubstr("first line\n  second line, &lt;b&gt;indented&lt;/b&gt; &amp; 'quoted'</td>"));
-    EXPECT_THAT(dom, HasSubstr("stray <span class=\"byte\">\\xff</span><span class=\"byte\">\\xfe</span> return"));
-    EXPECT_THAT(dom, HasSubstr("caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\x88 \xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D</td>"));
+    EXPECT_THAT(dom,
+                HasSubstr("stray <span class=\"byte\">\\xff</span><span class=\"byte\">\\xfe</span> return"));
+    EXPECT_THAT(dom,
+                HasSubstr("caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\x88 \xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D</td>"));
   }
 }
 

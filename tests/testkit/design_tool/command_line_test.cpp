@@ -5,8 +5,8 @@
 namespace vestra::design_tool {
 namespace {
 
-RunRequest runRequest(const std::vector<std::string>& arguments, const char* default_outbox = nullptr) {
-  const Request request = readCommandLine(arguments, default_outbox);
+RunRequest runRequest(const std::vector<std::string>& arguments, const char* defaultOutbox = nullptr) {
+  const Request request = readCommandLine(arguments, defaultOutbox);
   EXPECT_TRUE(std::holds_alternative<RunRequest>(request));
   const RunRequest* const run = std::get_if<RunRequest>(&request);
   return run == nullptr ? RunRequest{} : *run;
@@ -19,7 +19,8 @@ std::string errorFor(const std::vector<std::string>& arguments) {
 }
 
 TEST(CommandLine, TheRealToolsWordsAreUnderstood) {
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "/p/vestra/s.tcl", "-notrace"}).source, "/p/vestra/s.tcl");
+  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "/p/vestra/s.tcl", "-notrace"}).source,
+            "/p/vestra/s.tcl");
 }
 
 TEST(CommandLine, TheOrderIsFreeAndNotraceMayBeLeftOut) {
@@ -48,7 +49,8 @@ TEST(CommandLine, WhatIsWrongIsNamed) {
   EXPECT_EQ(errorFor({"-mode", "gui", "-source", "s"}), "there is no mode \"gui\", only \"batch\"");
   EXPECT_EQ(errorFor({"-mode", "batch", "-source"}), "-source needs a value");
   EXPECT_EQ(errorFor({"-mode", "batch", "-mode", "batch", "-source", "s"}), "-mode is given twice");
-  EXPECT_EQ(errorFor({"-mode", "batch", "-source", "/home/u/my", "project/s.tcl"}), "unexpected argument \"project/s.tcl\"");
+  EXPECT_EQ(errorFor({"-mode", "batch", "-source", "/home/u/my", "project/s.tcl"}),
+            "unexpected argument \"project/s.tcl\"");
 }
 
 TEST(CommandLine, AUsageErrorShowsTheUsage) {

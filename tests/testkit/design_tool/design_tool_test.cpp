@@ -47,8 +47,8 @@ TEST_F(DesignTool, WritesBothReportsAndSaysSo) {
   EXPECT_EQ(readFile(html_), goldenIn(directory_.path(), "usage_statistics_ext_kelvo.html"));
   EXPECT_EQ(out_.str(), "vestra-design-tool: read 26 items from " + script_ + "\n" +
                             "vestra-design-tool: read 4 rules from " + wdm_ + "\n" +
-                            "vestra-design-tool: wrote " + xml_ + "\n" +
-                            "vestra-design-tool: wrote " + html_ + "\n" +
+                            "vestra-design-tool: wrote " + xml_ + "\n" + "vestra-design-tool: wrote " +
+                            html_ + "\n" +
                             "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
   EXPECT_EQ(err_.str(), "");
 }
@@ -56,8 +56,9 @@ TEST_F(DesignTool, WritesBothReportsAndSaysSo) {
 TEST_F(DesignTool, KeepsACopyInTheOutbox) {
   EXPECT_EQ(start(directory_ / "outbox"), 0);
   const std::string folder = directory_ / "outbox/0001-kelvo";
-  EXPECT_THAT(namesIn(folder), ElementsAre("kelvo_vestra.tcl", "report.json", "usage_statistics_ext_kelvo.html",
-                                           "usage_statistics_ext_kelvo.wdm", "usage_statistics_ext_kelvo.xml"));
+  EXPECT_THAT(namesIn(folder),
+              ElementsAre("kelvo_vestra.tcl", "report.json", "usage_statistics_ext_kelvo.html",
+                          "usage_statistics_ext_kelvo.wdm", "usage_statistics_ext_kelvo.xml"));
   EXPECT_EQ(readFile(folder + "/kelvo_vestra.tcl"), readFile(script_));
   EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.wdm"), readFile(wdm_));
   EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.xml"), readFile(xml_));
@@ -70,10 +71,12 @@ TEST_F(DesignTool, WarnsAndGoesOn) {
   script.insert(script.find("vestra_transmit"), addData("tavlo", "k", "C:\\temp", "tavlo\\\\usage"));
   writeFile(script_, script);
   EXPECT_EQ(start(directory_ / "outbox"), 0);
-  EXPECT_EQ(err_.str(), script_ + ":30: warning: Tcl has changed the value: \"C:\\temp\" became \"C:\\x09emp\"\n" +
-                            script_ + ":30: warning: client \"tavlo\" has data but was never registered\n" +
-                            script_ + ":30: warning: context \"tavlo\\usage\" of client \"tavlo\" has no rule\n");
-  EXPECT_THAT(readFile(directory_ / "outbox/0001-kelvo/report.json"), HasSubstr(script_ + ":30: warning: client \\\"tavlo\\\" has data"));
+  EXPECT_EQ(err_.str(),
+            script_ + ":30: warning: Tcl has changed the value: \"C:\\temp\" became \"C:\\x09emp\"\n" +
+                script_ + ":30: warning: client \"tavlo\" has data but was never registered\n" + script_ +
+                ":30: warning: context \"tavlo\\usage\" of client \"tavlo\" has no rule\n");
+  EXPECT_THAT(readFile(directory_ / "outbox/0001-kelvo/report.json"),
+              HasSubstr(script_ + ":30: warning: client \\\"tavlo\\\" has data"));
 }
 
 TEST_F(DesignTool, WritesNothingWhenTheScriptIsWrong) {
@@ -82,7 +85,8 @@ TEST_F(DesignTool, WritesNothingWhenTheScriptIsWrong) {
   EXPECT_EQ(out_.str(), "");
   EXPECT_THAT(err_.str(), StartsWith(script_ + ":1: vestra_terminate comes before vestra_init\n"));
   EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory_ / "vestra"), ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  EXPECT_THAT(namesIn(directory_ / "vestra"),
+              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
 TEST_F(DesignTool, WritesNothingWhenTheRulesAreWrong) {
@@ -92,7 +96,8 @@ TEST_F(DesignTool, WritesNothingWhenTheRulesAreWrong) {
                             "    clients = 1\n"
                             "    ^\n");
   EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory_ / "vestra"), ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  EXPECT_THAT(namesIn(directory_ / "vestra"),
+              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
 TEST_F(DesignTool, WritesNothingWhenOneReportCantBeWritten) {
@@ -102,14 +107,16 @@ TEST_F(DesignTool, WritesNothingWhenOneReportCantBeWritten) {
   EXPECT_EQ(start(directory_ / "outbox"), 1);
   EXPECT_EQ(err_.str(), directory_ / "none/page.html: can't be written: No such file or directory\n");
   EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory_ / "vestra"), ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  EXPECT_THAT(namesIn(directory_ / "vestra"),
+              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
 TEST_F(DesignTool, WritesNoReportWhenTheOutboxCantBeWritten) {
   writeFile(directory_ / "outbox", "a file");
   EXPECT_EQ(start(directory_ / "outbox"), 1);
   EXPECT_THAT(err_.str(), StartsWith(directory_ / "outbox: the outbox can't be made: "));
-  EXPECT_THAT(namesIn(directory_ / "vestra"), ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  EXPECT_THAT(namesIn(directory_ / "vestra"),
+              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
 TEST_F(DesignTool, AMissingScriptOrRulesFileIsNamed) {

@@ -33,8 +33,9 @@ TEST(Diagnostic, TheMarkerCountsCharactersAsTheyAreShown) {
 TEST(Diagnostic, ALongLineIsShownAroundTheMarker) {
   EXPECT_EQ(format({"s", 1, "m", std::string(100, 'a') + "HERE" + std::string(100, 'b'), 100, 4}),
             "s:1: m\n"
-            "    ..." + std::string(60, 'a') + "HERE" + std::string(56, 'b') + "...\n" +
-            "    " + std::string(63, ' ') + "^~~~\n");
+            "    ..." +
+                std::string(60, 'a') + "HERE" + std::string(56, 'b') + "...\n" + "    " +
+                std::string(63, ' ') + "^~~~\n");
 }
 
 TEST(Diagnostic, AMarkerBeyondTheLineStandsAtItsEnd) {

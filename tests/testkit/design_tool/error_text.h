@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_TESTS_DESIGN_TOOL_ERROR_TEXT_H
+#define VESTRA_TESTS_DESIGN_TOOL_ERROR_TEXT_H
 
 #include <string>
 
@@ -18,3 +19,5 @@ inline std::string errorOf(const std::string& script, const Limits& limits = {})
 }
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -35,7 +35,8 @@ class Executable : public testing::Test {
     writeFile(directory_ / "vestra/usage_statistics_ext_kelvo.wdm", golden("usage_statistics_ext_kelvo.wdm"));
   }
 
-  Outcome start(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {}) const {
+  Outcome start(const std::vector<std::string>& arguments,
+                const std::vector<std::string>& environment = {}) const {
     std::vector<std::string> words{VESTRA_DESIGN_TOOL};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return run(words, environment, directory_.path());
@@ -53,32 +54,40 @@ TEST_F(Executable, RunsAsTheRealOneIsStarted) {
   const Outcome outcome = start({"-mode", "batch", "-source", "vestra/s.tcl", "-notrace"});
   EXPECT_EQ(outcome.status, 0);
   const std::string vestra = directory_ / "vestra/usage_statistics_ext_kelvo";
-  EXPECT_EQ(outcome.out, "vestra-design-tool: read 26 items from vestra/s.tcl\n"
-                         "vestra-design-tool: read 4 rules from " + vestra + ".wdm\n" +
-                         "vestra-design-tool: wrote " + vestra + ".xml\n" +
-                         "vestra-design-tool: wrote " + vestra + ".html\n" +
-                         "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
+  EXPECT_EQ(outcome.out,
+            "vestra-design-tool: read 26 items from vestra/s.tcl\n"
+            "vestra-design-tool: read 4 rules from " +
+                vestra + ".wdm\n" + "vestra-design-tool: wrote " + vestra + ".xml\n" +
+                "vestra-design-tool: wrote " + vestra + ".html\n" +
+                "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
   EXPECT_EQ(outcome.err, "");
 }
 
 TEST_F(Executable, PathsInTheScriptAreAgainstTheWorkingDirectory) {
   writeFile(directory_ / "r.wdm", "version = \"1.0\"; clients = ();");
-  const Outcome outcome = startOn("vestra_init -vestra_dir .\n"
-                                  "vestra_transmit -clientid 1 -regid R -xml r.xml -html r.html -wdm r.wdm -intro I\n"
-                                  "vestra_terminate\n");
+  const Outcome outcome = startOn(
+      "vestra_init -vestra_dir .\n"
+      "vestra_transmit -clientid 1 -regid R -xml r.xml -html r.html -wdm r.wdm -intro I\n"
+      "vestra_terminate\n");
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(outcome.out, "vestra-design-tool: read 0 items from vestra/s.tcl\n"
-                         "vestra-design-tool: read 0 rules from r.wdm\n"
-                         "vestra-design-tool: wrote r.xml\n"
-                         "vestra-design-tool: wrote r.html\n"
-                         "vestra-design-tool: report 1 is complete; nothing was transmitted\n");
+  EXPECT_EQ(outcome.out,
+            "vestra-design-tool: read 0 items from vestra/s.tcl\n"
+            "vestra-design-tool: read 0 rules from r.wdm\n"
+            "vestra-design-tool: wrote r.xml\n"
+            "vestra-design-tool: wrote r.html\n"
+            "vestra-design-tool: report 1 is complete; nothing was transmitted\n");
   EXPECT_THAT(namesIn(directory_.path()), ElementsAre("r.html", "r.wdm", "r.xml", "vestra"));
 }
 
 TEST_F(Executable, TheOutboxIsTakenFromTheCommandLineOrTheEnvironment) {
-  EXPECT_EQ(start({"-mode", "batch", "-source", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory_ / "a")}).status, 0);
+  EXPECT_EQ(
+      start({"-mode", "batch", "-source", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory_ / "a")}).status,
+      0);
   EXPECT_THAT(namesIn(directory_ / "a"), ElementsAre("0001-kelvo"));
-  EXPECT_EQ(start({"-mode", "batch", "-source", "vestra/s.tcl", "--outbox", "b"}, {"VESTRA_OUTBOX=" + (directory_ / "a")}).status, 0);
+  EXPECT_EQ(start({"-mode", "batch", "-source", "vestra/s.tcl", "--outbox", "b"},
+                  {"VESTRA_OUTBOX=" + (directory_ / "a")})
+                .status,
+            0);
   EXPECT_THAT(namesIn(directory_ / "a"), ElementsAre("0001-kelvo"));
   EXPECT_THAT(namesIn(directory_ / "b"), ElementsAre("0001-kelvo"));
 }
@@ -86,7 +95,8 @@ TEST_F(Executable, TheOutboxIsTakenFromTheCommandLineOrTheEnvironment) {
 TEST_F(Executable, EveryByteReachesTheRecord) {
   std::string bytes;
   for (int value = 0; value < 256; ++value) {
-    if (std::string("\"\\$[").find(static_cast<char>(value)) == std::string::npos) bytes += static_cast<char>(value);
+    if (std::string("\"\\$[").find(static_cast<char>(value)) == std::string::npos)
+      bytes += static_cast<char>(value);
   }
   std::string script = readFile(directory_ / "vestra/s.tcl");
   script.insert(script.find("vestra_transmit"), addData("kelvo", "bytes", bytes, "kelvo\\\\usage"));
@@ -107,7 +117,8 @@ TEST_F(Executable, EveryByteReachesTheRecord) {
 TEST_F(Executable, HelpAndVersionAreAnswered) {
   const Outcome help = start({"--help"});
   EXPECT_EQ(help.status, 0);
-  EXPECT_THAT(help.out, StartsWith("Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"));
+  EXPECT_THAT(help.out,
+              StartsWith("Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"));
   EXPECT_EQ(help.err, "");
   const Outcome version = start({"--version"});
   EXPECT_EQ(version.status, 0);
@@ -118,45 +129,54 @@ TEST_F(Executable, AWrongCommandLineIsAUsageError) {
   const Outcome outcome = start({"-mode", "batch"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "vestra-design-tool: -source is missing\n"
-                         "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
-                         "Try --help.\n");
+  EXPECT_EQ(outcome.err,
+            "vestra-design-tool: -source is missing\n"
+            "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
+            "Try --help.\n");
 }
 
 TEST_F(Executable, AnErrorInTheScriptIsStatusOne) {
   const Outcome outcome = startOn("vestra_init -vestra_dir /p\nexec touch hacked\n");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "vestra/s.tcl:2: invalid command name \"exec\"\n"
-                         "    exec touch hacked\n"
-                         "    ^~~~\n");
+  EXPECT_EQ(outcome.err,
+            "vestra/s.tcl:2: invalid command name \"exec\"\n"
+            "    exec touch hacked\n"
+            "    ^~~~\n");
   EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
 }
 
 TEST_F(Executable, AnInterpreterThatDiesIsReportedWithItsLine) {
-  if (IS_SANITIZED) GTEST_SKIP() << "the sanitizer reports an exhausted stack before the system does";
-  const Outcome outcome = startOn("set x {}\nset i 0\n"
-                                  "while {$i < 1000000} {set x [list $x]; incr i}\n"
-                                  "string length $x\n");
+  if (IS_SANITIZED)
+    GTEST_SKIP() << "the sanitizer reports an exhausted stack before the system does";
+  const Outcome outcome = startOn(
+      "set x {}\nset i 0\n"
+      "while {$i < 1000000} {set x [list $x]; incr i}\n"
+      "string length $x\n");
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.err, "vestra/s.tcl:4: the script has brought the interpreter down (Segmentation fault)\n");
+  EXPECT_EQ(outcome.err,
+            "vestra/s.tcl:4: the script has brought the interpreter down (Segmentation fault)\n");
 }
 
 TEST_F(Executable, ATextThatOutgrowsTheInterpreterIsReportedWithItsLine) {
-  if (IS_SANITIZED) GTEST_SKIP() << "takes gigabytes under the sanitizer";
+  if (IS_SANITIZED)
+    GTEST_SKIP() << "takes gigabytes under the sanitizer";
   const Outcome outcome = startOn("set x ab\nwhile 1 {append x $x}\n");
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.err, EndsWith("vestra/s.tcl:2: the script has brought the interpreter down (Aborted)\n"));
+  EXPECT_THAT(outcome.err,
+              EndsWith("vestra/s.tcl:2: the script has brought the interpreter down (Aborted)\n"));
 }
 
 TEST_F(Executable, ALargeReportPasses) {
   constexpr int ITEMS = IS_SANITIZED ? 20'000 : 200'000;
   std::string script = goldenIn(directory_.path(), "kelvo_vestra.tcl");
   std::string lines;
-  for (int i = 0; i < ITEMS; ++i) lines += addData("kelvo", "k" + std::to_string(i), "value", "kelvo\\\\usage");
+  for (int i = 0; i < ITEMS; ++i)
+    lines += addData("kelvo", "k" + std::to_string(i), "value", "kelvo\\\\usage");
   const Outcome outcome = startOn(script.insert(script.find("vestra_transmit"), lines));
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, StartsWith("vestra-design-tool: read " + std::to_string(ITEMS + 26) + " items from "));
+  EXPECT_THAT(outcome.out,
+              StartsWith("vestra-design-tool: read " + std::to_string(ITEMS + 26) + " items from "));
   EXPECT_THAT(outcome.err, IsEmpty());
 }
 

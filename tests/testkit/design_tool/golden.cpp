@@ -11,7 +11,8 @@ std::string golden(const std::string& name) {
 std::string goldenIn(const std::string& directory, const std::string& name) {
   const std::string original = "/home/u/demo";
   std::string text = golden(name);
-  for (std::size_t at = text.find(original); at != std::string::npos; at = text.find(original, at + directory.size())) {
+  for (std::size_t at = text.find(original); at != std::string::npos;
+       at = text.find(original, at + directory.size())) {
     text.replace(at, original.size(), directory);
   }
   return text;

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_TESTS_DESIGN_TOOL_GOLDEN_H
+#define VESTRA_TESTS_DESIGN_TOOL_GOLDEN_H
 
 #include <string>
 
@@ -11,3 +12,5 @@ std::string golden(const std::string& name);
 std::string goldenIn(const std::string& directory, const std::string& name);
 
 }  // namespace vestra::design_tool
+
+#endif

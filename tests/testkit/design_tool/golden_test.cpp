@@ -11,7 +11,9 @@ namespace {
 
 class BothReports : public testing::TestWithParam<std::string> {
  protected:
-  std::string page(const std::string& extension) const { return "usage_statistics_ext_" + GetParam() + extension; }
+  std::string page(const std::string& extension) const {
+    return "usage_statistics_ext_" + GetParam() + extension;
+  }
 
   const Report report_ = evaluateScript("s.tcl", golden(GetParam() + "_vestra.tcl"));
   const std::vector<Rule> rules_ = parseRules("r.wdm", golden(page(".wdm")));

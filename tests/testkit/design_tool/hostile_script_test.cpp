@@ -18,15 +18,17 @@ TEST_P(OutOfReach, IsNoCommandHere) {
 
 INSTANTIATE_TEST_SUITE_P(
     Commands, OutOfReach,
-    testing::Values("exec ls", "open /etc/passwd", "file exists /", "socket localhost 80", "exit 7", "source /etc/profile",
-                    "load /lib/x.so", "unload x", "interp create", "after 100000", "vwait forever", "update",
-                    "package require http", "encoding system", "glob *", "cd /", "pwd", "pid", "puts hello", "gets stdin",
-                    "read stdin", "close stdout", "chan names", "fconfigure stdout", "flush stdout", "fileevent stdin r",
-                    "rename set put", "namespace eval a b", "info commands", "trace add x", "coroutine c list", "yield",
-                    "yieldto list", "apply x", "time x", "clock seconds", "regexp a b", "regsub a b c", "switch a b",
-                    "zlib crc32 a", "oo::class create A", "unknown x", "auto_load x", "memory info", "history",
-                    "::tcl::namespace::eval a b", "::tcl::info::commands", "::tcl::file::exists /",
-                    "::tcl::unsupported::assemble x", "::tcl::clock::seconds", "::oo::class create A", "::exec ls"));
+    testing::Values("exec ls", "open /etc/passwd", "file exists /", "socket localhost 80", "exit 7",
+                    "source /etc/profile", "load /lib/x.so", "unload x", "interp create", "after 100000",
+                    "vwait forever", "update", "package require http", "encoding system", "glob *", "cd /",
+                    "pwd", "pid", "puts hello", "gets stdin", "read stdin", "close stdout", "chan names",
+                    "fconfigure stdout", "flush stdout", "fileevent stdin r", "rename set put",
+                    "namespace eval a b", "info commands", "trace add x", "coroutine c list", "yield",
+                    "yieldto list", "apply x", "time x", "clock seconds", "regexp a b", "regsub a b c",
+                    "switch a b", "zlib crc32 a", "oo::class create A", "unknown x", "auto_load x",
+                    "memory info", "history", "::tcl::namespace::eval a b", "::tcl::info::commands",
+                    "::tcl::file::exists /", "::tcl::unsupported::assemble x", "::tcl::clock::seconds",
+                    "::oo::class create A", "::exec ls"));
 
 TEST(HostileScript, AnInvokedHiddenCommandStaysHidden) {
   EXPECT_EQ(errorOf("catch {exec touch /tmp/x} message\nerror $message\n"),
@@ -88,19 +90,23 @@ TEST(HostileScript, EndlessRecursionIsStopped) {
 TEST(HostileScript, DeepBracketsAreRefused) {
   EXPECT_EQ(errorOf("set a 1\nset b " + std::string(100'000, '[') + "\n"),
             "s.tcl:2: square brackets are nested more than 1000 deep\n"
-            "    ..." + std::string(120, '[') + "...\n" +
-            "    " + std::string(63, ' ') + "^\n");
+            "    ..." +
+                std::string(120, '[') + "...\n" + "    " + std::string(63, ' ') + "^\n");
 }
 
 TEST(HostileScript, EscapedAndBalancedBracketsAreFine) {
   std::string lines;
-  for (int i = 0; i < 1500; ++i) lines += "set a \\[\nset b [set a]\n";
+  for (int i = 0; i < 1500; ++i)
+    lines += "set a \\[\nset b [set a]\n";
   EXPECT_EQ(errorOf(scriptAround(lines)), "no error");
 }
 
 TEST(HostileScript, DeepParenthesesAndBracesAreRefused) {
-  EXPECT_NE(errorOf("expr " + std::string(1'000'000, '(') + "\n").find("s.tcl:1: unbalanced open paren in expression"), std::string::npos);
-  EXPECT_NE(errorOf(std::string(1'000'000, '{') + "\n").find("s.tcl:1: missing close-brace"), std::string::npos);
+  EXPECT_NE(errorOf("expr " + std::string(1'000'000, '(') + "\n")
+                .find("s.tcl:1: unbalanced open paren in expression"),
+            std::string::npos);
+  EXPECT_NE(errorOf(std::string(1'000'000, '{') + "\n").find("s.tcl:1: missing close-brace"),
+            std::string::npos);
 }
 
 TEST(HostileScript, ATextLargerThanTheInterpreterHoldsIsRefused) {

@@ -20,25 +20,30 @@ std::string pageWith(const std::vector<Item>& items, const std::vector<Rule>& ru
 }
 
 TEST(HtmlPage, StatisticsAreATable) {
-  EXPECT_THAT(pageWith({{0, "total_runs", "two", 3}}, {USAGE}),
-              HasSubstr("<h2>Usage figures</h2><span class=\"chip\">kelvo</span><span class=\"count\">1 item</span></div>\n"
-                        "<table class=\"statistics\">\n"
-                        "<thead><tr><th scope=\"col\">Key</th><th scope=\"col\">Value</th></tr></thead>\n"
-                        "<tbody>\n"
-                        "<tr><th scope=\"row\" class=\"key\">total_<wbr>runs</th><td class=\"value\">two</td></tr>\n"
-                        "</tbody>\n"
-                        "</table>\n"));
+  EXPECT_THAT(
+      pageWith({{0, "total_runs", "two", 3}}, {USAGE}),
+      HasSubstr(
+          "<h2>Usage figures</h2><span class=\"chip\">kelvo</span><span class=\"count\">1 item</span></div>\n"
+          "<table class=\"statistics\">\n"
+          "<thead><tr><th scope=\"col\">Key</th><th scope=\"col\">Value</th></tr></thead>\n"
+          "<tbody>\n"
+          "<tr><th scope=\"row\" class=\"key\">total_<wbr>runs</th><td class=\"value\">two</td></tr>\n"
+          "</tbody>\n"
+          "</table>\n"));
 }
 
 TEST(HtmlPage, ATableOfNumbersAlignsThem) {
-  EXPECT_THAT(pageWith({{0, "a", "-12", 3}, {0, "b", "1,234.5", 4}}, {USAGE}), HasSubstr("<table class=\"statistics figures\">"));
-  EXPECT_THAT(pageWith({{0, "a", "-12", 3}, {0, "b", "-", 4}}, {USAGE}), HasSubstr("<table class=\"statistics\">"));
+  EXPECT_THAT(pageWith({{0, "a", "-12", 3}, {0, "b", "1,234.5", 4}}, {USAGE}),
+              HasSubstr("<table class=\"statistics figures\">"));
+  EXPECT_THAT(pageWith({{0, "a", "-12", 3}, {0, "b", "-", 4}}, {USAGE}),
+              HasSubstr("<table class=\"statistics\">"));
   EXPECT_THAT(pageWith({{0, "a", "", 3}}, {USAGE}), HasSubstr("<table class=\"statistics\">"));
 }
 
 TEST(HtmlPage, TheEnvironmentIsAListOfFacts) {
   EXPECT_THAT(pageWith({{0, "os", "Linux", 3}}, {ENVIRONMENT}),
-              HasSubstr("<h2>User environment</h2><span class=\"chip\">kelvo</span><span class=\"count\">1 item</span></div>\n"
+              HasSubstr("<h2>User environment</h2><span class=\"chip\">kelvo</span><span class=\"count\">1 "
+                        "item</span></div>\n"
                         "<dl class=\"environment\">\n"
                         "<div><dt class=\"key\">os</dt><dd class=\"value\">Linux</dd></div>\n"
                         "</dl>\n"));
@@ -50,13 +55,14 @@ TEST(HtmlPage, ARuleWithoutDataSaysSo) {
 
 TEST(HtmlPage, DataWithoutARuleIsShownAndMarked) {
   EXPECT_THAT(pageWith({{0, "a", "b", 3}}, {}),
-              HasSubstr("<h2>Usage</h2><span class=\"chip\">kelvo</span><span class=\"test\"><span class=\"chip\">no rule</span></span>"));
+              HasSubstr("<h2>Usage</h2><span class=\"chip\">kelvo</span><span class=\"test\"><span "
+                        "class=\"chip\">no rule</span></span>"));
 }
 
 TEST(HtmlPage, NothingFromTheReportBecomesMarkup) {
   const std::string evil = "</td></style><script>alert(1)</script>";
   Report report;
-  report.vestra_dir = report.transmission.intro = report.transmission.registration_id = evil;
+  report.vestraDir = report.transmission.intro = report.transmission.registrationId = evil;
   report.sections = {{evil, evil}, {"project", "p"}};
   report.items = {{0, evil, evil, 3}, {1, "project_id", evil, 4}, {1, "random_id", evil, 5}};
   for (const HtmlStyle style : {HtmlStyle::Statistics, HtmlStyle::UserEnvironment}) {
@@ -76,9 +82,9 @@ TEST(HtmlPage, ThePageNeedsNothingBesides) {
 
 TEST(HtmlPage, ATestReportIsMarkedAsOne) {
   Report report;
-  report.transmission.registration_id = "VESTRA_TEST_KELVO_1";
+  report.transmission.registrationId = "VESTRA_TEST_KELVO_1";
   EXPECT_THAT(renderHtml(report, {}), HasSubstr("Test report from inside the maker's network"));
-  report.transmission.registration_id = "1";
+  report.transmission.registrationId = "1";
   EXPECT_THAT(renderHtml(report, {}), Not(HasSubstr("Test report")));
 }
 

@@ -12,9 +12,7 @@ TEST(Intro, TheLibrarysOwnIsAHeading) {
   EXPECT_EQ(titleOf("<H3>KELVO Usage Report</H3><BR>"), "KELVO Usage Report");
 }
 
-TEST(Intro, TagsAreReadInEitherCase) {
-  EXPECT_EQ(renderIntro("<h3>a</H3><bR>b"), "<h1>a</h1><br>b");
-}
+TEST(Intro, TagsAreReadInEitherCase) { EXPECT_EQ(renderIntro("<h3>a</H3><bR>b"), "<h1>a</h1><br>b"); }
 
 TEST(Intro, EverythingElseIsShownAsItIsSpelled) {
   EXPECT_EQ(renderIntro("<script>alert('x')</script><H3 onclick=\"y\">&amp;"),
@@ -34,8 +32,9 @@ TEST(Intro, WithoutWordsThePageStillHasATitle) {
 
 TEST(HtmlText, MarkupIsEscapedAndWhatCantBeSeenIsNamed) {
   EXPECT_EQ(escapedForHtml("<a b='c' d=\"e\">&\n\t"), "&lt;a b=&#39;c&#39; d=&quot;e&quot;&gt;&amp;\n\t");
-  EXPECT_EQ(escapedForHtml("\r\x7F\xFF"), "<span class=\"byte\">\\x0d</span><span class=\"byte\">\\x7f</span>"
-                                          "<span class=\"byte\">\\xff</span>");
+  EXPECT_EQ(escapedForHtml("\r\x7F\xFF"),
+            "<span class=\"byte\">\\x0d</span><span class=\"byte\">\\x7f</span>"
+            "<span class=\"byte\">\\xff</span>");
 }
 
 }  // namespace

@@ -12,16 +12,16 @@ namespace {
 using Texts = std::tuple<std::string, std::string>;
 
 rc::Gen<char> byteBut(const std::string& hazards) {
-  return rc::gen::suchThat(rc::gen::map(rc::gen::inRange(0, 256), [](int value) { return static_cast<char>(value); }),
-                           [=](char byte) { return hazards.find(byte) == std::string::npos; });
+  return rc::gen::suchThat(
+      rc::gen::map(rc::gen::inRange(0, 256), [](int value) { return static_cast<char>(value); }),
+      [=](char byte) { return hazards.find(byte) == std::string::npos; });
 }
 
 /// Values stand between double quotes: only what the interpreter reads there is a hazard.
-rc::Gen<std::string> values() {
-  return rc::gen::container<std::string>(byteBut("\"\\$["));
-}
+rc::Gen<std::string> values() { return rc::gen::container<std::string>(byteBut("\"\\$[")); }
 
-/// Keys stand bare: white space and what ends a command part them, and what opens quotes or braces changes them.
+/// Keys stand bare: white space and what ends a command part them, and what opens quotes or braces changes
+/// them.
 rc::Gen<std::string> keys() {
   return rc::gen::nonEmpty(rc::gen::container<std::string>(byteBut("\"\\$[{}; \t\n\v\f\r")));
 }
@@ -29,7 +29,8 @@ rc::Gen<std::string> keys() {
 RC_GTEST_PROP(ItemRoundTrip, ItemsWithoutHazardsComeOutAsTheyWentIn, ()) {
   const auto items = *rc::gen::container<std::vector<Texts>>(rc::gen::tuple(keys(), values()));
   std::string lines;
-  for (const auto& [key, value] : items) lines += addData("kelvo", key, value, "kelvo\\\\usage");
+  for (const auto& [key, value] : items)
+    lines += addData("kelvo", key, value, "kelvo\\\\usage");
   const Report report = evaluateScript("s.tcl", scriptAround(lines));
   RC_ASSERT(report.items.size() == items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {

@@ -21,7 +21,8 @@ using vestra_test::readFile;
 TEST(Outbox, EachReportHasAFolderThatCountsUp) {
   const vestra_test::TemporaryDirectory directory;
   const Outbox outbox(directory / "deep/outbox");
-  EXPECT_EQ(outbox.keep("kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}}), directory / "deep/outbox/0001-kelvo");
+  EXPECT_EQ(outbox.keep("kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}}),
+            directory / "deep/outbox/0001-kelvo");
   EXPECT_EQ(outbox.keep("tavlo", {{"a", "2"}}), directory / "deep/outbox/0002-tavlo");
   EXPECT_THAT(namesIn(directory / "deep/outbox"), ElementsAre("0001-kelvo", "0002-tavlo"));
   EXPECT_EQ(readFile(directory / "deep/outbox/0001-kelvo/b"), std::string("\0", 1));
@@ -87,9 +88,11 @@ TEST(Outbox, ManyAtOnceGetANumberEach) {
       }
     });
   }
-  for (std::thread& writer : writers) writer.join();
+  for (std::thread& writer : writers)
+    writer.join();
   std::set<std::string> numbers;
-  for (const std::string& name : namesIn(directory.path())) numbers.insert(name.substr(0, name.find('-')));
+  for (const std::string& name : namesIn(directory.path()))
+    numbers.insert(name.substr(0, name.find('-')));
   EXPECT_EQ(numbers.size(), std::size_t{WRITERS * REPORTS});
   EXPECT_EQ(namesIn(directory.path()).size(), std::size_t{WRITERS * REPORTS});
 }

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_TESTS_DESIGN_TOOL_PROCESS_H
+#define VESTRA_TESTS_DESIGN_TOOL_PROCESS_H
 
 #include <string>
 #include <vector>
@@ -25,3 +26,5 @@ Outcome run(const std::vector<std::string>& words, const std::vector<std::string
 bool isInstalled(const std::string& program);
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -9,8 +9,9 @@ namespace {
 const std::string INIT = "vestra_init -vestra_dir /p/vestra/\n";
 const std::string TRANSMIT = "vestra_transmit -clientid 1 -regid R -xml x -html h -wdm w -intro I\n";
 
-std::string transmitWith(const std::string& client_id) {
-  return INIT + "vestra_transmit -clientid " + client_id + " -regid R -xml x -html h -wdm w -intro I\nvestra_terminate\n";
+std::string transmitWith(const std::string& clientId) {
+  return INIT + "vestra_transmit -clientid " + clientId +
+         " -regid R -xml x -html h -wdm w -intro I\nvestra_terminate\n";
 }
 
 TEST(Protocol, AShortReportIsComplete) {
@@ -94,7 +95,8 @@ TEST(Protocol, EachOptionOfTransmitIsNeeded) {
     std::string transmit = TRANSMIT;
     transmit.erase(transmit.find(option), option.size());
     const std::string name = option.substr(0, option.find(' '));
-    EXPECT_NE(errorOf(INIT + transmit).find("s.tcl:2: vestra_transmit: option " + name + " is missing\n"), std::string::npos);
+    EXPECT_NE(errorOf(INIT + transmit).find("s.tcl:2: vestra_transmit: option " + name + " is missing\n"),
+              std::string::npos);
   }
 }
 
@@ -125,14 +127,16 @@ TEST(Protocol, OptionsMayStandInAnyOrder) {
 
 TEST(Protocol, AProjectDirectoryWithBlanksIsExplained) {
   EXPECT_EQ(errorOf("vestra_init -vestra_dir /home/u/my project/vestra/\n"),
-            "s.tcl:1: vestra_init: unexpected word \"project/vestra/\"; a path with blanks reaches the script unquoted\n"
+            "s.tcl:1: vestra_init: unexpected word \"project/vestra/\"; a path with blanks reaches the "
+            "script unquoted\n"
             "    vestra_init -vestra_dir /home/u/my project/vestra/\n"
             "                                       ^~~~~~~~~~~~~~~\n");
 }
 
 TEST(Protocol, AKeyWithWhiteSpaceIsExplained) {
   EXPECT_EQ(errorOf(scriptAround(addData("kelvo", "two words", "v", "c"))),
-            "s.tcl:3: vestra_add_data: unexpected word \"words\"; a key with white space reaches the script unquoted\n"
+            "s.tcl:3: vestra_add_data: unexpected word \"words\"; a key with white space reaches the script "
+            "unquoted\n"
             "    vestra_add_data -client kelvo -key two words -value \"v\" -context \"c\"\n"
             "                                           ^~~~~\n");
 }
@@ -151,8 +155,11 @@ TEST(Protocol, AKeyMayBeCalledLikeAnOption) {
 TEST(Protocol, TheClientIdIsADecimalNumberOf32Bits) {
   EXPECT_EQ(errorOf(transmitWith("0")), "no error");
   EXPECT_EQ(errorOf(transmitWith("4294967295")), "no error");
-  for (const char* wrong : {"4294967296", "-1", "+1", "007", "1x", "0x10", "{}", "{ 1}", "1.0", "99999999999999999999"}) {
-    EXPECT_NE(errorOf(transmitWith(wrong)).find("is no decimal number from 0 to 4294967295\n"), std::string::npos) << wrong;
+  for (const char* wrong :
+       {"4294967296", "-1", "+1", "007", "1x", "0x10", "{}", "{ 1}", "1.0", "99999999999999999999"}) {
+    EXPECT_NE(errorOf(transmitWith(wrong)).find("is no decimal number from 0 to 4294967295\n"),
+              std::string::npos)
+        << wrong;
   }
   EXPECT_EQ(errorOf(transmitWith("12a")),
             "s.tcl:2: vestra_transmit: -clientid \"12a\" is no decimal number from 0 to 4294967295\n"

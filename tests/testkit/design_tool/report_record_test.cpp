@@ -9,7 +9,7 @@ namespace {
 
 Report sample() {
   Report report;
-  report.vestra_dir = "/p/vestra/";
+  report.vestraDir = "/p/vestra/";
   report.registrations = {{"project", 2}, {"kelvo", 4}};
   report.sections = {{"kelvo", "kelvo\\usage"}, {"kelvo", "other"}};
   report.items = {{0, "runs", "caf\xC3\xA9", 5}, {1, "raw", std::string("\0\xFF", 2), 6}};
@@ -18,7 +18,8 @@ Report sample() {
 }
 
 TEST(ReportRecord, HoldsAllOfTheReport) {
-  EXPECT_EQ(renderRecord(sample(), {{"kelvo", "kelvo\\usage", "x", "h", HtmlStyle::Statistics}}, {"s.tcl:6: warning: w"}),
+  EXPECT_EQ(renderRecord(sample(), {{"kelvo", "kelvo\\usage", "x", "h", HtmlStyle::Statistics}},
+                         {"s.tcl:6: warning: w"}),
             R"({
   "client_id": "3600604488",
   "registration_id": "R",
@@ -77,7 +78,7 @@ TEST(ReportRecord, EveryListMayBeEmpty) {
 
 TEST(ReportRecord, ATextOfUtf8IsExactEvenWithNul) {
   Report report;
-  report.vestra_dir = std::string("a\0b", 3);
+  report.vestraDir = std::string("a\0b", 3);
   EXPECT_EQ(nlohmann::json::parse(renderRecord(report, {}, {}))["vestra_dir"], std::string("a\0b", 3));
 }
 

@@ -26,12 +26,12 @@ TEST(Rules, TheLibrarysOwnFileIsRead) {
   ASSERT_EQ(rules.size(), 4u);
   EXPECT_EQ(rules[1].client, "project");
   EXPECT_EQ(rules[1].context, "user_environment");
-  EXPECT_EQ(rules[1].html_style, HtmlStyle::UserEnvironment);
+  EXPECT_EQ(rules[1].htmlStyle, HtmlStyle::UserEnvironment);
   EXPECT_EQ(rules[3].client, "kelvo");
   EXPECT_EQ(rules[3].context, "kelvo\\usage");
-  EXPECT_EQ(rules[3].xml_map, "kelvo\\usage");
-  EXPECT_EQ(rules[3].html_map, "kelvo\\usage");
-  EXPECT_EQ(rules[3].html_style, HtmlStyle::Statistics);
+  EXPECT_EQ(rules[3].xmlMap, "kelvo\\usage");
+  EXPECT_EQ(rules[3].htmlMap, "kelvo\\usage");
+  EXPECT_EQ(rules[3].htmlStyle, HtmlStyle::Statistics);
 }
 
 TEST(Rules, EveryPrefixOfTheFileIsRefused) {
@@ -65,9 +65,7 @@ TEST(Rules, OnlyOneVersionIsKnown) {
             "    ^\n");
 }
 
-TEST(Rules, AnEmptyFileHasNoVersion) {
-  EXPECT_EQ(errorIn(""), "r.wdm:1: setting version is missing\n");
-}
+TEST(Rules, AnEmptyFileHasNoVersion) { EXPECT_EQ(errorIn(""), "r.wdm:1: setting version is missing\n"); }
 
 TEST(Rules, ClientsAreAListOfGroups) {
   EXPECT_EQ(errorIn("version = \"1.0\";\n"),
@@ -92,23 +90,25 @@ TEST(Rules, ARuleNeedsAllItsTexts) {
 }
 
 TEST(Rules, TheHtmlFormatIsOneOfTwo) {
-  EXPECT_EQ(errorIn(rulesWith("{ context = \"a\"; xml_map = \"a\"; html_map = \"a\";\nhtml_format = \"Plain\"; }")),
-            "r.wdm:4: html_format \"Plain\" is not known\n"
-            "    html_format = \"Plain\"; }\n"
-            "    ^\n");
+  EXPECT_EQ(
+      errorIn(rulesWith("{ context = \"a\"; xml_map = \"a\"; html_map = \"a\";\nhtml_format = \"Plain\"; }")),
+      "r.wdm:4: html_format \"Plain\" is not known\n"
+      "    html_format = \"Plain\"; }\n"
+      "    ^\n");
 }
 
 TEST(Rules, AContextHasOneRule) {
-  const std::string rule = "{ context = \"a\"; xml_map = \"a\"; html_map = \"a\"; html_format = \"UserEnvStyle\"; }";
+  const std::string rule =
+      "{ context = \"a\"; xml_map = \"a\"; html_map = \"a\"; html_format = \"UserEnvStyle\"; }";
   EXPECT_EQ(errorIn(rulesWith(rule + ",\n" + rule)),
             "r.wdm:4: client \"c\" has another rule for context \"a\" already\n"
-            "    " + rule + "\n"
-            "    ^\n");
+            "    " +
+                rule +
+                "\n"
+                "    ^\n");
 }
 
-TEST(Rules, AClientMayHaveNoRules) {
-  EXPECT_EQ(errorIn(rulesWith("")), "no error");
-}
+TEST(Rules, AClientMayHaveNoRules) { EXPECT_EQ(errorIn(rulesWith("")), "no error"); }
 
 TEST(Rules, OtherFilesAreNotRead) {
   EXPECT_EQ(errorIn("version = \"1.0\";\n  @include \"/dev/zero\"\n"),

@@ -8,13 +8,11 @@
 namespace vestra::design_tool {
 namespace {
 
-Report reportOf(const std::string& lines) {
-  return evaluateScript("s.tcl", scriptAround(lines));
-}
+Report reportOf(const std::string& lines) { return evaluateScript("s.tcl", scriptAround(lines)); }
 
 TEST(ScriptEvaluation, AReportHoldsAllThatTheScriptSaid) {
   const Report report = reportOf(addData("kelvo", "runs", "2", "kelvo\\\\usage"));
-  EXPECT_EQ(report.vestra_dir, "/p/vestra/");
+  EXPECT_EQ(report.vestraDir, "/p/vestra/");
   ASSERT_EQ(report.registrations.size(), 1u);
   EXPECT_EQ(report.registrations[0].client, "kelvo");
   EXPECT_EQ(report.registrations[0].line, 2u);
@@ -25,8 +23,8 @@ TEST(ScriptEvaluation, AReportHoldsAllThatTheScriptSaid) {
   ASSERT_EQ(report.sections.size(), 1u);
   EXPECT_EQ(report.sections[0].client, "kelvo");
   EXPECT_EQ(report.sections[0].context, "kelvo\\usage");
-  EXPECT_EQ(report.transmission.client_id, 1u);
-  EXPECT_EQ(report.transmission.registration_id, "R");
+  EXPECT_EQ(report.transmission.clientId, 1u);
+  EXPECT_EQ(report.transmission.registrationId, "R");
   EXPECT_EQ(report.transmission.xml, "/p/x");
   EXPECT_EQ(report.transmission.html, "/p/h");
   EXPECT_EQ(report.transmission.wdm, "/p/w");
@@ -38,7 +36,8 @@ TEST(ScriptEvaluation, AReportHoldsAllThatTheScriptSaid) {
 TEST(ScriptEvaluation, EveryByteButThoseThatTclReadsReachesTheReport) {
   std::string bytes;
   for (int value = 0; value < 256; ++value) {
-    if (std::string("\"\\$[").find(static_cast<char>(value)) == std::string::npos) bytes += static_cast<char>(value);
+    if (std::string("\"\\$[").find(static_cast<char>(value)) == std::string::npos)
+      bytes += static_cast<char>(value);
   }
   const Report report = reportOf(addData("kelvo", "k", bytes, "c"));
   ASSERT_EQ(report.items.size(), 1u);
@@ -51,15 +50,17 @@ TEST(ScriptEvaluation, ACharacterMadeByAnEscapeBecomesItsUtf8) {
 }
 
 TEST(ScriptEvaluation, LinesAreRightAfterAValueThatHoldsLineFeeds) {
-  const Report report = reportOf(addData("kelvo", "a", "one\ntwo\nthree", "c") + "# comment\n\n" + addData("kelvo", "b", "v", "c"));
+  const Report report = reportOf(addData("kelvo", "a", "one\ntwo\nthree", "c") + "# comment\n\n" +
+                                 addData("kelvo", "b", "v", "c"));
   ASSERT_EQ(report.items.size(), 2u);
   EXPECT_EQ(report.items[0].line, 3u);
   EXPECT_EQ(report.items[1].line, 8u);
 }
 
 TEST(ScriptEvaluation, SeveralCommandsMayShareALine) {
-  const Report report = reportOf("vestra_add_data -client kelvo -key a -value 1 -context c; vestra_add_data -client kelvo "
-                                 "-key b -value 2 -context c\n");
+  const Report report = reportOf(
+      "vestra_add_data -client kelvo -key a -value 1 -context c; vestra_add_data -client kelvo "
+      "-key b -value 2 -context c\n");
   ASSERT_EQ(report.items.size(), 2u);
   EXPECT_EQ(report.items[1].line, 3u);
 }
@@ -73,16 +74,18 @@ TEST(ScriptEvaluation, AWordIsMarkedOnTheLineItStandsOn) {
 
 TEST(ScriptEvaluation, ADoubleQuoteInsideAValueIsExplained) {
   EXPECT_EQ(errorOf(scriptAround(addData("kelvo", "k", "a\"b", "c"))),
-            "s.tcl:3: extra characters after close-quote; a double quote inside a value reaches the script as it is\n"
+            "s.tcl:3: extra characters after close-quote; a double quote inside a value reaches the script "
+            "as it is\n"
             "    vestra_add_data -client kelvo -key k -value \"a\"b\" -context \"c\"\n"
             "                                                   ^\n");
 }
 
 TEST(ScriptEvaluation, AnUnbalancedQuoteIsFoundWhereItOpens) {
-  EXPECT_EQ(errorOf(scriptAround("").substr(0, 35) + "vestra_register_client -client \"kelvo\nvestra_terminate\n"),
-            "s.tcl:2: missing \"; a double quote inside a value reaches the script as it is\n"
-            "    vestra_register_client -client \"kelvo\n"
-            "                                   ^\n");
+  EXPECT_EQ(
+      errorOf(scriptAround("").substr(0, 35) + "vestra_register_client -client \"kelvo\nvestra_terminate\n"),
+      "s.tcl:2: missing \"; a double quote inside a value reaches the script as it is\n"
+      "    vestra_register_client -client \"kelvo\n"
+      "                                   ^\n");
 }
 
 TEST(ScriptEvaluation, ABraceAtTheStartOfAKeyIsExplained) {
@@ -91,16 +94,18 @@ TEST(ScriptEvaluation, ABraceAtTheStartOfAKeyIsExplained) {
             "    vestra_add_data -client kelvo -key {k -value \"v\" -context \"c\"\n"
             "                                       ^\n");
   EXPECT_EQ(errorOf(scriptAround(addData("kelvo", "{k}x", "v", "c"))),
-            "s.tcl:3: extra characters after close-brace; a brace at the start of a key reaches the script as it is\n"
+            "s.tcl:3: extra characters after close-brace; a brace at the start of a key reaches the script "
+            "as it is\n"
             "    vestra_add_data -client kelvo -key {k}x -value \"v\" -context \"c\"\n"
             "                                          ^\n");
 }
 
 TEST(ScriptEvaluation, ADollarSignInsideAValueIsExplained) {
-  EXPECT_EQ(errorOf(scriptAround(addData("kelvo", "k", "a $HOME b", "c"))),
-            "s.tcl:3: can't read \"HOME\": no such variable; a dollar sign inside a value asks Tcl for a variable\n"
-            "    vestra_add_data -client kelvo -key k -value \"a $HOME b\" -context \"c\"\n"
-            "                                                ^~~~~~~~~~~\n");
+  EXPECT_EQ(
+      errorOf(scriptAround(addData("kelvo", "k", "a $HOME b", "c"))),
+      "s.tcl:3: can't read \"HOME\": no such variable; a dollar sign inside a value asks Tcl for a variable\n"
+      "    vestra_add_data -client kelvo -key k -value \"a $HOME b\" -context \"c\"\n"
+      "                                                ^~~~~~~~~~~\n");
 }
 
 TEST(ScriptEvaluation, ASquareBracketInsideAValueIsExplained) {
@@ -143,7 +148,8 @@ TEST(ScriptEvaluation, AValueThatTclHasChangedIsWarnedOf) {
 }
 
 TEST(ScriptEvaluation, AKeyAClientAndAContextThatTclHasChangedAreWarnedOf) {
-  const Report report = reportOf("vestra_add_data -client {kelvo} -key \"k\" -value \"v\" -context \"a\\tb\"\n");
+  const Report report =
+      reportOf("vestra_add_data -client {kelvo} -key \"k\" -value \"v\" -context \"a\\tb\"\n");
   ASSERT_EQ(report.warnings.size(), 3u);
   EXPECT_EQ(report.warnings[0].message, "Tcl has changed the client: \"{kelvo}\" became \"kelvo\"");
   EXPECT_EQ(report.warnings[1].message, "Tcl has changed the key: \"\"k\"\" became \"k\"");
@@ -156,7 +162,8 @@ TEST(ScriptEvaluation, ThePairOfBackslashesInAContextIsMeant) {
 }
 
 TEST(ScriptEvaluation, WhatALoopSaysIsNotSuspicious) {
-  const Report report = reportOf("foreach value {a b} {vestra_add_data -client kelvo -key $value -value $value -context c}\n");
+  const Report report =
+      reportOf("foreach value {a b} {vestra_add_data -client kelvo -key $value -value $value -context c}\n");
   EXPECT_EQ(report.items.size(), 2u);
   EXPECT_TRUE(report.warnings.empty());
 }

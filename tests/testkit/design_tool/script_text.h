@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VESTRA_TESTS_DESIGN_TOOL_SCRIPT_TEXT_H
+#define VESTRA_TESTS_DESIGN_TOOL_SCRIPT_TEXT_H
 
 #include <string>
 
@@ -7,7 +8,8 @@ namespace vestra::design_tool {
 /// One line of a script as the library writes it, line feed included.
 inline std::string addData(const std::string& client, const std::string& key, const std::string& value,
                            const std::string& context) {
-  return "vestra_add_data -client " + client + " -key " + key + " -value \"" + value + "\" -context \"" + context + "\"\n";
+  return "vestra_add_data -client " + client + " -key " + key + " -value \"" + value + "\" -context \"" +
+         context + "\"\n";
 }
 
 /// A whole script around some lines; the first of them is line 3.
@@ -20,3 +22,5 @@ inline std::string scriptAround(const std::string& lines) {
 }
 
 }  // namespace vestra::design_tool
+
+#endif

@@ -19,25 +19,29 @@ std::string suspicionsIn(const std::string& lines) {
 }
 
 TEST(Suspicions, AnOrdinaryReportHasNone) {
-  EXPECT_EQ(suspicionsIn(addData("kelvo", "a", "1", "kelvo\\\\usage") + addData("kelvo", "b", "1", "kelvo\\\\usage")), "");
+  EXPECT_EQ(suspicionsIn(addData("kelvo", "a", "1", "kelvo\\\\usage") +
+                         addData("kelvo", "b", "1", "kelvo\\\\usage")),
+            "");
 }
 
 TEST(Suspicions, AClientThatWasNeverRegisteredIsNamedAtItsFirstItem) {
-  EXPECT_EQ(suspicionsIn(addData("kelvo", "a", "1", "kelvo\\\\usage") + addData("project", "a", "1", "user_environment") +
+  EXPECT_EQ(suspicionsIn(addData("kelvo", "a", "1", "kelvo\\\\usage") +
+                         addData("project", "a", "1", "user_environment") +
                          addData("project", "b", "1", "user_environment")),
             "4: client \"project\" has data but was never registered\n");
 }
 
 TEST(Suspicions, ARegistrationAfterTheDataCounts) {
-  EXPECT_EQ(suspicionsIn(addData("project", "a", "1", "user_environment") + "vestra_register_client -client project\n"), "");
+  EXPECT_EQ(suspicionsIn(addData("project", "a", "1", "user_environment") +
+                         "vestra_register_client -client project\n"),
+            "");
 }
 
-TEST(Suspicions, ARegisteredClientNeedsNoData) {
-  EXPECT_EQ(suspicionsIn(""), "");
-}
+TEST(Suspicions, ARegisteredClientNeedsNoData) { EXPECT_EQ(suspicionsIn(""), ""); }
 
 TEST(Suspicions, AClientRegisteredTwiceIsNamed) {
-  EXPECT_EQ(suspicionsIn("vestra_register_client -client kelvo\n"), "3: client \"kelvo\" is registered again, first on line 2\n");
+  EXPECT_EQ(suspicionsIn("vestra_register_client -client kelvo\n"),
+            "3: client \"kelvo\" is registered again, first on line 2\n");
 }
 
 TEST(Suspicions, AContextWithoutARuleIsNamedAtItsFirstItem) {
@@ -63,14 +67,15 @@ TEST(Suspicions, AKeyWithWhiteSpaceIsNamed) {
 }
 
 TEST(Suspicions, TheyStandInTheOrderOfTheLines) {
-  EXPECT_EQ(suspicionsIn(addData("kelvo", "a", "\\t", "elsewhere") + "vestra_register_client -client kelvo\n" +
-                         addData("other", "a", "\\t", "elsewhere")),
-            "3: Tcl has changed the value: \"\\t\" became \"\\x09\"\n"
-            "3: context \"elsewhere\" of client \"kelvo\" has no rule\n"
-            "4: client \"kelvo\" is registered again, first on line 2\n"
-            "5: Tcl has changed the value: \"\\t\" became \"\\x09\"\n"
-            "5: client \"other\" has data but was never registered\n"
-            "5: context \"elsewhere\" of client \"other\" has no rule\n");
+  EXPECT_EQ(
+      suspicionsIn(addData("kelvo", "a", "\\t", "elsewhere") + "vestra_register_client -client kelvo\n" +
+                   addData("other", "a", "\\t", "elsewhere")),
+      "3: Tcl has changed the value: \"\\t\" became \"\\x09\"\n"
+      "3: context \"elsewhere\" of client \"kelvo\" has no rule\n"
+      "4: client \"kelvo\" is registered again, first on line 2\n"
+      "5: Tcl has changed the value: \"\\t\" became \"\\x09\"\n"
+      "5: client \"other\" has data but was never registered\n"
+      "5: context \"elsewhere\" of client \"other\" has no rule\n");
 }
 
 }  // namespace

@@ -7,7 +7,8 @@ namespace {
 
 TEST(TclText, EveryByteComesBack) {
   std::string bytes;
-  for (int value = 0; value < 256; ++value) bytes += static_cast<char>(value);
+  for (int value = 0; value < 256; ++value)
+    bytes += static_cast<char>(value);
   EXPECT_EQ(toBytes(toTclText(bytes)), bytes);
 }
 
@@ -19,9 +20,7 @@ TEST(TclText, ACharacterAboveTheBytesBecomesItsUtf8) {
   EXPECT_EQ(toBytes("\xE2\x82\xAC\xC4\x80"), "\xE2\x82\xAC\xC4\x80");
 }
 
-TEST(TclText, ALeadByteAtTheEndStays) {
-  EXPECT_EQ(toBytes("a\xC3"), "a\xC3");
-}
+TEST(TclText, ALeadByteAtTheEndStays) { EXPECT_EQ(toBytes("a\xC3"), "a\xC3"); }
 
 }  // namespace
 }  // namespace vestra::design_tool

@@ -62,7 +62,8 @@ TEST(XmlReport, MarkupWhiteSpaceAndLineFeedsComeBackExactly) {
 }
 
 TEST(XmlReport, BytesThatXmlCantHoldAreVisibleAndMarked) {
-  const auto document = parsed(renderXml(reportWith({{0, "k\x01", "a\\" + std::string("\0\xFF\r", 3), 3}}), {USAGE}));
+  const auto document =
+      parsed(renderXml(reportWith({{0, "k\x01", "a\\" + std::string("\0\xFF\r", 3), 3}}), {USAGE}));
   const pugi::xml_node item = document.child("usage_statistics").child("section").child("item");
   EXPECT_STREQ(item.attribute("key").value(), "k\\x01");
   EXPECT_STREQ(item.child_value(), "a\\\\\\x00\\xff\\x0d");
@@ -70,11 +71,13 @@ TEST(XmlReport, BytesThatXmlCantHoldAreVisibleAndMarked) {
 }
 
 TEST(XmlReport, EveryByteInEveryPlaceIsWellFormedForAnotherParser) {
-  if (!isInstalled("xmllint")) GTEST_SKIP() << "xmllint (Debian package libxml2-utils) is not installed";
+  if (!isInstalled("xmllint"))
+    GTEST_SKIP() << "xmllint (Debian package libxml2-utils) is not installed";
   std::string bytes;
-  for (int value = 0; value < 256; ++value) bytes += static_cast<char>(value);
+  for (int value = 0; value < 256; ++value)
+    bytes += static_cast<char>(value);
   Report report = reportWith({{0, bytes, bytes, 3}});
-  report.vestra_dir = report.transmission.intro = report.transmission.registration_id = bytes;
+  report.vestraDir = report.transmission.intro = report.transmission.registrationId = bytes;
   report.registrations = {{bytes, 2}};
   report.sections = {{bytes, bytes}};
   Rule rule{bytes, bytes, bytes, bytes, HtmlStyle::Statistics};
