@@ -12,7 +12,8 @@ namespace vestra::design_tool {
 namespace {
 
 constexpr const char* USAGE =
-    "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n";
+    "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
+    "       vestra-design-tool --show FILE\n";
 
 constexpr const char* HELP = R"(
 Stands in for the main design tool while you develop a host: runs the report
@@ -23,6 +24,7 @@ reports it asks for. Nothing is transmitted.
   -source FILE     the report script
   -notrace         accepted; commands are never echoed
   --outbox DIR     keep a copy of each report in a folder of its own in DIR
+  --show FILE      print what the script FILE reports, and write nothing
   --help           print this and exit
   --version        print the version and exit
 
@@ -41,7 +43,7 @@ struct Arguments {
 };
 
 bool takesValue(const std::string& argument) {
-  return argument == "-mode" || argument == "-source" || argument == "--outbox";
+  return argument == "-mode" || argument == "-source" || argument == "--outbox" || argument == "--show";
 }
 
 Arguments sortOut(const std::vector<std::string>& words) {
@@ -102,6 +104,11 @@ Request readCommandLine(const std::vector<std::string>& arguments, const char* d
   }
   if (sorted.error) {
     return *sorted.error;
+  }
+  const auto shown = sorted.values.find("--show");
+  if (shown != sorted.values.end()) {
+    return sorted.values.size() == 1 ? Request(ShowRequest{shown->second})
+                                     : UsageError{"--show goes with nothing else"};
   }
   return runRequest(sorted, defaultOutbox);
 }

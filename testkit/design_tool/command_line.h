@@ -13,6 +13,10 @@ struct RunRequest {
   /// Empty when no copy is to be kept.
   std::string outbox;
 };
+/// A script to be shown as a text, without its rules and without any report being written.
+struct ShowRequest {
+  std::string script;
+};
 struct HelpRequest {};
 struct VersionRequest {};
 /// A command line that asks for nothing the tool can do; the message says why.
@@ -20,9 +24,9 @@ struct UsageError {
   std::string message;
 };
 
-using Request = std::variant<RunRequest, HelpRequest, VersionRequest, UsageError>;
+using Request = std::variant<RunRequest, ShowRequest, HelpRequest, VersionRequest, UsageError>;
 
-/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--help`, or `--version`.
+/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show SCRIPT`, or `--help`, or `--version`.
 ///
 /// \param arguments      without the program's own name
 /// \param default_outbox the outbox when the command line names none; may be null or empty

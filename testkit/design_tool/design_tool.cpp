@@ -13,6 +13,7 @@
 #include "report_record.h"
 #include "rules.h"
 #include "suspicions.h"
+#include "text_report.h"
 #include "visible_text.h"
 #include "xml_report.h"
 
@@ -91,6 +92,16 @@ void write(const RunRequest& request, const Run& run, std::ostream& out) {
 }
 
 }  // namespace
+
+int showReport(const ShowRequest& request, std::ostream& out, std::ostream& err, LineObserver observer) {
+  try {
+    out << renderText(evaluateScript(request.script, readRegularFile(request.script), {}, observer));
+    return 0;
+  } catch (const DiagnosedError& error) {
+    err << format(error.diagnostic());
+    return 1;
+  }
+}
 
 int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err, LineObserver observer) {
   try {

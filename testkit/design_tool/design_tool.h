@@ -18,6 +18,14 @@ namespace vestra::design_tool {
 int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err,
                   LineObserver observer = nullptr);
 
+/// Prints what the script reports, as a text. Nothing is written.
+///
+/// \param err      gets the error, when the script fails
+/// \param observer see evaluateScript; may be null
+/// \return         the exit status: 0, or 1 after an error
+int showReport(const ShowRequest& request, std::ostream& out, std::ostream& err,
+               LineObserver observer = nullptr);
+
 }  // namespace vestra::design_tool
 
 #endif

@@ -25,6 +25,9 @@ struct Perform {
     std::cerr << usageText(error);
     return 2;
   }
+  int operator()(const ShowRequest& request) const {
+    return runGuarded(request.script, [&] { return showReport(request, std::cout, std::cerr, &noteLine); });
+  }
   int operator()(const RunRequest& request) const {
     return runGuarded(request.source,
                       [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); });

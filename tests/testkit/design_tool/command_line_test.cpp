@@ -43,6 +43,11 @@ TEST(CommandLine, HelpAndVersionWinOverWhatIsMissing) {
   EXPECT_TRUE(std::holds_alternative<VersionRequest>(readCommandLine({"--version"}, nullptr)));
 }
 
+TEST(CommandLine, AScriptIsShownByItself) {
+  EXPECT_EQ(std::get<ShowRequest>(readCommandLine({"--show", "s.tcl"}, "/env")).script, "s.tcl");
+  EXPECT_EQ(errorFor({"--show", "s.tcl", "-mode", "batch"}), "--show goes with nothing else");
+}
+
 TEST(CommandLine, WhatIsWrongIsNamed) {
   EXPECT_EQ(errorFor({}), "-mode is missing");
   EXPECT_EQ(errorFor({"-mode", "batch"}), "-source is missing");
@@ -57,6 +62,7 @@ TEST(CommandLine, AUsageErrorShowsTheUsage) {
   EXPECT_EQ(usageText({"-mode is missing"}),
             "vestra-design-tool: -mode is missing\n"
             "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
+            "       vestra-design-tool --show FILE\n"
             "Try --help.\n");
 }
 

@@ -114,6 +114,18 @@ TEST_F(Executable, EveryByteReachesTheRecord) {
   EXPECT_EQ(readFile(directory_ / "o/0001-kelvo/s.tcl"), script);
 }
 
+TEST_F(Executable, ShowsAScriptAndWritesNothing) {
+  const Outcome outcome = start({"--show", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory_ / "o")});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, testing::HasSubstr("\n  kelvo\\usage (kelvo)\n"));
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_FALSE(vestra_test::exists(directory_ / "vestra/usage_statistics_ext_kelvo.xml"));
+  EXPECT_FALSE(vestra_test::exists(directory_ / "o"));
+  writeFile(directory_ / "bad.tcl", "exec true\n");
+  EXPECT_EQ(start({"--show", "bad.tcl"}).status, 1);
+  EXPECT_THAT(start({"--show", "bad.tcl"}).err, StartsWith("bad.tcl:1: "));
+}
+
 TEST_F(Executable, HelpAndVersionAreAnswered) {
   const Outcome help = start({"--help"});
   EXPECT_EQ(help.status, 0);
@@ -132,6 +144,7 @@ TEST_F(Executable, AWrongCommandLineIsAUsageError) {
   EXPECT_EQ(outcome.err,
             "vestra-design-tool: -source is missing\n"
             "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
+            "       vestra-design-tool --show FILE\n"
             "Try --help.\n");
 }
 
