@@ -5,6 +5,7 @@
 
 #include "golden.h"
 #include "process.h"
+#include "sanitizers.h"
 #include "script_text.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
@@ -19,13 +20,6 @@ using testing::StartsWith;
 using vestra_test::namesIn;
 using vestra_test::readFile;
 using vestra_test::writeFile;
-
-constexpr bool IS_SANITIZED =
-#if defined(__SANITIZE_ADDRESS__)
-    true;
-#else
-    false;
-#endif
 
 /// The program itself, in a project of its own; relative paths are against the project.
 class Executable : public testing::Test {
