@@ -7,6 +7,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 
 #include "files/open_file.h"
+#include "files/read_line.h"
 
 namespace Oza {
 namespace {
@@ -28,7 +29,7 @@ std::string siteText(const std::string& domainName, const std::string& resolverF
     return domainName;
   }
   std::string text;
-  std::getline(in, text, '\0');
+  readLine(in, text, '\0');
   return text;
 }
 

@@ -9,6 +9,7 @@
 
 #include "files/open_file.h"
 #include "files/path_text.h"
+#include "files/read_line.h"
 #include "handler/vestra_handler.h"
 #include "identity/random_uuid.h"
 
@@ -22,7 +23,7 @@ constexpr std::int64_t SECONDS_PER_DAY = 86400;
 template <typename Number, typename Convert>
 void readNumber(std::istream& in, Number& number, Convert convert) {
   std::string line;
-  if (std::getline(in, line) && !line.empty()) {
+  if (readLine(in, line) && !line.empty()) {
     number = static_cast<Number>(convert(line));
   }
 }
@@ -37,7 +38,7 @@ void readProjectIdentity(std::istream& in, ProjectIdentity& identity) {
   readNumber(in, identity.iteration, longNumber);
   readNumber(in, identity.orbeloFlow, number);
   std::string line;
-  if (std::getline(in, line)) {
+  if (readLine(in, line)) {
     identity.projectId = line;
   }
 }

@@ -12,6 +12,7 @@
 
 #include "files/open_file.h"
 #include "files/path_text.h"
+#include "files/read_line.h"
 #include "identity/random_uuid.h"
 
 namespace Oza {
@@ -24,7 +25,7 @@ constexpr const char* FILE_NAME = "vestra";
 
 void readSettings(std::istream& in, std::map<std::string, std::string>& properties) {
   std::string line;
-  while (std::getline(in, line)) {
+  while (readLine(in, line)) {
     boost::algorithm::trim(line);
     std::vector<std::string> fields;
     boost::algorithm::split(fields, line, boost::algorithm::is_any_of("="));
