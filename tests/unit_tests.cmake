@@ -8,9 +8,9 @@ add_executable(unit_tests
 
 # The operator new that fails, and the very first use in a process, each need a
 # program of their own.
-#add_executable(out_of_memory_tests)
-#add_executable(first_use_tests)
-#add_executable(first_use_thread_tests)
+add_executable(out_of_memory_tests)
+add_executable(first_use_tests)
+add_executable(first_use_thread_tests)
 
 add_subdirectory(data)
 add_subdirectory(files)
@@ -21,7 +21,7 @@ add_subdirectory(interface)
 target_link_libraries(unit_tests PRIVATE
   PkgConfig::LIBCONFIGXX PkgConfig::TCL ZLIB::ZLIB rapidcheck rapidcheck_gtest)
 
-foreach(tests unit_tests)
+foreach(tests unit_tests out_of_memory_tests first_use_tests first_use_thread_tests)
   target_link_libraries(${tests} PRIVATE
     vestra_objects vestra_test_support GTest::gtest_main Threads::Threads)
   gtest_discover_tests(${tests} PROPERTIES TIMEOUT 60)

@@ -1,0 +1,45 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "interface/vestra_mgr.h"
+#include "support/scoped_env.h"
+#include "support/temporary_directory.h"
+
+namespace Oza {
+namespace {
+
+// Nothing else may use the manager in this program.
+TEST(FirstUseFromThreads, MakesOneManagerForAll) {
+  constexpr unsigned int threadCount = 16;
+  const vestra_test::TemporaryDirectory home;
+  const vestra_test::ScopedEnv homeVariable("HOME", home.path());
+
+  std::atomic<unsigned int> ready{0};
+  std::vector<VestraMgr*> managers(threadCount);
+  std::vector<VestraHandler*> handlers(threadCount);
+  std::vector<std::thread> threads;
+  for (unsigned int i = 0; i < threadCount; ++i) {
+    threads.emplace_back([&, i] {
+      ++ready;
+      while (ready < threadCount) {
+        std::this_thread::yield();
+      }
+      managers[i] = VestraMgr::getInstance();
+      handlers[i] = managers[i]->getHandler();
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+
+  EXPECT_EQ(std::set<VestraMgr*>(managers.begin(), managers.end()).size(), 1U);
+  EXPECT_EQ(std::set<VestraHandler*>(handlers.begin(), handlers.end()).size(), 1U);
+  EXPECT_TRUE(handlers[0]->isParentEmpty(0));
+}
+
+}  // namespace
+}  // namespace Oza

@@ -1,0 +1,318 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <new>
+#include <string>
+
+#include "handler/site_detection.h"
+#include "handler/stand_in_library.h"
+#include "handler/vestra_handler.h"
+#include "identity/vestra_project_info.h"
+#include "identity/vestra_setting.h"
+#include "interface/failing_allocations.h"
+#include "interface/vestra_mgr.h"
+#include "support/files.h"
+#include "support/scoped_env.h"
+#include "support/temporary_directory.h"
+
+// Where the handler cannot be made, the manager leaves the settings that it has
+// made already: that is accepted.
+extern "C" const char* __lsan_default_suppressions() { return "leak:Oza::VestraMgr::VestraMgr\n"; }
+
+namespace Oza {
+namespace {
+
+using vestra_test::blocksInUse;
+using vestra_test::FailingAllocation;
+using vestra_test::readFile;
+using vestra_test::writeFile;
+
+constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+
+// Too long to live inside a string object.
+const std::string LONG = "a text that does not fit into a string object without an allocation";
+
+enum class Outcome { WENT_THROUGH, BAD_ALLOC };
+
+/// Runs an operation with its n-th allocation failing. Any exception but
+/// std::bad_alloc ends the test.
+template <typename Operation>
+Outcome runFailing(long position, bool& hasFailed, Operation operate) {
+  const FailingAllocation failing(position);
+  try {
+    operate();
+    hasFailed = failing.hasFailed();
+    return Outcome::WENT_THROUGH;
+  } catch (const std::bad_alloc&) {
+    hasFailed = failing.hasFailed();
+    return Outcome::BAD_ALLOC;
+  }
+}
+
+/// Lets each allocation of an operation fail in turn, each time on a subject made
+/// anew, until the operation needs no more of them. `check` gets the outcome and the
+/// subject whenever one has failed. Whatever was allocated must be free at the end.
+template <typename Make, typename Operate, typename Check>
+void failEachAllocation(Make make, Operate operate, Check check) {
+  { operate(*make()); }
+  bool hasFailed = true;
+  for (long position = 0; hasFailed; ++position) {
+    const long before = blocksInUse();
+    {
+      const auto subject = make();
+      const Outcome outcome = runFailing(position, hasFailed, [&] { operate(*subject); });
+      if (hasFailed) {
+        check(outcome, *subject);
+      }
+    }
+    ASSERT_EQ(blocksInUse(), before) << "allocation " << position;
+    ASSERT_TRUE(hasFailed || position > 0) << "nothing was allocated";
+  }
+}
+
+struct Nothing {};
+
+template <typename Operate>
+void failEachAllocationOf(Operate operate) {
+  failEachAllocation([] { return std::make_unique<Nothing>(); }, [&](Nothing&) { operate(); },
+                     [](Outcome outcome, Nothing&) { EXPECT_EQ(outcome, Outcome::BAD_ALLOC); });
+}
+
+class OutOfMemory : public testing::Test {
+ protected:
+  OutOfMemory() { writeFile(home / ".Calvix/Common/2018.2/vestra", "RandomID=" + LONG + "\n"); }
+
+  std::unique_ptr<VestraHandler> makeHandler() const {
+    auto handler = std::make_unique<VestraHandler>();
+    handler->setProjectDirectory(project.path());
+    return handler;
+  }
+
+  std::string identityFile() const { return project / "vestra/.kelvo_vestrra.info"; }
+
+  vestra_test::TemporaryDirectory home;
+  vestra_test::TemporaryDirectory project;
+  vestra_test::ScopedEnv homeVariable{"HOME", home.path()};
+};
+
+TEST_F(OutOfMemory, MakingAContextOrAnItemLeavesNothing) {
+  failEachAllocationOf([] {
+    VestraParentData context(LONG, LONG, true);
+    auto item = std::make_unique<VestraAddData>(LONG, LONG, &context);
+    context.addChild(item.get());
+    item.release();
+  });
+}
+
+TEST_F(OutOfMemory, MakingAHandlerLeavesNothing) {
+  failEachAllocationOf([] { const VestraHandler handler; });
+}
+
+TEST_F(OutOfMemory, MakingTheSettingsLeavesNothing) {
+  failEachAllocationOf([] { const VestraSetting setting; });
+}
+
+TEST_F(OutOfMemory, MakingAManagerLeavesItsSettingsAtMost) {
+  const long beforeSettings = blocksInUse();
+  auto settings = std::make_unique<VestraSetting>();
+  const long settingsBlocks = blocksInUse() - beforeSettings;
+  settings.reset();
+
+  bool hasFailed = true;
+  bool leftSettings = false;
+  for (long position = 0; hasFailed; ++position) {
+    const long before = blocksInUse();
+    const Outcome outcome = runFailing(position, hasFailed, [] { const VestraMgr manager; });
+    EXPECT_EQ(outcome, hasFailed ? Outcome::BAD_ALLOC : Outcome::WENT_THROUGH);
+    const long left = blocksInUse() - before;
+    EXPECT_TRUE(left == 0 || left == settingsBlocks) << left << " blocks after allocation " << position;
+    leftSettings = leftSettings || left != 0;
+  }
+  EXPECT_TRUE(leftSettings);
+}
+
+TEST_F(OutOfMemory, TheManagerOfTheProcessIsTriedAgain) {
+  bool hasFailed = true;
+  long failures = 0;
+  for (; hasFailed; ++failures) {
+    VestraMgr* manager = nullptr;
+    runFailing(failures, hasFailed, [&] { manager = VestraMgr::getInstance(); });
+    EXPECT_EQ(manager == nullptr, hasFailed);
+  }
+  EXPECT_GT(failures, 1);
+  EXPECT_EQ(VestraMgr::getInstance()->getSetting()->getRandomId(), LONG);
+}
+
+TEST_F(OutOfMemory, AddingAnItemLeavesTheContextAsItWas) {
+  failEachAllocation([&] { return makeHandler(); },
+                     [](VestraHandler& handler) { handler.addData(LONG, LONG, Vestra::KELVO_USAGE); },
+                     [](Outcome outcome, VestraHandler& handler) {
+                       EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
+                       EXPECT_TRUE(handler.isParentEmpty(Vestra::KELVO_USAGE));
+                     });
+}
+
+TEST_F(OutOfMemory, RenderingAnItemLeavesNothing) {
+  VestraParentData context(LONG + "\\\\", LONG, true);
+  context.addChild(new VestraAddData(LONG, LONG, &context));
+  failEachAllocationOf([&] { context.toTclString(); });
+  failEachAllocationOf([&] { context.toCRCSegment(); });
+  failEachAllocationOf([&] { context.getWdmString(); });
+}
+
+TEST_F(OutOfMemory, OrderingTheProjectsFactsLosesNone) {
+  failEachAllocation(
+      [&] {
+        auto handler = makeHandler();
+        handler->addData("target_speed", LONG, PROJECT);
+        handler->addData("unknown", LONG, PROJECT);
+        handler->addData("Project_ID", LONG, PROJECT);
+        handler->addData("project_id", "second", PROJECT);
+        return handler;
+      },
+      [](VestraHandler& handler) { handler.uniqueAndReorderData(); },
+      [](Outcome outcome, VestraHandler& handler) {
+        EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
+        EXPECT_EQ(handler.getOrbeloProjectId(), LONG);
+        handler.uniqueAndReorderData();
+        EXPECT_EQ(handler.getOrbeloProjectId(), LONG);
+      });
+}
+
+TEST_F(OutOfMemory, ReadingTheResolverFileLeavesNothing) {
+  const std::string resolver = project / "resolv.conf";
+  writeFile(resolver, LONG);
+  failEachAllocationOf([&] { EXPECT_EQ(siteText("", resolver), LONG); });
+}
+
+TEST_F(OutOfMemory, SettingTheProjectDirectoryLeavesTheOldOne) {
+  failEachAllocation([&] { return makeHandler(); },
+                     [](VestraHandler& handler) { handler.setProjectDirectory("/another" + LONG); },
+                     [&](Outcome outcome, VestraHandler& handler) {
+                       EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
+                       EXPECT_EQ(handler.getLogFileName(), project / "vestra/tavlo_vestra.log");
+                     });
+}
+
+TEST_F(OutOfMemory, WritingTheRulesFileLeavesNothing) {
+  writeFile(project / "vestra/placeholder", "");
+  failEachAllocation([&] { return makeHandler(); }, [](VestraHandler& handler) { handler.createSimWdm(); },
+                     [](Outcome outcome, VestraHandler&) { EXPECT_EQ(outcome, Outcome::BAD_ALLOC); });
+}
+
+TEST_F(OutOfMemory, MakingARandomIdGivesNoneOrThrowsAndCanBeTriedAgain) {
+  const std::string file = home / ".Calvix/Common/2018.2/vestra";
+  std::string identifier;
+  failEachAllocation(
+      [&] {
+        unlink(file.c_str());
+        identifier.assign("none yet");
+        return std::make_unique<VestraSetting>();
+      },
+      [&](VestraSetting& setting) { identifier = setting.getRandomId(); },
+      [&](Outcome outcome, VestraSetting& setting) {
+        EXPECT_EQ(identifier, outcome == Outcome::BAD_ALLOC ? "none yet" : "");
+        EXPECT_EQ(setting.getRandomId().size(), 36U);
+      });
+}
+
+TEST_F(OutOfMemory, LoadingAnIdentityGivesFalseAndKeepsTheFile) {
+  const std::string good = "1\n2\n42\n0\n" + LONG + "\n";
+  VestraHandler owner;
+  bool loaded = false;
+  failEachAllocation(
+      [&] {
+        writeFile(identityFile(), good);
+        return std::make_unique<VestraProjectInfo>(identityFile(), &owner);
+      },
+      [&](VestraProjectInfo& record) { loaded = record.loadOrCreate(); },
+      [&](Outcome outcome, VestraProjectInfo&) {
+        EXPECT_EQ(outcome, Outcome::WENT_THROUGH);
+        EXPECT_FALSE(loaded);
+        EXPECT_EQ(readFile(identityFile()), good);
+      });
+  EXPECT_TRUE(loaded);
+}
+
+TEST_F(OutOfMemory, MakingANewIdentityGivesFalse) {
+  VestraHandler owner;
+  bool loaded = false;
+  failEachAllocation(
+      [&] {
+        unlink(identityFile().c_str());
+        return std::make_unique<VestraProjectInfo>(identityFile(), &owner);
+      },
+      [&](VestraProjectInfo& record) { loaded = record.loadOrCreate(); },
+      [&](Outcome outcome, VestraProjectInfo&) {
+        EXPECT_EQ(outcome, Outcome::WENT_THROUGH);
+        EXPECT_FALSE(loaded);
+      });
+  EXPECT_TRUE(loaded);
+}
+
+/// A handler that prepares or sends a report, its answer, and what it needs for it.
+class ReportOutOfMemory : public OutOfMemory {
+ protected:
+  ReportOutOfMemory() { library.nameRegistration(LONG); }
+
+  std::unique_ptr<VestraHandler> makeHandlerWithItems() const {
+    writeFile(identityFile(), "0\n0\n42\n1\n" + LONG + "\n");
+    auto handler = makeHandler();
+    handler->addData("project_id", LONG, PROJECT);
+    handler->addData("unknown", LONG, PROJECT);
+    handler->addData("runs", LONG, Vestra::KELVO_USAGE);
+    return handler;
+  }
+
+  vestra_test::StandInLibrary library;
+};
+
+TEST_F(ReportOutOfMemory, PreparingGivesFalseOrThrowsAndCanBeTriedAgain) {
+  bool prepared = false;
+  failEachAllocation([&] { return makeHandlerWithItems(); },
+                     [&](VestraHandler& handler) {
+                       prepared = false;
+                       prepared = handler.prepareVestraData();
+                     },
+                     [&](Outcome, VestraHandler& handler) {
+                       EXPECT_FALSE(prepared);
+                       EXPECT_TRUE(handler.prepareVestraData());
+                       EXPECT_EQ(handler.getOrbeloProjectId(), LONG);
+                     });
+  EXPECT_TRUE(prepared);
+}
+
+TEST_F(ReportOutOfMemory, RunningThrowsAndCanBeTriedAgain) {
+  failEachAllocation(
+      [&] {
+        auto handler = makeHandlerWithItems();
+        handler->prepareVestraData();
+        return handler;
+      },
+      [](VestraHandler& handler) { handler.execVestraData(); },
+      [](Outcome outcome, VestraHandler& handler) {
+        EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
+        EXPECT_TRUE(handler.prepareVestraData());
+        EXPECT_TRUE(handler.execVestraData());
+      });
+}
+
+TEST_F(ReportOutOfMemory, CountingAnAttemptThrows) {
+  VestraHandler owner;
+  failEachAllocation(
+      [&] {
+        writeFile(identityFile(), "9223372036854775807\n0\n42\n1\n" + LONG + "\n");
+        auto record = std::make_unique<VestraProjectInfo>(identityFile(), &owner);
+        EXPECT_TRUE(record->loadOrCreate());
+        return record;
+      },
+      [](VestraProjectInfo& record) { record.recordSendAttempt(); },
+      [&](Outcome outcome, VestraProjectInfo& record) {
+        EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
+        EXPECT_FALSE(record.recordSendAttempt());
+        EXPECT_EQ(readFile(identityFile()), "9223372036854775807\n0\n44\n1\n" + LONG + "\n");
+      });
+}
+
+}  // namespace
+}  // namespace Oza
