@@ -1,6 +1,7 @@
 #include <fstream>
 
 #include "data/crc32.h"
+#include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "handler/support_library.h"
 #include "handler/vestra_handler.h"
@@ -50,6 +51,7 @@ bool VestraHandler::openSupportLibrary() {
 }
 
 void VestraHandler::writeScript() {
+  FileSizeSignalHold hold;
   std::ofstream script;
   openFile(script, pathInVestraDirectory(getVestraCommandTcl()), std::ios_base::trunc);
   writeInitLine(script, pathInVestraDirectory(""));

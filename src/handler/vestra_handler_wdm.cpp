@@ -1,5 +1,6 @@
 #include <fstream>
 
+#include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "handler/vestra_handler.h"
 
@@ -47,6 +48,7 @@ void writeRules(std::ostream& out, const std::string& product) {
 }  // namespace
 
 void VestraHandler::createSimWdm() {
+  FileSizeSignalHold hold;
   std::ofstream out;
   openFile(out, pathInVestraDirectory(getVestraWdm()), std::ios_base::trunc);
   writeRules(out, getProductNameL());

@@ -7,6 +7,7 @@
 
 #include <boost/filesystem/operations.hpp>
 
+#include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/path_text.h"
 #include "files/read_line.h"
@@ -125,6 +126,7 @@ bool VestraProjectInfo::makeEmptyFile() const {
 }
 
 void VestraProjectInfo::writeFile() const {
+  FileSizeSignalHold hold;
   std::ofstream file;
   openFile(file, filePath, std::ios_base::trunc);
   for (const std::string& line : formatProjectIdentity(identity)) {

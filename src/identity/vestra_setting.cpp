@@ -10,6 +10,7 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/operations.hpp>
 
+#include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/path_text.h"
 #include "files/read_line.h"
@@ -79,6 +80,7 @@ std::string VestraSetting::getRandomId() {
   if (settingsFile.empty() || !makeSettingsDirectory()) {
     return {};
   }
+  FileSizeSignalHold hold;
   std::ofstream out;
   openFile(out, settingsFile, std::ios_base::app);
   if (!out.is_open()) {

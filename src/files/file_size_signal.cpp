@@ -1,0 +1,40 @@
+#include "files/file_size_signal.h"
+
+#include <ctime>
+
+namespace Oza {
+namespace {
+
+sigset_t fileSizeSignal() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGXFSZ);
+  return signals;
+}
+
+bool isWaiting() {
+  sigset_t waiting;
+  return sigpending(&waiting) == 0 && sigismember(&waiting, SIGXFSZ) == 1;
+}
+
+void takeAway() {
+  const sigset_t signals = fileSizeSignal();
+  const std::timespec atOnce{};
+  sigtimedwait(&signals, nullptr, &atOnce);
+}
+
+}  // namespace
+
+FileSizeSignalHold::FileSizeSignalHold() : wasWaiting(isWaiting()) {
+  const sigset_t signals = fileSizeSignal();
+  pthread_sigmask(SIG_BLOCK, &signals, &maskBefore);
+}
+
+FileSizeSignalHold::~FileSizeSignalHold() {
+  if (!wasWaiting) {
+    takeAway();
+  }
+  pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
+}
+
+}  // namespace Oza

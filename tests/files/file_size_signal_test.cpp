@@ -1,0 +1,124 @@
+#include "files/file_size_signal.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <string>
+
+#include "support/child_process.h"
+#include "support/temporary_directory.h"
+
+namespace Oza {
+namespace {
+
+using vestra_test::inChildProcess;
+
+bool isBlocked() {
+  sigset_t mask;
+  pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  return sigismember(&mask, SIGXFSZ) == 1;
+}
+
+bool isPending() {
+  sigset_t pending;
+  sigpending(&pending);
+  return sigismember(&pending, SIGXFSZ) == 1;
+}
+
+void block() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGXFSZ);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+/// In a process of its own, where a signal that comes through ends nobody else.
+class FileSizeSignal : public testing::Test {
+ protected:
+  std::string writeBeyondTheLimit() const {
+    const int file = open((directory / "file").c_str(), O_WRONLY | O_CREAT, 0600);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = 3;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const std::string first = write(file, "abcdef", 6) == 3 ? "three bytes, then " : "";
+    const std::string second = write(file, "def", 3) == -1 ? strerrorname_np(errno) : "more";
+    close(file);
+    return first + second;
+  }
+
+  vestra_test::TemporaryDirectory directory;
+};
+
+TEST_F(FileSizeSignal, EndsTheProcessWithoutAHold) {
+  EXPECT_THROW(inChildProcess([&] { return writeBeyondTheLimit(); }), std::runtime_error);
+}
+
+TEST_F(FileSizeSignal, IsHeldBackSoThatTheWriteOnlyFails) {
+  EXPECT_EQ(inChildProcess([&] {
+              FileSizeSignalHold hold;
+              return writeBeyondTheLimit();
+            }),
+            "three bytes, then EFBIG");
+}
+
+TEST_F(FileSizeSignal, DoesNotComeAfterTheHoldAndTheMaskIsPutBack) {
+  EXPECT_EQ(inChildProcess([&] {
+              {
+                FileSizeSignalHold hold;
+                writeBeyondTheLimit();
+              }
+              return std::string(isBlocked() ? "blocked" : "open") + (isPending() ? ", pending" : "");
+            }),
+            "open");
+}
+
+TEST_F(FileSizeSignal, StaysBlockedForAHostThatBlocksIt) {
+  EXPECT_EQ(inChildProcess([&] {
+              block();
+              {
+                FileSizeSignalHold hold;
+                writeBeyondTheLimit();
+              }
+              return std::string(isBlocked() ? "blocked" : "open") + (isPending() ? ", pending" : "");
+            }),
+            "blocked");
+}
+
+TEST_F(FileSizeSignal, ThatWasPendingBeforeStaysTheHosts) {
+  EXPECT_EQ(inChildProcess([&] {
+              block();
+              raise(SIGXFSZ);
+              {
+                FileSizeSignalHold hold;
+                writeBeyondTheLimit();
+              }
+              return std::string(isPending() ? "pending" : "gone");
+            }),
+            "pending");
+}
+
+TEST_F(FileSizeSignal, LeavesTheHostsHandlerAloneAndInPlace) {
+  EXPECT_EQ(inChildProcess([&] {
+              static volatile std::sig_atomic_t calls = 0;
+              struct sigaction action {};
+              action.sa_handler = [](int) { calls = calls + 1; };
+              sigaction(SIGXFSZ, &action, nullptr);
+              {
+                FileSizeSignalHold hold;
+                writeBeyondTheLimit();
+              }
+              const std::string during = std::to_string(calls);
+              raise(SIGXFSZ);
+              return during + " then " + std::to_string(calls);
+            }),
+            "0 then 1");
+}
+
+}  // namespace
+}  // namespace Oza

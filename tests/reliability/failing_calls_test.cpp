@@ -1,0 +1,131 @@
+// Every system call that a report takes fails once, with each error that a machine
+// in trouble gives.
+
+#include <sys/syscall.h>
+
+#include <cstring>
+#include <iostream>
+#include <map>
+#include <sstream>
+
+#include "reliability/sanitized.h"
+#include "reliability/system_calls.h"
+#include "reliability/watched_host.h"
+
+namespace vestra_test {
+namespace {
+
+using testing::AllOf;
+using testing::AnyOf;
+using testing::Matcher;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+constexpr const char* FILE_ERROR = "exception boost::filesystem::filesystem_error";
+constexpr const char* NO_RANDOMNESS = "exception boost::wrapexcept<boost::uuids::entropy_error>";
+
+bool holds(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+class FailingCall : public WatchedHost {
+ protected:
+  void failOnce(std::size_t number, int error) {
+    workplace.reset();
+    const HostEnd end = runHost(workplace.start(), {Disturbance::FAIL, number, error});
+    ASSERT_TRUE(end.disturbed);
+    const SystemCall& call = end.calls.back();
+    std::ostringstream what;
+    what << "call " << number << ", " << call << ", fails with " << strerrorname_np(error);
+    SCOPED_TRACE(what.str());
+    expectGoodEnd(end);
+    expectNothingLost(call);
+    workplace.makeDue();
+    if (isNewState()) {
+      expectThatAReportIsSent();
+    }
+  }
+
+  void expectGoodEnd(const HostEnd& end) {
+    EXPECT_FALSE(end.signal) << strsignal(end.signal.value_or(0));
+    EXPECT_THAT(end.outcome, outcomeAfterFailureOf(end.calls.back()));
+    EXPECT_EQ(end.descriptorsLost, 0);
+    EXPECT_EQ(end.output, "");
+  }
+
+  // A report is not given up but for the identity file, the support library and what
+  // the loader needs; and no file stops it but one that must go.
+  Matcher<std::string> outcomeAfterFailureOf(const SystemCall& call) {
+    if (managesMemory(call.number)) {
+      return AnyOf("answer true", "answer false", "exception std::bad_alloc");
+    }
+    if (call.number == SYS_getrandom) {
+      return AnyOf("answer true", "answer false", NO_RANDOMNESS);
+    }
+    if (call.number == SYS_getcwd) {
+      return FILE_ERROR;
+    }
+    if (call.subject == workplace.identityFile() || call.subject == workplace.project() + "/vestra" ||
+        holds(call.subject, "libqvzcommonvestrasupport.so")) {
+      return AnyOf("answer true", "answer false");
+    }
+    if (isReportFile(call.subject) && (call.number == SYS_unlink || isStatus(call.number))) {
+      return AnyOf("answer true", FILE_ERROR);
+    }
+    return "answer true";
+  }
+
+  bool isReportFile(const std::string& path) const {
+    return path == workplace.scriptFile() || path == workplace.rulesFile() ||
+           path == workplace.inVestraDirectory("tavlo_vestra.log");
+  }
+
+  static bool isStatus(long number) {
+    return number == SYS_newfstatat || number == SYS_stat || number == SYS_lstat || number == SYS_statx;
+  }
+
+  // An identity file that cannot be opened once, or written, is made anew: that is
+  // how a project's identity ends. No other failure touches it.
+  void expectNothingLost(const SystemCall& failed) {
+    EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""),
+                AnyOf(workplace.settingsBefore(), AllOf(StartsWith(workplace.settingsBefore()),
+                                                        MatchesRegex("(.|\n)*RandomID=[0-9a-f-]{36}\n"))));
+    const bool mayLose = failed.subject == workplace.identityFile() && failed.number != SYS_read && !isStatus(failed.number);
+    if (GetParam().project == Situation::KNOWN_PROJECT && !mayLose) {
+      EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
+                  MatchesRegex("[0-9]+\n0\n[78]\n0\n" + std::string(KNOWN_PROJECT_ID) + "\n"));
+    }
+  }
+
+  // A sanitizer's hosts are slow: each of their calls fails with one of its errors.
+  std::vector<int> errorsToTry(const SystemCall& call, std::size_t number) const {
+    const std::vector<int>& errors = errorsOf(call.number);
+    if (!SANITIZED || errors.empty()) {
+      return errors;
+    }
+    return managesMemory(call.number) ? std::vector<int>{} : std::vector<int>{errors[number % errors.size()]};
+  }
+};
+
+TEST_P(FailingCall, LeavesAnAnswerTheFilesAndTheNextRunInOrder) {
+  const std::vector<SystemCall> calls = callsOfARun();
+  std::map<std::string, int> triedOf;
+  int tried = 0;
+  for (std::size_t number = 0; number < calls.size(); ++number) {
+    EXPECT_TRUE(isKnown(calls[number].number)) << calls[number] << ": which errors can it give?";
+    for (const int error : errorsToTry(calls[number], number)) {
+      failOnce(number, error);
+      ++tried;
+      ++triedOf[nameOf(calls[number].number)];
+    }
+  }
+  std::cout << GetParam() << ": " << calls.size() << " system calls, " << tried << " failures tried (";
+  for (const auto& [name, count] : triedOf) {
+    std::cout << ' ' << name << ' ' << count;
+  }
+  std::cout << " ), which left " << stateCount() << " states of the files\n";
+  EXPECT_GT(tried, SANITIZED ? 50 : 300);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAHost, FailingCall, testing::ValuesIn(allSituations()), situationName);
+
+}  // namespace
+}  // namespace vestra_test

@@ -1,0 +1,95 @@
+// The host is killed at each system call that a report takes. What its files may look
+// like then, and what the next host makes of them, is tabulated in the description of
+// the file formats.
+
+#include <csignal>
+#include <iostream>
+#include <sstream>
+
+#include "reliability/watched_host.h"
+
+namespace vestra_test {
+namespace {
+
+using testing::AnyOf;
+using testing::Matcher;
+using testing::MatchesRegex;
+
+constexpr const char* UUID = "[0-9a-f-]{36}";
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+class KilledHost : public WatchedHost {
+ protected:
+  void killAt(std::size_t number) {
+    workplace.reset();
+    const HostEnd end = runHost(workplace.start(), {Disturbance::KILL, number, 0});
+    ASSERT_TRUE(end.disturbed);
+    std::ostringstream what;
+    what << "killed at call " << number << ", " << end.calls.back();
+    SCOPED_TRACE(what.str());
+    EXPECT_EQ(end.signal, SIGKILL);
+    EXPECT_EQ(end.output, "");
+    EXPECT_THAT(contentOf(workplace.settingsFile()), settingsStates());
+    EXPECT_THAT(contentOf(workplace.identityFile()), identityStates());
+    if (isNewState()) {
+      expectTheNextRunAsTabulated();
+      expectThatAReportIsSent();
+    }
+  }
+
+  Matcher<std::optional<std::string>> settingsStates() {
+    if (GetParam().home == Situation::KNOWN_HOME) {
+      return testing::Optional(workplace.settingsBefore());
+    }
+    const auto whole = testing::Optional(MatchesRegex(workplace.settingsBefore() + "RandomID=" + UUID + "\n"));
+    if (GetParam().home == Situation::HOME_WITHOUT_IDENTIFIER) {
+      return AnyOf(testing::Optional(workplace.settingsBefore()), whole);
+    }
+    return AnyOf(std::nullopt, testing::Optional(std::string()), whole);
+  }
+
+  Matcher<std::optional<std::string>> identityStates() {
+    const bool isKnown = GetParam().project == Situation::KNOWN_PROJECT;
+    const std::string next = isKnown ? "8" : "2";
+    const std::string id = isKnown ? KNOWN_PROJECT_ID : UUID;
+    const auto written = testing::Optional(MatchesRegex(
+        "([0-9]{10}\n(0\n(" + next + "\n(0\n(" + id + "\n)?)?)?)?)?"));
+    return AnyOf(workplace.identityBefore(), written);
+  }
+
+  void expectTheNextRunAsTabulated() {
+    const auto found = contentOf(workplace.identityFile());
+    const std::vector<std::string> lines = linesOf(found.value_or(""));
+    const bool wasSentToday = !lines.empty() && lines[0] != workplace.oldTime();
+    const int iteration = lines.size() > 2 ? std::stoi(lines[2]) : 1;
+    const std::string identifier = lines.size() > 4 ? lines[4] : found ? "" : UUID;
+    const HostEnd next = runHost(workplace.start());
+    EXPECT_EQ(next.outcome, wasSentToday ? "answer false" : "answer true");
+    EXPECT_EQ(next.output, "");
+    EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
+                MatchesRegex("[0-9]{10}\n0\n" + std::to_string(iteration + 1) + "\n0\n" + identifier + "\n"));
+  }
+};
+
+TEST_P(KilledHost, LeavesFilesThatTheNextRunsReadAsTabulated) {
+  const std::vector<SystemCall> calls = callsOfARun();
+  for (std::size_t number = 0; number < calls.size(); ++number) {
+    killAt(number);
+  }
+  std::cout << GetParam() << ": killed at each of " << calls.size() << " system calls, which left "
+            << stateCount() << " states of the files\n";
+  EXPECT_GT(stateCount(), 10U);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAReport, KilledHost, testing::ValuesIn(allSituations()), situationName);
+
+}  // namespace
+}  // namespace vestra_test

@@ -1,0 +1,30 @@
+#ifndef VESTRA_TESTS_RELIABILITY_SYSTEM_CALLS_H
+#define VESTRA_TESTS_RELIABILITY_SYSTEM_CALLS_H
+
+#include <string>
+#include <vector>
+
+namespace vestra_test {
+
+/// Which of a system call's arguments says what file it is about. In a call with
+/// both, an empty path means the descriptor before it.
+enum class Subject { NONE, DESCRIPTOR, PATH_FIRST, PATH_SECOND };
+
+Subject subjectOf(long number);
+
+/// Its name; its number in words for one that is not known here.
+std::string nameOf(long number);
+
+/// Whether it is one that a host is expected to make.
+bool isKnown(long number);
+
+/// Whether it manages memory. A sanitizer ends the process when one of those fails.
+bool managesMemory(long number);
+
+/// The errors that a machine in trouble gives, as errno values. None for what fails
+/// only when it is called wrongly.
+const std::vector<int>& errorsOf(long number);
+
+}  // namespace vestra_test
+
+#endif

@@ -1,0 +1,45 @@
+#ifndef VESTRA_TESTS_RELIABILITY_WATCHED_HOST_H
+#define VESTRA_TESTS_RELIABILITY_WATCHED_HOST_H
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "reliability/traced_host.h"
+#include "reliability/workplace.h"
+
+namespace vestra_test {
+
+/// A host whose system calls are disturbed one after the other, in one situation.
+class WatchedHost : public testing::TestWithParam<Situation> {
+ protected:
+  void SetUp() override;
+
+  /// The system calls of a run that nothing disturbs.
+  std::vector<SystemCall> callsOfARun();
+
+  /// Whether no host has found the files as they are now. A host sees nothing else
+  /// of the past: what worked once, works again.
+  bool isNewState() { return seenStates.insert(workplace.state()).second; }
+  std::size_t stateCount() const { return seenStates.size(); }
+
+  /// Makes a report due and expects a host to send it, whole.
+  void expectThatAReportIsSent();
+
+  Workplace workplace{GetParam()};
+
+ private:
+  std::set<std::string> seenStates;
+};
+
+/// Both products, each with a new and a known project and home.
+std::vector<Situation> allSituations();
+
+/// For the names of tests: "SimulatorNewProjectNewHome".
+std::string situationName(const testing::TestParamInfo<Situation>& situation);
+
+}  // namespace vestra_test
+
+#endif
