@@ -12,13 +12,10 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/vestra"
 install(EXPORT vestra-targets NAMESPACE vestra::
   DESTINATION "${vestra_package_dir}" COMPONENT development)
 
-configure_package_config_file(
-  "${CMAKE_CURRENT_LIST_DIR}/vestra-config.cmake.in" "${PROJECT_BINARY_DIR}/vestra-config.cmake"
-  INSTALL_DESTINATION "${vestra_package_dir}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/vestra-config-version.cmake"
   COMPATIBILITY SameMajorVersion)
 install(FILES
-    "${PROJECT_BINARY_DIR}/vestra-config.cmake"
+    "${CMAKE_CURRENT_LIST_DIR}/vestra-config.cmake"
     "${PROJECT_BINARY_DIR}/vestra-config-version.cmake"
   DESTINATION "${vestra_package_dir}" COMPONENT development)
 
@@ -29,6 +26,20 @@ string(REGEX REPLACE "/$" "" vestra_prefix_from_pc "${vestra_prefix_from_pc}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/vestra.pc.in" "${PROJECT_BINARY_DIR}/vestra.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/vestra.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+install(FILES
+    "${PROJECT_SOURCE_DIR}/man/vestra.3"
+    "${PROJECT_SOURCE_DIR}/man/vestra_add.3"
+    "${PROJECT_SOURCE_DIR}/man/vestra_getLogFileName.3"
+    "${PROJECT_SOURCE_DIR}/man/vestra_internal.3"
+    "${PROJECT_SOURCE_DIR}/man/vestra_send.3"
+  DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development)
+install(FILES
+    "${PROJECT_SOURCE_DIR}/man/vestra-identity.5"
+    "${PROJECT_SOURCE_DIR}/man/vestra-rules.5"
+    "${PROJECT_SOURCE_DIR}/man/vestra-script.5"
+    "${PROJECT_SOURCE_DIR}/man/vestra-settings.5"
+  DESTINATION "${CMAKE_INSTALL_MANDIR}/man5" COMPONENT development)
 
 if(VESTRA_BUILD_TESTKIT)
   install(TARGETS vestra_testkit EXPORT vestra-testkit-targets
@@ -41,4 +52,6 @@ if(VESTRA_BUILD_TESTKIT)
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT testkit)
   install(EXPORT vestra-testkit-targets NAMESPACE vestra::
     DESTINATION "${vestra_package_dir}" COMPONENT testkit)
+  install(FILES "${PROJECT_SOURCE_DIR}/man/vestra-design-tool.1"
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT testkit)
 endif()

@@ -1,0 +1,27 @@
+# What a host that has Vestra's sources in its own build can expect: the library and
+# nothing beside it, and its own settings as it left them.
+include("${CMAKE_CURRENT_LIST_DIR}/nothing_imposed.cmake")
+
+function(check_embedding source_directory)
+  get_property(directories DIRECTORY "${source_directory}" PROPERTY SUBDIRECTORIES)
+  set(targets)
+  foreach(directory IN ITEMS "${source_directory}" LISTS directories)
+    get_property(here DIRECTORY "${directory}" PROPERTY BUILDSYSTEM_TARGETS)
+    list(APPEND targets ${here})
+  endforeach()
+  list(SORT targets)
+  if(NOT targets STREQUAL "vestra;vestra_objects")
+    message(FATAL_ERROR "Vestra brought other targets than the library's: ${targets}")
+  endif()
+
+  if(NOT CMAKE_CXX_STANDARD EQUAL 20 OR DEFINED CMAKE_CXX_EXTENSIONS)
+    message(FATAL_ERROR "Vestra changed the C++ of its host")
+  endif()
+  if(CMAKE_RUNTIME_OUTPUT_DIRECTORY)
+    message(FATAL_ERROR "Vestra moved the programs of its host")
+  endif()
+  if(EXISTS "${CMAKE_CURRENT_BINARY_DIR}/CTestTestfile.cmake")
+    message(FATAL_ERROR "Vestra made tests in its host")
+  endif()
+  check_nothing_imposed(vestra::vestra)
+endfunction()
