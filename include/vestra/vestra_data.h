@@ -8,6 +8,7 @@
 
 namespace Oza {
 
+class ItemRenderer;
 class VestraHandler;
 struct key_compare;
 
@@ -78,6 +79,7 @@ class VESTRA_EXPORT VestraParentData : public VestraDataInterface {
   void addChild(VestraDataInterface* child);
 
  private:
+  friend class ItemRenderer;
   friend class VestraHandler;
 
   std::string context;
@@ -109,6 +111,7 @@ class VESTRA_EXPORT VestraAddData : public VestraDataInterface {
   std::string getClient() override;
 
  private:
+  friend class ItemRenderer;
   friend class VestraHandler;
   friend struct key_compare;
 

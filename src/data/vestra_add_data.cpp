@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "data/item_renderer.h"
+
 namespace Oza {
 
 VestraAddData::VestraAddData(std::string itemKey, std::string itemValue, VestraParentData* itemParent)
@@ -10,19 +12,11 @@ VestraAddData::VestraAddData(std::string itemKey, std::string itemValue, VestraP
 VestraAddData::~VestraAddData() = default;
 
 std::string VestraAddData::toTclString() {
-  std::string line;
-  line.append(TYPE_ADD_DATA).append(SPACE);
-  line.append(PARAM_CLIENT).append(SPACE).append(getClient()).append(SPACE);
-  line.append(PARAM_KEY).append(SPACE).append(key).append(SPACE);
-  line.append(PARAM_VALUE).append(SPACE).append(1, '"').append(value).append(1, '"').append(SPACE);
-  line.append(PARAM_CONTEXT).append(SPACE);
-  line.append(1, '"').append(parent->getFormattedContext()).append(1, '"');
-  line.append(NEW_LINE);
-  return line;
+  return ItemRenderer::forScript(getClient(), parent->getFormattedContext()).render(*this);
 }
 
 std::string VestraAddData::toCRCSegment() {
-  return key + value + getClient() + parent->getCRCContext();
+  return ItemRenderer::forChecksum(getClient(), parent->getCRCContext()).render(*this);
 }
 
 std::string VestraAddData::getClient() { return parent->getClient(); }

@@ -4,6 +4,8 @@
 
 #include <boost/algorithm/string/replace.hpp>
 
+#include "data/item_renderer.h"
+
 namespace Oza {
 
 VestraParentData::VestraParentData(std::string contextPath, std::string clientName, bool inUserEnvStyle)
@@ -16,19 +18,13 @@ VestraParentData::~VestraParentData() {
 }
 
 std::string VestraParentData::toTclString() {
-  std::string lines;
-  for (VestraDataInterface* child : children) {
-    lines += child->toTclString();
-  }
-  return lines;
+  const ItemRenderer lines = ItemRenderer::forScript(getClient(), getFormattedContext());
+  return lines.renderChildren(*this, &VestraDataInterface::toTclString);
 }
 
 std::string VestraParentData::toCRCSegment() {
-  std::string segments;
-  for (VestraDataInterface* child : children) {
-    segments += child->toCRCSegment();
-  }
-  return segments;
+  const ItemRenderer segments = ItemRenderer::forChecksum(getClient(), getCRCContext());
+  return segments.renderChildren(*this, &VestraDataInterface::toCRCSegment);
 }
 
 std::string VestraParentData::getClient() { return client; }

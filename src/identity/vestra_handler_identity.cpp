@@ -1,7 +1,6 @@
 #include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
 
+#include "data/fields.h"
 #include "handler/support_library.h"
 #include "handler/vestra_handler.h"
 #include "identity/vestra_project_info.h"
@@ -45,8 +44,7 @@ void VestraHandler::addUserEnvironmentData() {
 
 // A key at the text's end whose value is missing is left out.
 void VestraHandler::addEnvironmentPairs(const std::string& environment) {
-  std::vector<std::string> fields;
-  boost::algorithm::split(fields, environment, boost::algorithm::is_any_of("#"));
+  const std::vector<std::string> fields = fieldsOf(environment, '#');
   for (std::size_t i = 0; i + 1 < fields.size(); i += 2) {
     addData(fields[i], fields[i + 1],
             i < USER_ENVIRONMENT_FIELDS ? Vestra::USER_ENVIRONMENT

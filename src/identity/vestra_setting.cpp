@@ -5,11 +5,10 @@
 #include <fstream>
 #include <vector>
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/operations.hpp>
 
+#include "data/fields.h"
 #include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/path_text.h"
@@ -28,8 +27,7 @@ void readSettings(std::istream& in, std::map<std::string, std::string>& properti
   std::string line;
   while (readLine(in, line)) {
     boost::algorithm::trim(line);
-    std::vector<std::string> fields;
-    boost::algorithm::split(fields, line, boost::algorithm::is_any_of("="));
+    const std::vector<std::string> fields = fieldsOf(line, '=');
     if (fields.size() == 2) {
       properties.emplace(fields[0], fields[1]);
     }

@@ -1,0 +1,14 @@
+#include "data/fields.h"
+
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
+
+namespace Oza {
+
+std::vector<std::string> fieldsOf(const std::string& text, char separator) {
+  std::vector<std::string> fields;
+  boost::algorithm::split(fields, text, boost::algorithm::is_any_of(std::string(1, separator)));
+  return fields;
+}
+
+}  // namespace Oza

@@ -1,0 +1,43 @@
+#ifndef VESTRA_DATA_ITEM_RENDERER_H
+#define VESTRA_DATA_ITEM_RENDERER_H
+
+#include <cstddef>
+#include <string>
+
+#include <vestra/vestra_data.h>
+
+namespace Oza {
+
+/// Writes items in one of their textual forms: as script lines or as checksum
+/// segments. What surrounds the key and the value is the same for all items of one
+/// context, so that it is put together once and not for each of them.
+class ItemRenderer {
+ public:
+  /// For script lines of items of this client and context. Reads the exported text
+  /// constants.
+  static ItemRenderer forScript(const std::string& client, const std::string& formattedContext);
+
+  /// For checksum segments.
+  static ItemRenderer forChecksum(const std::string& client, const std::string& crcContext);
+
+  /// One item's text.
+  std::string render(const VestraAddData& item) const;
+
+  /// The texts of a context's children, in order. Its own items are written here; any
+  /// other node, of a host's own class perhaps, renders itself through `operation`.
+  std::string renderChildren(const VestraParentData& context,
+                             std::string (VestraDataInterface::*operation)()) const;
+
+ private:
+  std::size_t sizeOf(const VestraAddData& item) const;
+  std::size_t sizeOfItemsIn(const VestraParentData& context) const;
+  void append(const VestraAddData& item, std::string& text) const;
+
+  std::string beforeKey;
+  std::string betweenKeyAndValue;
+  std::string afterValue;
+};
+
+}  // namespace Oza
+
+#endif
