@@ -31,8 +31,6 @@ using vestra_test::StandInLibrary;
 using vestra_test::writeFile;
 using vestra_test::zlibCrc32Text;
 
-constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
-
 class ReportScript : public vestra_test::ReportFixture {
  protected:
   ReportScript() { writeIdentity("0\n0\n7\n0\nid\n"); }
