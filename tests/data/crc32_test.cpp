@@ -2,37 +2,35 @@
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
-#include <zlib.h>
 
 #include <string>
 
+#include "data/zlib_crc32.h"
 #include "handler/vestra_handler.h"
 
 namespace Oza {
 namespace {
 
-uLong crc32OfZlib(const std::string& bytes) {
-  return ::crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
-}
+using vestra_test::zlibCrc32;
 
-TEST(Crc32, OfTheEmptyTextIsZero) { EXPECT_EQ(Oza::crc32(""), 0U); }
+TEST(Crc32, OfTheEmptyTextIsZero) { EXPECT_EQ(crc32(""), 0U); }
 
-TEST(Crc32, GivesThePublishedCheckValue) { EXPECT_EQ(Oza::crc32("123456789"), 3421780262U); }
+TEST(Crc32, GivesThePublishedCheckValue) { EXPECT_EQ(crc32("123456789"), 3421780262U); }
 
 TEST(Crc32, OfAReportsFirstContext) {
-  EXPECT_EQ(Oza::crc32("tool_flowkelvo_orbeloprojectsoftware_version_and_target_device"), 3600604488U);
+  EXPECT_EQ(crc32("tool_flowkelvo_orbeloprojectsoftware_version_and_target_device"), 3600604488U);
 }
 
 TEST(Crc32, OfSingleBytes) {
-  EXPECT_EQ(Oza::crc32("a"), 0xE8B7BE43U);
-  EXPECT_EQ(Oza::crc32("\x01"), 0xA505DF1BU);
-  EXPECT_EQ(Oza::crc32("\xff"), 0xFF000000U);
+  EXPECT_EQ(crc32("a"), 0xE8B7BE43U);
+  EXPECT_EQ(crc32("\x01"), 0xA505DF1BU);
+  EXPECT_EQ(crc32("\xff"), 0xFF000000U);
 }
 
 TEST(Crc32, OfEverySingleByteIsThatOfZlib) {
   for (int byte = 1; byte < 256; ++byte) {
     const std::string text(1, static_cast<char>(byte));
-    EXPECT_EQ(Oza::crc32(text.c_str()), crc32OfZlib(text)) << "byte " << byte;
+    EXPECT_EQ(crc32(text.c_str()), zlibCrc32(text)) << "byte " << byte;
   }
 }
 
@@ -41,7 +39,7 @@ TEST(Crc32, OfAMegabyteIsThatOfZlib) {
   for (std::size_t i = 0; i < 1048576; ++i) {
     text += static_cast<char>(1 + i * 7919 % 255);
   }
-  EXPECT_EQ(Oza::crc32(text.c_str()), crc32OfZlib(text));
+  EXPECT_EQ(crc32(text.c_str()), zlibCrc32(text));
 }
 
 TEST(Crc32, OfTheHandlerEndsAtTheFirstNul) {
@@ -57,7 +55,7 @@ TEST(Crc32, OfTheHandlerIsThatOfTheText) {
 }
 
 RC_GTEST_PROP(Crc32, OfAnyTextIsThatOfZlib, (const std::string& text)) {
-  RC_ASSERT(Oza::crc32(text.c_str()) == crc32OfZlib(text.c_str()));
+  RC_ASSERT(crc32(text.c_str()) == zlibCrc32(text.c_str()));
 }
 
 }  // namespace

@@ -78,8 +78,7 @@ TEST(ItemLine, CarriesTheSuffixOfItsContext) {
 TEST(ItemSegment, RunsItsPartsTogether) {
   VestraParentData context("software_version_and_target_device", "project", true);
   VestraAddData item("tool_flow", "kelvo_orbelo", &context);
-  EXPECT_EQ(item.toCRCSegment(),
-            "tool_flowkelvo_orbeloprojectsoftware_version_and_target_device");
+  EXPECT_EQ(item.toCRCSegment(), "tool_flowkelvo_orbeloprojectsoftware_version_and_target_device");
 }
 
 TEST(ItemSegment, HasTheContextWithOneBackslash) {
@@ -95,8 +94,7 @@ TEST(ItemSegment, HasTheContextsSuffix) {
 
 TEST(ItemSegment, LeavesBackslashesOfKeyAndValueAlone) {
   VestraParentData context("user_environment", "project", true);
-  EXPECT_EQ(VestraAddData("k\\\\", "v\\\\", &context).toCRCSegment(),
-            "k\\\\v\\\\projectuser_environment");
+  EXPECT_EQ(VestraAddData("k\\\\", "v\\\\", &context).toCRCSegment(), "k\\\\v\\\\projectuser_environment");
 }
 
 TEST(ItemSegment, DoesNotTellWhereTheKeyEnds) {

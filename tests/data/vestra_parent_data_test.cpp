@@ -69,9 +69,7 @@ TEST(Context, AsksItsChildrenThroughTheirInterface) {
   EXPECT_EQ(context.toCRCSegment(), "(a)(b)");
 }
 
-TEST(Context, TellsItsClient) {
-  EXPECT_EQ(VestraParentData("c", "kelvo", false).getClient(), "kelvo");
-}
+TEST(Context, TellsItsClient) { EXPECT_EQ(VestraParentData("c", "kelvo", false).getClient(), "kelvo"); }
 
 TEST(Context, FreesItsChildrenInFilingOrder) {
   std::string ends;
@@ -154,8 +152,7 @@ TEST(ContextPathInTheChecksum, PairsNeverOverlap) {
 }
 
 TEST(ContextPathInTheChecksum, WithoutAPairIsThePath) {
-  EXPECT_EQ(checksumFormOf("software_version_and_target_device"),
-            "software_version_and_target_device");
+  EXPECT_EQ(checksumFormOf("software_version_and_target_device"), "software_version_and_target_device");
   EXPECT_EQ(checksumFormOf("a\\b\\c"), "a\\b\\c");
   EXPECT_EQ(checksumFormOf(""), "");
 }

@@ -69,8 +69,7 @@ TEST_F(OpenFile, AMissingFileIsMadeForWritingOnly) {
   EXPECT_FALSE(opens("both", FOR_BOTH));
   EXPECT_TRUE(opens("writing", FOR_WRITING));
   EXPECT_TRUE(opens("appending", FOR_APPENDING));
-  EXPECT_EQ(vestra_test::namesIn(directory.path()),
-            (std::vector<std::string>{"appending", "writing"}));
+  EXPECT_EQ(vestra_test::namesIn(directory.path()), (std::vector<std::string>{"appending", "writing"}));
 }
 
 TEST_F(OpenFile, AMissingDirectoryOpensNoWay) {

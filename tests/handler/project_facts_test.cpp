@@ -125,8 +125,7 @@ TEST_F(ProjectFacts, AddedAfterTheFirstTimeFollowTheSameRules) {
 
 TEST_F(ProjectFacts, OfOtherSectionsAreUntouched) {
   for (const auto section : {Vestra::USER_ENVIRONMENT, Vestra::KELVO_COMMAND_LINE_OPTIONS,
-                             Vestra::KELVO_USAGE, Vestra::TAVLO_COMMAND_LINE_OPTIONS,
-                             Vestra::TAVLO_USAGE}) {
+                             Vestra::KELVO_USAGE, Vestra::TAVLO_COMMAND_LINE_OPTIONS, Vestra::TAVLO_USAGE}) {
     auto* item = new NotedItem("Key", "k", &context, ends);
     handler->addData(item, section);
     handler->addData(new NotedItem("Key", "k", &context, ends), section);
@@ -157,23 +156,9 @@ TEST_F(ProjectFacts, AreLoweredByTheGlobalLocale) {
 /// The same, as the script has them.
 class ProjectFactsInTheScript : public vestra_test::ReportFixture {
  protected:
-  /// The lines of the first context as "key=value", one to a line.
   std::string facts() {
-    std::string found;
-    std::istringstream lines(preparedScript());
-    for (std::string line; std::getline(lines, line);) {
-      if (line.find("\"software_version_and_target_device\"") != std::string::npos) {
-        found += between(line, "-key ", " -value") + "=" + between(line, "-value \"", "\" -context") + "\n";
-      }
-    }
-    return found;
-  }
-
- private:
-  static std::string between(const std::string& line, const std::string& left,
-                             const std::string& right) {
-    const std::size_t begin = line.find(left) + left.size();
-    return line.substr(begin, line.find(right, begin) - begin);
+    EXPECT_TRUE(handler.prepareVestraData());
+    return itemsOf("software_version_and_target_device");
   }
 };
 

@@ -25,9 +25,7 @@ class ReportFixture : public testing::Test {
     handler.addData(key, value, section);
   }
 
-  std::string inVestraDirectory(const std::string& name) const {
-    return project.path() + "/vestra/" + name;
-  }
+  std::string inVestraDirectory(const std::string& name) const { return project.path() + "/vestra/" + name; }
   void writeIdentity(const std::string& bytes) const {
     writeFile(inVestraDirectory(".kelvo_vestrra.info"), bytes);
   }
@@ -39,6 +37,9 @@ class ReportFixture : public testing::Test {
     EXPECT_TRUE(handler.prepareVestraData());
     return script();
   }
+
+  /// The script's items of a context, one "key=value" to a line.
+  std::string itemsOf(const std::string& context) const;
 
   TemporaryDirectory project;
   StandInLibrary library;

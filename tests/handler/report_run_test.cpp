@@ -10,6 +10,7 @@
 #include "handler/report_fixture.h"
 #include "handler/support_library.h"
 #include "support/child_process.h"
+#include "support/error_of.h"
 #include "support/files.h"
 #include "support/interposed/clock.h"
 #include "support/interposed/shell.h"
@@ -19,6 +20,7 @@
 namespace Oza {
 namespace {
 
+using vestra_test::errorOf;
 using vestra_test::exists;
 using vestra_test::namesIn;
 using vestra_test::readFile;
@@ -49,17 +51,16 @@ TEST_F(ReportRun, OfTheSimulatorHasItsCommandLine) {
   prepareFor(Vestra::KELVO);
   library.nameTool("/opt/design/bin/tool");
   EXPECT_TRUE(handler.execVestraData());
-  EXPECT_EQ(shell.commandLines(),
-            Names{"/opt/design/bin/tool -mode batch -source " + project.path() +
-                  "/vestra/kelvo_vestra.tcl -notrace "});
+  EXPECT_EQ(shell.commandLines(), Names{"/opt/design/bin/tool -mode batch -source " + project.path() +
+                                        "/vestra/kelvo_vestra.tcl -notrace "});
 }
 
 TEST_F(ReportRun, OfTheAlternativeSimulatorHasTheSimulatorsCommandLine) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO_ALT);
   EXPECT_TRUE(handler.execVestraData());
-  EXPECT_EQ(shell.commandLines(), Names{"/bin/true -mode batch -source " + project.path() +
-                                        "/vestra/kelvo_vestra.tcl -notrace "});
+  EXPECT_EQ(shell.commandLines(),
+            Names{"/bin/true -mode batch -source " + project.path() + "/vestra/kelvo_vestra.tcl -notrace "});
 }
 
 TEST_F(ReportRun, OfTheLabToolHasItsCommandLine) {
@@ -67,10 +68,9 @@ TEST_F(ReportRun, OfTheLabToolHasItsCommandLine) {
   prepareFor(Vestra::TAVLO);
   library.nameTool("/opt/design/bin/tool");
   EXPECT_TRUE(handler.execVestraData());
-  EXPECT_EQ(shell.commandLines(),
-            Names{"/opt/design/bin/tool -mode batch -source " + project.path() +
-                  "/vestra/tavlo_vestra.tcl -notrace  > " + project.path() +
-                  "/vestra/tavlo_vestra.log 2>&1"});
+  EXPECT_EQ(shell.commandLines(), Names{"/opt/design/bin/tool -mode batch -source " + project.path() +
+                                        "/vestra/tavlo_vestra.tcl -notrace  > " + project.path() +
+                                        "/vestra/tavlo_vestra.log 2>&1"});
 }
 
 TEST_F(ReportRun, QuotesNothing) {
@@ -133,8 +133,8 @@ TEST_F(ReportRun, RemovesTheFilesOfItsOwnProductOnly) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
-  EXPECT_EQ(filesLeft(), (Names{".kelvo_vestrra.info", "tavlo_vestra.tcl",
-                                "usage_statistics_ext_kelvo.xml", "usage_statistics_ext_tavlo.wdm"}));
+  EXPECT_EQ(filesLeft(), (Names{".kelvo_vestrra.info", "tavlo_vestra.tcl", "usage_statistics_ext_kelvo.xml",
+                                "usage_statistics_ext_tavlo.wdm"}));
 }
 
 TEST_F(ReportRun, DoesNotMindFilesThatAreGone) {
@@ -163,8 +163,8 @@ TEST_F(ReportRun, KeepsTheFilesForTheDebugger) {
     RecordingShell shell;
     prepareFor(Vestra::KELVO);
     handler.execVestraData();
-    EXPECT_EQ(filesLeft(), (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl",
-                                  "usage_statistics_ext_kelvo.wdm"}));
+    EXPECT_EQ(filesLeft(),
+              (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"}));
   }
 }
 
@@ -284,21 +284,12 @@ TEST_F(ReportRun, IsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-std::string errorOf(VestraHandler& handler) {
-  try {
-    handler.execVestraData();
-    return "nothing was thrown";
-  } catch (const std::logic_error& error) {
-    return error.what();
-  }
-}
-
 TEST_F(ReportRun, WithoutAToolRunsNothingAndLeavesEverything) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   writeFile(handler.getLogFileName(), "old");
   library.nameTool(std::nullopt);
-  EXPECT_EQ(errorOf(handler), "basic_string::_M_construct null not valid");
+  EXPECT_EQ(errorOf([&] { handler.execVestraData(); }), "basic_string::_M_construct null not valid");
   EXPECT_EQ(shell.commandLines(), Names{});
   EXPECT_EQ(filesLeft(), (Names{".kelvo_vestrra.info", "tavlo_vestra.log", "tavlo_vestra.tcl",
                                 "usage_statistics_ext_tavlo.wdm"}));
@@ -320,7 +311,8 @@ TEST(ReportRunWithoutEntryPoint, ThrowsWhatIsMissing) {
   VestraHandler handler;
   handler.setProjectDirectory(project.path());
   ASSERT_TRUE(handler.prepareVestraData());
-  EXPECT_EQ(errorOf(handler), "libqvzcommonvestrasupport.so lacks oza_vestra_exec_path");
+  EXPECT_EQ(errorOf([&] { handler.execVestraData(); }),
+            "libqvzcommonvestrasupport.so lacks oza_vestra_exec_path");
   EXPECT_EQ(shell.commandLines(), Names{});
 }
 
@@ -356,8 +348,8 @@ TEST_F(ReportRun, IsNotStartedWhenNotDue) {
   EXPECT_FALSE(handler.sendVestraData());
   EXPECT_EQ(shell.commandLines(), Names{});
   EXPECT_EQ(identity(), "1699913600\n0\n8\n0\nid\n");
-  EXPECT_EQ(filesLeft(), (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl",
-                                "usage_statistics_ext_kelvo.wdm"}));
+  EXPECT_EQ(filesLeft(),
+            (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"}));
   EXPECT_TRUE(support_library::isOpen());
 }
 

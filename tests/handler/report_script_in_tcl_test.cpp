@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
-#include <zlib.h>
 
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "data/zlib_crc32.h"
 #include "handler/recording_interpreter.h"
 #include "handler/report_fixture.h"
 
@@ -15,6 +15,7 @@ namespace {
 
 using vestra_test::commandsOf;
 using vestra_test::ScriptCommand;
+using vestra_test::zlibCrc32Text;
 
 std::vector<ScriptCommand> commandsOfItem(const std::string& key, const std::string& value) {
   VestraParentData context("kelvo\\\\usage", "kelvo", false);
@@ -22,8 +23,7 @@ std::vector<ScriptCommand> commandsOfItem(const std::string& key, const std::str
 }
 
 ScriptCommand addData(const std::string& key, const std::string& value) {
-  return {"vestra_add_data", "-client", "kelvo", "-key",    key,
-          "-value",          value,     "-context", "kelvo\\usage"};
+  return {"vestra_add_data", "-client", "kelvo", "-key", key, "-value", value, "-context", "kelvo\\usage"};
 }
 
 TEST(ItemInTcl, IsOneCommandWithOneBackslashInItsContext) {
@@ -31,8 +31,8 @@ TEST(ItemInTcl, IsOneCommandWithOneBackslashInItsContext) {
 }
 
 TEST(ItemInTcl, MayHoldBlanksBracesAndLineFeedsInItsValue) {
-  for (const char* value : {"", " ", "a b", "{", "}", "a ; b", "# no comment", "one\ntwo", "\t", "]",
-                            "-key", "\xc3\xa9\xff"}) {
+  for (const char* value :
+       {"", " ", "a b", "{", "}", "a ; b", "# no comment", "one\ntwo", "\t", "]", "-key", "\xc3\xa9\xff"}) {
     EXPECT_EQ(commandsOfItem("k", value), std::vector<ScriptCommand>{addData("k", value)}) << value;
   }
 }
@@ -62,18 +62,16 @@ TEST(ItemInTcl, WithABackslashInItsValueComesOutChanged) {
 bool isHarmlessInAValue(char byte) { return std::string("\"$[\\").find(byte) == std::string::npos; }
 
 bool isHarmlessInAKey(char byte) {
-  return static_cast<unsigned char>(byte) > ' ' &&
-         std::string("\"$[\\;{}").find(byte) == std::string::npos;
+  return static_cast<unsigned char>(byte) > ' ' && std::string("\"$[\\;{}").find(byte) == std::string::npos;
 }
 
 rc::Gen<std::string> harmlessValue() {
-  return rc::gen::container<std::string>(
-      rc::gen::suchThat(rc::gen::arbitrary<char>(), isHarmlessInAValue));
+  return rc::gen::container<std::string>(rc::gen::suchThat(rc::gen::arbitrary<char>(), isHarmlessInAValue));
 }
 
 rc::Gen<std::string> harmlessKey() {
-  return rc::gen::nonEmpty(rc::gen::container<std::string>(
-      rc::gen::suchThat(rc::gen::arbitrary<char>(), isHarmlessInAKey)));
+  return rc::gen::nonEmpty(
+      rc::gen::container<std::string>(rc::gen::suchThat(rc::gen::arbitrary<char>(), isHarmlessInAKey)));
 }
 
 RC_GTEST_PROP(ItemInTcl, WithoutHazardsComesOutAsItWentIn, ()) {
@@ -109,16 +107,11 @@ std::string checksumTextOf(const std::vector<ScriptCommand>& commands, const std
     if (command[0] == "vestra_register_client") {
       text += argument(command, "-client");
     } else if (command[0] == "vestra_add_data") {
-      text += argument(command, "-key") + argument(command, "-value") +
-              argument(command, "-client") + argument(command, "-context");
+      text += argument(command, "-key") + argument(command, "-value") + argument(command, "-client") +
+              argument(command, "-context");
     }
   }
   return text;
-}
-
-std::string zlibCrc32(const std::string& bytes) {
-  return std::to_string(::crc32(0, reinterpret_cast<const Bytef*>(bytes.data()),
-                                static_cast<uInt>(bytes.size())));
 }
 
 TEST(ReportInTcl, OfTheSimulatorIsInitItemsTransmitTerminate) {
@@ -132,12 +125,11 @@ TEST(ReportInTcl, OfTheSimulatorIsInitItemsTransmitTerminate) {
   EXPECT_EQ(commands[23], (ScriptCommand{"vestra_register_client", "-client", "kelvo"}));
   EXPECT_EQ(commands[24], addData("runs", "2"));
   EXPECT_EQ(commands[25],
-            (ScriptCommand{"vestra_transmit", "-clientid",
-                           zlibCrc32(checksumTextOf(commands, "318202322")), "-regid", "REG-1", "-xml",
-                           directory + "usage_statistics_ext_kelvo.xml", "-html",
-                           directory + "usage_statistics_ext_kelvo.html", "-wdm",
-                           directory + "usage_statistics_ext_kelvo.wdm", "-intro",
-                           "<H3>KELVO Usage Report</H3><BR>"}));
+            (ScriptCommand{
+                "vestra_transmit", "-clientid", zlibCrc32Text(checksumTextOf(commands, "318202322")),
+                "-regid", "REG-1", "-xml", directory + "usage_statistics_ext_kelvo.xml", "-html",
+                directory + "usage_statistics_ext_kelvo.html", "-wdm",
+                directory + "usage_statistics_ext_kelvo.wdm", "-intro", "<H3>KELVO Usage Report</H3><BR>"}));
   EXPECT_EQ(commands[26], ScriptCommand{"vestra_terminate"});
 }
 
@@ -155,7 +147,8 @@ Items itemsOf(const std::vector<ScriptCommand>& commands, const std::string& con
 
 RC_GTEST_PROP(ReportInTcl, HoldsTheItemsAsTheyWentInAndTheirChecksum, ()) {
   const Items options = *rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue()));
-  const Items usage = *rc::gen::nonEmpty(rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue())));
+  const Items usage =
+      *rc::gen::nonEmpty(rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue())));
   Report report;
   for (const auto& [key, value] : options) {
     report.add(key, value, Vestra::KELVO_COMMAND_LINE_OPTIONS);
@@ -168,7 +161,7 @@ RC_GTEST_PROP(ReportInTcl, HoldsTheItemsAsTheyWentInAndTheirChecksum, ()) {
   RC_ASSERT(itemsOf(commands, "kelvo\\usage") == usage);
   const std::string text = checksumTextOf(commands, "318202322");
   RC_ASSERT(argument(commands[commands.size() - 2], "-clientid") ==
-            zlibCrc32(text.substr(0, text.find('\0'))));
+            zlibCrc32Text(text.substr(0, text.find('\0'))));
 }
 
 }  // namespace

@@ -195,18 +195,17 @@ void expectRules(const std::string& file, const std::string& product) {
   const libconfig::Setting& clients = config.lookup("clients");
   ASSERT_EQ(clients.getLength(), 2);
   EXPECT_EQ(std::string(clients[0]["client_name"].c_str()), "project");
-  EXPECT_EQ(rulesOf(clients[0]),
-            (std::vector<std::string>{
-                "software_version_and_target_device > software_version_and_target_device, "
-                "software_version_and_target_device, UserEnvStyle",
-                "user_environment > user_environment, user_environment, UserEnvStyle"}));
+  EXPECT_EQ(
+      rulesOf(clients[0]),
+      (std::vector<std::string>{"software_version_and_target_device > software_version_and_target_device, "
+                                "software_version_and_target_device, UserEnvStyle",
+                                "user_environment > user_environment, user_environment, UserEnvStyle"}));
   EXPECT_EQ(std::string(clients[1]["client_name"].c_str()), product);
   const std::string options = product + "\\command_line_options";
   const std::string usage = product + "\\usage";
   EXPECT_EQ(rulesOf(clients[1]),
-            (std::vector<std::string>{
-                options + " > " + options + ", " + options + ", FennoxStatsStyle",
-                usage + " > " + usage + ", " + usage + ", FennoxStatsStyle"}));
+            (std::vector<std::string>{options + " > " + options + ", " + options + ", FennoxStatsStyle",
+                                      usage + " > " + usage + ", " + usage + ", FennoxStatsStyle"}));
 }
 
 TEST_F(RulesFile, OfTheSimulatorIsReadBackByItsParser) {
@@ -226,8 +225,7 @@ TEST_F(RulesFile, BlocksOfSingleContextsJoinedByAHostAreReadBackToo) {
   libconfig::Config config;
   config.readString("rules = (\n" + first + ",\n" + second + "\n);\n");
   EXPECT_EQ(rulesOf(config.getRoot()),
-            (std::vector<std::string>{"a\\b > a\\b, a\\b, UserEnvStyle",
-                                      "c > c, c, FennoxStatsStyle"}));
+            (std::vector<std::string>{"a\\b > a\\b, a\\b, UserEnvStyle", "c > c, c, FennoxStatsStyle"}));
 }
 
 TEST_F(RulesFile, IsNotMadeInAMissingDirectory) {

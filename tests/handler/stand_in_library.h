@@ -32,8 +32,7 @@ class StandInLibrary {
   bool isHeldByAnother();
 
  private:
-  void answer(const char* variable, std::optional<std::string>& kept,
-              const std::optional<std::string>& text);
+  void answer(const char* variable, std::optional<std::string>& kept, const std::optional<std::string>& text);
 
   void* handle;
   std::optional<std::string> tool;

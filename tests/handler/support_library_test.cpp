@@ -7,21 +7,13 @@
 #include <string>
 
 #include "handler/stand_in_library.h"
+#include "support/error_of.h"
 
 namespace Oza {
 namespace {
 
+using vestra_test::errorOf;
 using vestra_test::StandInLibrary;
-
-template <typename Question>
-std::string errorOf(Question ask) {
-  try {
-    ask();
-    return "nothing was thrown";
-  } catch (const std::logic_error& error) {
-    return error.what();
-  }
-}
 
 TEST(SupportLibrary, ThatIsMissingCannotBeOpened) {
   EXPECT_EQ(support_library::open(), nullptr);

@@ -29,9 +29,7 @@ TEST(TimeStamp, FillsTheDayAndTheHourWithZeros) {
 
 TEST(TimeStamp, OfALeapYearsLastMinute) { EXPECT_EQ(timeStampAt(1735689540, "UTC"), "366202423"); }
 
-TEST(TimeStamp, OfAnOrdinaryYearsLastMinute) {
-  EXPECT_EQ(timeStampAt(1704067140, "UTC"), "365202323");
-}
+TEST(TimeStamp, OfAnOrdinaryYearsLastMinute) { EXPECT_EQ(timeStampAt(1704067140, "UTC"), "365202323"); }
 
 TEST(TimeStamp, OfTheFollowingSecondIsTheNextYears) {
   EXPECT_EQ(timeStampAt(1735689599, "UTC"), "366202423");

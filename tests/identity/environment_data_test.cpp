@@ -19,22 +19,6 @@ class EnvironmentData : public vestra_test::ReportFixture {
  protected:
   EnvironmentData() { writeIdentity("0\n0\n7\n0\nid\n"); }
 
-  /// The items of a context, one "key=value" to a line.
-  std::string itemsOf(const std::string& context) {
-    std::string found;
-    std::istringstream lines(script());
-    for (std::string line; std::getline(lines, line);) {
-      const std::string end = "\" -context \"" + context + "\"";
-      const std::size_t valueWord = line.find(" -value \"");
-      if (line.size() > end.size() && line.rfind(end) == line.size() - end.size()) {
-        const std::size_t key = line.find("-key ") + 5;
-        found += line.substr(key, valueWord - key) + "=" +
-                 line.substr(valueWord + 9, line.size() - end.size() - valueWord - 9) + "\n";
-      }
-    }
-    return found;
-  }
-
   std::string userEnvironmentOf(const std::string& text) {
     library.describeEnvironment(text);
     EXPECT_TRUE(handler.prepareVestraData());
@@ -72,8 +56,7 @@ TEST_F(EnvironmentData, OfFourteenFieldsHasOneFactOfTheProject) {
 }
 
 TEST_F(EnvironmentData, OfSixteenFieldsHasTwoFactsOfTheProject) {
-  EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#yes#os_platform#linux"),
-            "os_platform=linux\nbeta=yes\n");
+  EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#yes#os_platform#linux"), "os_platform=linux\nbeta=yes\n");
 }
 
 TEST_F(EnvironmentData, FactsThatTheReportDoesNotKnowAreLeftOut) {
@@ -124,21 +107,15 @@ TEST_F(EnvironmentData, OfAMegabyteIsRead) {
 
 // Fewer fields than there should be, and a last key without a value.
 
-TEST_F(EnvironmentData, ThatIsEmptyHasNoItems) {
-  EXPECT_EQ(userEnvironmentOf(""), "");
-}
+TEST_F(EnvironmentData, ThatIsEmptyHasNoItems) { EXPECT_EQ(userEnvironmentOf(""), ""); }
 
 TEST_F(EnvironmentData, OfOneSeparatorIsOneItemWithoutKeyAndValue) {
   EXPECT_EQ(userEnvironmentOf("#"), "=\n");
 }
 
-TEST_F(EnvironmentData, OfFewerFieldsHasFewerItems) {
-  EXPECT_EQ(userEnvironmentOf("a#1#b#2"), "a=1\nb=2\n");
-}
+TEST_F(EnvironmentData, OfFewerFieldsHasFewerItems) { EXPECT_EQ(userEnvironmentOf("a#1#b#2"), "a=1\nb=2\n"); }
 
-TEST_F(EnvironmentData, LosesALastKeyWithoutAValue) {
-  EXPECT_EQ(userEnvironmentOf("a#1#b"), "a=1\n");
-}
+TEST_F(EnvironmentData, LosesALastKeyWithoutAValue) { EXPECT_EQ(userEnvironmentOf("a#1#b"), "a=1\n"); }
 
 TEST_F(EnvironmentData, LosesALastFactWithoutAValue) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta"), "");

@@ -49,17 +49,11 @@ class DamagedIdentity : public vestra_test::ProjectFixture {
   }
 };
 
-TEST_F(DamagedIdentity, AWordForTheFirstTimeIsDeleted) {
-  expectDeletedAndMadeNew("abc\n0\n1\n0\nid\n");
-}
+TEST_F(DamagedIdentity, AWordForTheFirstTimeIsDeleted) { expectDeletedAndMadeNew("abc\n0\n1\n0\nid\n"); }
 
-TEST_F(DamagedIdentity, AWordForTheSecondTimeIsDeleted) {
-  expectDeletedAndMadeNew("0\nabc\n1\n0\nid\n");
-}
+TEST_F(DamagedIdentity, AWordForTheSecondTimeIsDeleted) { expectDeletedAndMadeNew("0\nabc\n1\n0\nid\n"); }
 
-TEST_F(DamagedIdentity, AWordForTheIterationIsDeleted) {
-  expectDeletedAndMadeNew("0\n0\nabc\n0\nid\n");
-}
+TEST_F(DamagedIdentity, AWordForTheIterationIsDeleted) { expectDeletedAndMadeNew("0\n0\nabc\n0\nid\n"); }
 
 TEST_F(DamagedIdentity, AWordForTheFlagIsDeleted) { expectDeletedAndMadeNew("0\n0\n1\nabc\nid\n"); }
 
@@ -82,12 +76,12 @@ TEST_F(DamagedIdentity, ALineOfBlanksIsDeleted) { expectDeletedAndMadeNew(" \n0\
 
 TEST_F(DamagedIdentity, EmptyLinesWithDosEndsAreDeleted) { expectDeletedAndMadeNew("\r\n\r\n"); }
 
-TEST_F(DamagedIdentity, AFileOfNulBytesIsDeleted) {
-  expectDeletedAndMadeNew(std::string(4096, '\0'));
-}
+TEST_F(DamagedIdentity, AFileOfNulBytesIsDeleted) { expectDeletedAndMadeNew(std::string(4096, '\0')); }
 
 TEST_F(DamagedIdentity, BinaryRubbishIsDeleted) {
-  expectDeletedAndMadeNew("\x7f" "ELF\0\xff\xfe\n\n\n"s);
+  expectDeletedAndMadeNew(
+      "\x7f"
+      "ELF\0\xff\xfe\n\n\n"s);
 }
 
 TEST_F(DamagedIdentity, BytesAbove127ForANumberAreDeleted) {
@@ -95,16 +89,14 @@ TEST_F(DamagedIdentity, BytesAbove127ForANumberAreDeleted) {
 }
 
 TEST_F(DamagedIdentity, AByteOrderMarkIsDeleted) {
-  expectDeletedAndMadeNew("\xef\xbb\xbf" "0\n0\n1\n0\nid\n");
+  expectDeletedAndMadeNew(
+      "\xef\xbb\xbf"
+      "0\n0\n1\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, AMegabyteOfLettersIsDeleted) {
-  expectDeletedAndMadeNew(std::string(1048576, 'x'));
-}
+TEST_F(DamagedIdentity, AMegabyteOfLettersIsDeleted) { expectDeletedAndMadeNew(std::string(1048576, 'x')); }
 
-TEST_F(DamagedIdentity, AMegabyteOfDigitsIsDeleted) {
-  expectDeletedAndMadeNew(std::string(1048576, '9'));
-}
+TEST_F(DamagedIdentity, AMegabyteOfDigitsIsDeleted) { expectDeletedAndMadeNew(std::string(1048576, '9')); }
 
 TEST_F(DamagedIdentity, ALostFirstLineIsDeletedWhereTheIdentifierStandsForTheFlag) {
   expectDeletedAndMadeNew("0\n1\n0\nid\n");
@@ -170,9 +162,7 @@ TEST_F(DamagedIdentity, EveryTruncationOfAGoodFileIsUsedAndWrittenWholeAgain) {
   }
 }
 
-TEST_F(DamagedIdentity, ATruncationToALoneSignIsDeleted) {
-  expectDeletedAndMadeNew("1600000000\n-");
-}
+TEST_F(DamagedIdentity, ATruncationToALoneSignIsDeleted) { expectDeletedAndMadeNew("1600000000\n-"); }
 
 TEST_F(DamagedIdentity, ADirectoryInItsPlaceCannotBeUsed) {
   makeDirectory(file());
@@ -216,8 +206,7 @@ TEST_F(DamagedIdentity, ALinkToNowhereBecomesANewProject) {
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
   record.recordSendAttempt();
-  EXPECT_EQ(readFile(project / "elsewhere"),
-            "1700000000\n0\n2\n0\n" + record.getProjectId() + "\n");
+  EXPECT_EQ(readFile(project / "elsewhere"), "1700000000\n0\n2\n0\n" + record.getProjectId() + "\n");
 }
 
 TEST_F(DamagedIdentity, ALinkIntoAMissingDirectoryCannotBeUsed) {

@@ -42,8 +42,7 @@ TEST(ProjectIdentity, IsWrittenInPlainDecimal) {
   identity.iteration = 42;
   identity.orbeloFlow = 1;
   identity.projectId = "an id = anything";
-  EXPECT_EQ(formatProjectIdentity(identity),
-            (Lines{"1700000000", "-1", "42", "1", "an id = anything"}));
+  EXPECT_EQ(formatProjectIdentity(identity), (Lines{"1700000000", "-1", "42", "1", "an id = anything"}));
 }
 
 TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
@@ -52,9 +51,8 @@ TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
   identity.lastSendTimeType1 = INT64_MOST;
   identity.iteration = std::numeric_limits<std::uint64_t>::max();
   identity.orbeloFlow = std::numeric_limits<std::int32_t>::min();
-  EXPECT_EQ(formatProjectIdentity(identity),
-            (Lines{"-9223372036854775808", "9223372036854775807", "18446744073709551615",
-                   "-2147483648", ""}));
+  EXPECT_EQ(formatProjectIdentity(identity), (Lines{"-9223372036854775808", "9223372036854775807",
+                                                    "18446744073709551615", "-2147483648", ""}));
 }
 
 TEST(ProjectIdentity, IsReadFromFiveLines) {
@@ -109,7 +107,9 @@ TEST(ProjectIdentity, LinesBehindTheFifthAreIgnored) {
 
 TEST(ProjectIdentity, TextBehindANumberIsIgnored) {
   EXPECT_EQ(rewritten("12x\n13 14\n15.9\n1e5\n"), (Lines{"12", "13", "15", "1", ""}));
-  EXPECT_EQ(rewritten("12\0" "34\n1'000\n1,000\n1_0\n"s), (Lines{"12", "1", "1", "1", ""}));
+  EXPECT_EQ(rewritten("12\0"
+                      "34\n1'000\n1,000\n1_0\n"s),
+            (Lines{"12", "1", "1", "1", ""}));
 }
 
 TEST(ProjectIdentity, WhiteSpaceInFrontOfANumberIsSkipped) {
@@ -131,8 +131,7 @@ TEST(ProjectIdentity, CarriageReturnsStayInTheIdentifierOnly) {
 TEST(ProjectIdentity, NumbersAreReadToTheEdgesOfTheirTypes) {
   EXPECT_EQ(rewritten("-9223372036854775808\n9223372036854775807\n9223372036854775807\n"
                       "2147483647\n"),
-            (Lines{"-9223372036854775808", "9223372036854775807", "9223372036854775807",
-                   "2147483647", ""}));
+            (Lines{"-9223372036854775808", "9223372036854775807", "9223372036854775807", "2147483647", ""}));
   EXPECT_EQ(rewritten("0\n0\n1\n-2147483648\n"), (Lines{"0", "0", "1", "-2147483648", ""}));
 }
 
@@ -188,9 +187,10 @@ INSTANTIATE_TEST_SUITE_P(ProjectIdentity, NotANumber,
                                          NamedLine{"ALeadingPoint", ".5"},
                                          NamedLine{"ALetterAbove127", "\xc3\xa9"},
                                          NamedLine{"AByteAbove127", "\xff"},
-                                         NamedLine{"ALeadingNul", "\0" "12"s},
-                                         NamedLine{"NotANumberInWords", "nan"},
-                                         NamedLine{"AComment", "#1"}),
+                                         NamedLine{"ALeadingNul",
+                                                   "\0"
+                                                   "12"s},
+                                         NamedLine{"NotANumberInWords", "nan"}, NamedLine{"AComment", "#1"}),
                          nameOf);
 
 class NumberOutOfRange : public testing::TestWithParam<NamedLine> {};
@@ -230,27 +230,25 @@ INSTANTIATE_TEST_SUITE_P(ProjectIdentity, FlagOutOfRange,
 
 TEST(ProjectIdentity, EveryTruncationOfAGoodTextIsReadToItsEnd) {
   const std::string good = "1700\n1701\n42\n1\nabc\n";
-  const Lines expected[] = {
-      {"0", "0", "1", "0", ""},          // ""
-      {"1", "0", "1", "0", ""},          // "1"
-      {"17", "0", "1", "0", ""},         // "17"
-      {"170", "0", "1", "0", ""},        // "170"
-      {"1700", "0", "1", "0", ""},       // "1700"
-      {"1700", "0", "1", "0", ""},       // and the line end
-      {"1700", "1", "1", "0", ""},       // "1"
-      {"1700", "17", "1", "0", ""},      // "17"
-      {"1700", "170", "1", "0", ""},     // "170"
-      {"1700", "1701", "1", "0", ""},    // "1701"
-      {"1700", "1701", "1", "0", ""},    // and the line end
-      {"1700", "1701", "4", "0", ""},    // "4"
-      {"1700", "1701", "42", "0", ""},   // "42"
-      {"1700", "1701", "42", "0", ""},   // and the line end
-      {"1700", "1701", "42", "1", ""},   // "1"
-      {"1700", "1701", "42", "1", ""},   // and the line end
-      {"1700", "1701", "42", "1", "a"},  // "a"
-      {"1700", "1701", "42", "1", "ab"},
-      {"1700", "1701", "42", "1", "abc"},
-      {"1700", "1701", "42", "1", "abc"}};
+  const Lines expected[] = {{"0", "0", "1", "0", ""},          // ""
+                            {"1", "0", "1", "0", ""},          // "1"
+                            {"17", "0", "1", "0", ""},         // "17"
+                            {"170", "0", "1", "0", ""},        // "170"
+                            {"1700", "0", "1", "0", ""},       // "1700"
+                            {"1700", "0", "1", "0", ""},       // and the line end
+                            {"1700", "1", "1", "0", ""},       // "1"
+                            {"1700", "17", "1", "0", ""},      // "17"
+                            {"1700", "170", "1", "0", ""},     // "170"
+                            {"1700", "1701", "1", "0", ""},    // "1701"
+                            {"1700", "1701", "1", "0", ""},    // and the line end
+                            {"1700", "1701", "4", "0", ""},    // "4"
+                            {"1700", "1701", "42", "0", ""},   // "42"
+                            {"1700", "1701", "42", "0", ""},   // and the line end
+                            {"1700", "1701", "42", "1", ""},   // "1"
+                            {"1700", "1701", "42", "1", ""},   // and the line end
+                            {"1700", "1701", "42", "1", "a"},  // "a"
+                            {"1700", "1701", "42", "1", "ab"}, {"1700", "1701", "42", "1", "abc"},
+                            {"1700", "1701", "42", "1", "abc"}};
   ASSERT_EQ(std::size(expected), good.size() + 1);
   for (std::size_t length = 0; length <= good.size(); ++length) {
     EXPECT_EQ(rewritten(good.substr(0, length)), expected[length]) << "length " << length;
@@ -266,8 +264,7 @@ std::string joined(const Lines& lines) {
 }
 
 RC_GTEST_PROP(ProjectIdentity, ComesBackAsItWasWritten,
-              (std::int64_t defaultTime, std::int64_t type1Time, std::int64_t iteration,
-               std::int32_t flow)) {
+              (std::int64_t defaultTime, std::int64_t type1Time, std::int64_t iteration, std::int32_t flow)) {
   ProjectIdentity identity;
   identity.lastSendTimeDefault = defaultTime;
   identity.lastSendTimeType1 = type1Time;

@@ -120,8 +120,8 @@ TEST_F(RandomId, BehindAnEmptyOneIsMadeAnewAtEachCall) {
   EXPECT_EQ(setting.getPropertyValue("RandomID"), "");
 
   const std::string third = VestraSetting().getRandomId();
-  EXPECT_EQ(settings(), "RandomID=\nRandomID=" + first + "\nRandomID=" + second + "\nRandomID=" +
-                            third + "\n");
+  EXPECT_EQ(settings(),
+            "RandomID=\nRandomID=" + first + "\nRandomID=" + second + "\nRandomID=" + third + "\n");
 }
 
 TEST_F(RandomId, IsWrittenInOurBytesUnderTheHostsLocale) {

@@ -48,7 +48,9 @@ TEST_F(DamagedSettings, AnEmptyFileGetsAnIdentifier) {
 }
 
 TEST_F(DamagedSettings, BinaryRubbishIsKeptAndGetsAnIdentifierBehindIt) {
-  const std::string rubbish = "\x7f" "ELF\0\x01\xff\xfe==\n\0\0\n"s;
+  const std::string rubbish =
+      "\x7f"
+      "ELF\0\x01\xff\xfe==\n\0\0\n"s;
   writeSettings(rubbish);
   expectNewIdentifierThatLasts();
   EXPECT_EQ(settings().substr(0, rubbish.size()), rubbish);

@@ -8,6 +8,7 @@
 
 #include "interface/vestra_mgr.h"
 #include "support/child_process.h"
+#include "support/error_of.h"
 #include "support/files.h"
 #include "support/scoped_env.h"
 #include "support/temporary_directory.h"
@@ -15,6 +16,7 @@
 namespace Oza {
 namespace {
 
+using vestra_test::errorOf;
 using vestra_test::inChildProcess;
 using vestra_test::namesIn;
 using vestra_test::ScopedEnv;
@@ -22,16 +24,6 @@ using vestra_test::TemporaryDirectory;
 using vestra_test::writeFile;
 
 constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
-
-template <typename Call>
-std::string errorOf(Call call) {
-  try {
-    call();
-    return "nothing was thrown";
-  } catch (const std::logic_error& error) {
-    return error.what();
-  }
-}
 
 /// What the entry points do in a process that has not used them yet. Each
 /// observation is made in a process of its own.
@@ -94,8 +86,7 @@ TEST_F(FirstUse, WithANullKeyAndValueThrowsAndMakesNoManager) {
 }
 
 TEST_F(FirstUse, WithANullProjectDirectoryThrowsAndMakesNoManager) {
-  EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }),
-            NULL_TEXT);
+  EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), NULL_TEXT);
   EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), "no manager");
 }
 
@@ -152,17 +143,15 @@ TEST_F(FirstUse, TheLogFileNameIsThatOfTheLastSending) {
 
 TEST_F(FirstUse, TheSiteIsThatOfTheHandler) {
   EXPECT_EQ(inChildProcess([] {
-              return Vestra::internal() == VestraMgr::getInstance()->getHandler()->isInternal()
-                         ? "the same"
-                         : "different";
+              return Vestra::internal() == VestraMgr::getInstance()->getHandler()->isInternal() ? "the same"
+                                                                                                : "different";
             }),
             "the same");
 }
 
 TEST_F(FirstUse, SendingWithoutASupportLibraryGivesFalseAndLeavesTheRulesFile) {
-  EXPECT_EQ(inChildProcess([&] {
-              return Vestra::send(project.path().c_str(), Vestra::KELVO) ? "sent" : "not sent";
-            }),
+  EXPECT_EQ(inChildProcess(
+                [&] { return Vestra::send(project.path().c_str(), Vestra::KELVO) ? "sent" : "not sent"; }),
             "not sent");
   EXPECT_EQ(namesIn(project / "vestra"),
             (std::vector<std::string>{".kelvo_vestrra.info", "usage_statistics_ext_kelvo.wdm"}));
@@ -192,9 +181,8 @@ TEST_F(FirstUse, SendingMakesARandomIdEvenWhenThePreparationFails) {
   const TemporaryDirectory newHome;
   const ScopedEnv newHomeVariable("HOME", newHome.path());
   writeFile(project / "vestra", "");
-  EXPECT_EQ(inChildProcess([&] {
-              return Vestra::send(project.path().c_str(), Vestra::KELVO) ? "sent" : "not sent";
-            }),
+  EXPECT_EQ(inChildProcess(
+                [&] { return Vestra::send(project.path().c_str(), Vestra::KELVO) ? "sent" : "not sent"; }),
             "not sent");
   EXPECT_EQ(vestra_test::readFile(newHome / ".Calvix/Common/2018.2/vestra").substr(0, 9), "RandomID=");
 }

@@ -34,6 +34,5 @@ TEST(Manager, OfTheProcessIsOne) {
   EXPECT_NE(VestraMgr::getInstance()->getHandler(), nullptr);
 }
 
-
 }  // namespace
 }  // namespace Oza

@@ -42,9 +42,7 @@ void writeFile(const std::string& path, const std::string& bytes) {
   }
 }
 
-bool exists(const std::string& path) {
-  return fs::symlink_status(path).type() != fs::file_not_found;
-}
+bool exists(const std::string& path) { return fs::symlink_status(path).type() != fs::file_not_found; }
 
 std::vector<std::string> namesIn(const std::string& directory) {
   std::vector<std::string> names;

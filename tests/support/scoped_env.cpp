@@ -16,8 +16,7 @@ void put(const std::string& name, const std::optional<std::string>& value) {
 
 }  // namespace
 
-ScopedEnv::ScopedEnv(std::string name, const std::optional<std::string>& value)
-    : variable(std::move(name)) {
+ScopedEnv::ScopedEnv(std::string name, const std::optional<std::string>& value) : variable(std::move(name)) {
   if (const char* old = std::getenv(variable.c_str())) {
     before = old;
   }

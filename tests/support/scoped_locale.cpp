@@ -45,8 +45,7 @@ class OddLetters : public std::ctype<char> {
 
 char otherCase(char letter) {
   const std::locale& classic = std::locale::classic();
-  return std::islower(letter, classic) ? std::toupper(letter, classic)
-                                       : std::tolower(letter, classic);
+  return std::islower(letter, classic) ? std::toupper(letter, classic) : std::tolower(letter, classic);
 }
 
 class CaseSwapping : public std::codecvt<char, char, std::mbstate_t> {
@@ -63,15 +62,14 @@ class CaseSwapping : public std::codecvt<char, char, std::mbstate_t> {
                 extern_type*& toNext) const override {
     return swapCase(from, fromEnd, fromNext, to, toEnd, toNext);
   }
-  result do_in(state_type&, const extern_type* from, const extern_type* fromEnd,
-               const extern_type*& fromNext, intern_type* to, intern_type* toEnd,
-               intern_type*& toNext) const override {
+  result do_in(state_type&, const extern_type* from, const extern_type* fromEnd, const extern_type*& fromNext,
+               intern_type* to, intern_type* toEnd, intern_type*& toNext) const override {
     return swapCase(from, fromEnd, fromNext, to, toEnd, toNext);
   }
 
  private:
-  static result swapCase(const char* from, const char* fromEnd, const char*& fromNext, char* to,
-                         char* toEnd, char*& toNext) {
+  static result swapCase(const char* from, const char* fromEnd, const char*& fromNext, char* to, char* toEnd,
+                         char*& toNext) {
     while (from != fromEnd && to != toEnd) {
       *to++ = otherCase(*from++);
     }

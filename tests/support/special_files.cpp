@@ -27,7 +27,7 @@ void succeed(int result, const std::string& path) {
 void makeParent(const std::string& path) { fs::create_directories(fs::path(path).parent_path()); }
 
 mode_t modeOf(const std::string& path) {
-  struct stat status{};
+  struct stat status {};
   succeed(stat(path.c_str(), &status), path);
   return status.st_mode & 07777U;
 }
@@ -60,8 +60,7 @@ void makeLink(const std::string& path, const std::string& target) {
   succeed(symlink(target.c_str(), path.c_str()), path);
 }
 
-ScopedMode::ScopedMode(std::string path, mode_t mode)
-    : changed(std::move(path)), before(modeOf(changed)) {
+ScopedMode::ScopedMode(std::string path, mode_t mode) : changed(std::move(path)), before(modeOf(changed)) {
   succeed(chmod(changed.c_str(), mode), changed);
 }
 

@@ -9,9 +9,7 @@ namespace {
 const std::string FORM = "xxxxxxxx-xxxx-4xxx-vxxx-xxxxxxxxxxxx";
 
 bool fits(char byte, char sign) {
-  const std::string allowed = sign == 'x'   ? "0123456789abcdef"
-                              : sign == 'v' ? "89ab"
-                                            : std::string(1, sign);
+  const std::string allowed = sign == 'x' ? "0123456789abcdef" : sign == 'v' ? "89ab" : std::string(1, sign);
   return allowed.find(byte) != std::string::npos;
 }
 
