@@ -18,6 +18,10 @@ namespace Oza {
 /// All strings are byte strings, copied before the call returns and written
 /// without quoting or escaping. Call from one thread at a time; nothing but the
 /// first use in a process is guarded against concurrent calls.
+///
+/// What the library holds is destroyed at the process's exit. A static object that the
+/// host made before its first call is destroyed later still: from there, `add` does
+/// nothing, `send` and `internal` are false and `getLogFileName` is empty.
 class Vestra {
  public:
   /// What an item is about: its place in the report.

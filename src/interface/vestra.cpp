@@ -11,11 +11,17 @@ namespace Oza {
 void Vestra::add(const char* key, const char* value, SectionType section) {
   std::string valueText = byteString(value);
   std::string keyText = byteString(key);
+  if (VestraMgr::isGone()) {
+    return;
+  }
   VestraMgr::getInstance()->getHandler()->addData(std::move(keyText), std::move(valueText), section);
 }
 
 bool Vestra::send(const char* projectDir, ProductType product) {
   std::string directory = byteString(projectDir);
+  if (VestraMgr::isGone()) {
+    return false;
+  }
   VestraMgr::getInstance()->getHandler()->setProjectDirectory(std::move(directory));
   VestraMgr::getInstance()->getHandler()->setProductType(product);
   const std::string randomId = VestraMgr::getInstance()->getSetting()->getRandomId();
@@ -24,10 +30,12 @@ bool Vestra::send(const char* projectDir, ProductType product) {
          VestraMgr::getInstance()->getHandler()->sendVestraData();
 }
 
-bool Vestra::internal() { return VestraMgr::getInstance()->getHandler()->isInternal(); }
+bool Vestra::internal() {
+  return !VestraMgr::isGone() && VestraMgr::getInstance()->getHandler()->isInternal();
+}
 
 std::string Vestra::getLogFileName() {
-  return VestraMgr::getInstance()->getHandler()->getLogFileName();
+  return VestraMgr::isGone() ? std::string() : VestraMgr::getInstance()->getHandler()->getLogFileName();
 }
 
 }  // namespace Oza

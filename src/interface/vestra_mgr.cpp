@@ -1,11 +1,24 @@
 #include "interface/vestra_mgr.h"
 
 namespace Oza {
+namespace {
+
+// Without a destructor, so that whoever is destroyed after the manager can ask.
+bool theManagerIsGone = false;
+
+struct TheManager {
+  VestraMgr manager;
+  ~TheManager() { theManagerIsGone = true; }
+};
+
+}  // namespace
 
 VestraMgr* VestraMgr::getInstance() {
-  static VestraMgr manager;
-  return &manager;
+  static TheManager the;
+  return &the.manager;
 }
+
+bool VestraMgr::isGone() { return theManagerIsGone; }
 
 VestraMgr::VestraMgr() : setting(new VestraSetting), handler(new VestraHandler) {}
 

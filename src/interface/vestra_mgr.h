@@ -12,7 +12,12 @@ class VestraMgr {
   /// The manager, made at the first call and destroyed at exit or when the library
   /// is unloaded. Making it is safe against concurrent calls; it throws what the
   /// settings' or the handler's constructor throws, and the next call tries again.
+  /// Not to be called once the manager is gone.
   static VestraMgr* getInstance();
+
+  /// Whether the one manager has been destroyed: a host's static object that was made
+  /// before it is destroyed after it.
+  static bool isGone();
 
   /// Makes the settings, which read their file, then the handler.
   VestraMgr();

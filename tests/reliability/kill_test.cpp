@@ -30,7 +30,7 @@ class KilledHost : public WatchedHost {
  protected:
   void killAt(std::size_t number) {
     workplace.reset();
-    const HostEnd end = runHost(workplace.start(), {Disturbance::KILL, number, 0});
+    const HostEnd end = runHost(workplace.start(), {Disturbance::KILL, number});
     ASSERT_TRUE(end.disturbed);
     std::ostringstream what;
     what << "killed at call " << number << ", " << end.calls.back();

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
 #include <sys/wait.h>
@@ -178,6 +179,14 @@ void finishFailing(Tracee& tracee, const user_regs_struct& registers, int error)
   tracee.setRegister(offsetof(user_regs_struct, rax), -error);
 }
 
+void disturb(Tracee& tracee, const user_regs_struct& registers, const Disturbance& disturbance) {
+  if (disturbance.kind == Disturbance::FAIL) {
+    finishFailing(tracee, registers, disturbance.error);
+  } else {
+    disturbance.deed();
+  }
+}
+
 /// Steps from call to call, from one of the host's marks to the other.
 void watch(Tracee& tracee, const Disturbance& disturbance, HostEnd& end) {
   for (tracee.goOnToSystemCall(); tracee.isAlive() && !tracee.stoppedItself(); tracee.goOnToSystemCall()) {
@@ -191,7 +200,7 @@ void watch(Tracee& tracee, const Disturbance& disturbance, HostEnd& end) {
       return tracee.kill();
     }
     if (end.disturbed) {
-      finishFailing(tracee, registers, disturbance.error);
+      disturb(tracee, registers, disturbance);
       return tracee.goOnToStop();
     }
     tracee.goOnToSystemCall();
@@ -202,6 +211,15 @@ void readOutcome(const std::string& file, HostEnd& end) {
   std::ifstream in(file);
   std::getline(in, end.outcome);
   in >> end.descriptorsLost;
+}
+
+/// What limited the use of the library does not limit the host's account of it.
+void liftLimits(pid_t process) {
+  for (const auto resource : {RLIMIT_FSIZE, RLIMIT_NOFILE, RLIMIT_AS}) {
+    rlimit limit{};
+    getrlimit(resource, &limit);
+    prlimit(process, resource, &limit, nullptr);
+  }
 }
 
 pid_t startHost(const HostStart& start) {
@@ -232,14 +250,17 @@ std::optional<std::string> whyNothingIsTraced() {
 HostEnd runHost(const HostStart& start, const Disturbance& disturbance) {
   HostEnd end;
   boost::filesystem::remove(start.records + "/outcome");
-  Tracee tracee(startHost(start));
+  const pid_t process = startHost(start);
+  Tracee tracee(process);
   tracee.goOnToStop();
+  start.atBeginning(process);
   if (disturbance.kind == Disturbance::NONE) {
     tracee.goOnToStop();
   } else {
     watch(tracee, disturbance, end);
   }
   if (tracee.isAlive()) {
+    liftLimits(process);
     tracee.goOnToStop();
   }
   end.signal = tracee.endingSignal();

@@ -1,7 +1,10 @@
 #ifndef VESTRA_TESTS_RELIABILITY_TRACED_HOST_H
 #define VESTRA_TESTS_RELIABILITY_TRACED_HOST_H
 
+#include <sys/types.h>
+
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -32,11 +35,14 @@ struct Disturbance {
     /// same, as Linux does it.
     FAIL,
     /// The host is killed instead of entering the kernel.
-    KILL
+    KILL,
+    /// The call is made, but somebody else's deed comes before it.
+    MEDDLE
   };
   Kind kind = NONE;
   std::size_t call = 0;
   int error = 0;
+  std::function<void()> deed = [] {};
 };
 
 /// How to start the host.
@@ -50,6 +56,8 @@ struct HostStart {
   bool keepsReportFiles = false;
   /// An existing directory for the host's outcome and output.
   std::string records;
+  /// Done while the host stands where its use of the library begins.
+  std::function<void(pid_t)> atBeginning = [](pid_t) {};
 };
 
 /// How the host went.

@@ -17,7 +17,7 @@ void WatchedHost::SetUp() {
 
 std::vector<SystemCall> WatchedHost::callsOfARun() {
   workplace.reset();
-  return runHost(workplace.start(), {Disturbance::WATCH, 0, 0}).calls;
+  return runHost(workplace.start(), {Disturbance::WATCH}).calls;
 }
 
 void WatchedHost::expectThatAReportIsSent() {

@@ -54,6 +54,10 @@ void Workplace::reset() {
     fs::remove_all(directory / name);
     fs::create_directory(directory / name);
   }
+  furnish();
+}
+
+void Workplace::furnish() {
   if (situation.home != Situation::NEW_HOME) {
     writeFile(settingsFile(), settingsBefore());
   }

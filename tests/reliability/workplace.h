@@ -41,6 +41,8 @@ class Workplace {
   HostStart start() const;
   /// Puts everything back to how the situation says it was in the beginning.
   void reset();
+  /// Writes the files that the situation begins with.
+  void furnish();
   /// Makes the next report due, where the identity file is one that says otherwise.
   void makeDue();
 

@@ -1,0 +1,33 @@
+#ifndef VESTRA_FUZZ_REPORT_UNDER_TEST_H
+#define VESTRA_FUZZ_REPORT_UNDER_TEST_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <vestra/vestra.h>
+
+#include "report.h"
+
+namespace vestra_fuzz {
+
+struct Item {
+  std::string key;
+  std::string value;
+  Oza::Vestra::SectionType section;
+};
+
+/// Prepares a report of these items with this environment text, for the simulator, in
+/// a directory of the process's own, and gives the script.
+std::string scriptOf(const std::vector<Item>& items, const std::string& environment);
+
+/// What the stand-in design tool reads in a script, in a real interpreter that stops
+/// a script which goes on for long; nothing when it refuses the script.
+std::optional<vestra::design_tool::Report> reportOf(const std::string& script);
+
+/// Whether Tcl reads the text as it stands, as a bare word and between quotes.
+bool isPlain(const std::string& text);
+
+}  // namespace vestra_fuzz
+
+#endif

@@ -1,0 +1,129 @@
+// Disks that are full, read-only or gone, and a machine without a shell. What the
+// host finds is real: file systems of this process's own.
+
+#include <boost/filesystem.hpp>
+
+#include "reliability/private_mounts.h"
+#include "reliability/watched_host.h"
+#include "support/files.h"
+
+namespace vestra_test {
+namespace {
+
+namespace fs = boost::filesystem;
+
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+/// One page for a file, one for what fills the rest.
+constexpr const char* SMALL = "size=8k";
+
+class Disk : public WatchedHost {
+ protected:
+  void SetUp() override {
+    WatchedHost::SetUp();
+    if (mounts.whyNot()) {
+      GTEST_SKIP() << *mounts.whyNot();
+    }
+  }
+
+  /// Mounts a file system in a directory's place and puts there what the situation
+  /// asks for.
+  void mountOver(const std::string& directory, const std::string& options) {
+    mounts.mountMemory(directory, options);
+    workplace.furnish();
+  }
+
+  void expectQuietAnswer(const HostEnd& end, const std::string& outcome) {
+    EXPECT_FALSE(end.signal) << end.signal.value_or(0);
+    EXPECT_EQ(end.outcome, outcome);
+    EXPECT_EQ(end.descriptorsLost, 0);
+    EXPECT_EQ(end.output, "");
+  }
+
+  bool projectIsKnown() const { return GetParam().project == Situation::KNOWN_PROJECT; }
+
+  PrivateMounts mounts;
+};
+
+TEST_P(Disk, OfTheHomeThatIsFullLosesNoOlderLine) {
+  mountOver(workplace.home(), SMALL);
+  fill(workplace.home());
+  expectQuietAnswer(runHost(workplace.start()), "answer true");
+  EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), testing::StartsWith(workplace.settingsBefore()));
+  makeRoom(workplace.home());
+  expectThatAReportIsSent();
+}
+
+TEST_P(Disk, OfTheHomeWithoutInodesLosesNoOlderLine) {
+  mountOver(workplace.home(), "nr_inodes=6");
+  for (int number = 0; number < 6; ++number) {
+    boost::system::error_code full;
+    fs::create_directory(workplace.home() + "/full" + std::to_string(number), full);
+  }
+  expectQuietAnswer(runHost(workplace.start()), "answer true");
+  EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), testing::StartsWith(workplace.settingsBefore()));
+}
+
+TEST_P(Disk, OfTheProjectThatIsFullIsNotNoticed) {
+  mountOver(workplace.project(), projectIsKnown() ? "size=24k" : SMALL);
+  fill(workplace.project());
+  expectQuietAnswer(runHost(workplace.start()), "answer true");
+  EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
+              AnyOf("", MatchesRegex("[0-9]{10}\n0\n[28]\n0\n[0-9a-f-]{36}\n")));
+  makeRoom(workplace.project());
+  expectThatAReportIsSent();
+}
+
+TEST_P(Disk, OfTheProjectWithoutInodesGivesTheReportUp) {
+  if (projectIsKnown()) {
+    GTEST_SKIP() << "the known project needs no new inode but the script's";
+  }
+  mountOver(workplace.project(), "nr_inodes=1");
+  expectQuietAnswer(runHost(workplace.start()), "answer false");
+  EXPECT_TRUE(namesIn(workplace.project()).empty());
+}
+
+TEST_P(Disk, OfTheHomeThatIsReadOnlyGivesTheIdentifierThatIsThere) {
+  mountOver(workplace.home(), "");
+  mounts.makeReadOnly(workplace.home());
+  const std::string before = contentOf(workplace.settingsFile()).value_or("no file");
+  HostStart start = workplace.start();
+  start.keepsReportFiles = true;
+  expectQuietAnswer(runHost(start), "answer true");
+  EXPECT_EQ(contentOf(workplace.settingsFile()).value_or("no file"), before);
+  const bool isThere = GetParam().home == Situation::KNOWN_HOME;
+  EXPECT_THAT(readFile(workplace.scriptFile()),
+              HasSubstr(isThere ? "-key random_id -value \"3f2a9c4e-" : "-key random_id -value \"\""));
+}
+
+TEST_P(Disk, OfTheProjectThatIsReadOnlyGivesTheReportUp) {
+  mountOver(workplace.project(), "");
+  mounts.makeReadOnly(workplace.project());
+  expectQuietAnswer(runHost(workplace.start()), "answer false");
+  EXPECT_EQ(contentOf(workplace.identityFile()), workplace.identityBefore());
+  mounts.unmount(workplace.project());
+  expectThatAReportIsSent();
+}
+
+TEST_P(Disk, ThatIsGoneWithHomeAndProjectIsMadeAnew) {
+  fs::remove_all(workplace.home());
+  fs::remove_all(workplace.project());
+  expectQuietAnswer(runHost(workplace.start()), "answer true");
+  EXPECT_THAT(readFile(workplace.settingsFile()), MatchesRegex("RandomID=[0-9a-f-]{36}\n"));
+  EXPECT_THAT(readFile(workplace.identityFile()), MatchesRegex("[0-9]{10}\n0\n2\n0\n[0-9a-f-]{36}\n"));
+}
+
+TEST_P(Disk, WithoutAShellCountsTheReportAsSentAndCleansUp) {
+  mounts.mountMemory(fs::canonical("/bin/sh").parent_path().string());
+  expectQuietAnswer(runHost(workplace.start()), "answer true");
+  EXPECT_FALSE(exists(workplace.scriptFile()));
+  EXPECT_FALSE(exists(workplace.rulesFile()));
+  EXPECT_THAT(readFile(workplace.identityFile()), MatchesRegex("[0-9]{10}\n0\n[28]\n0\n[0-9a-f-]{36}\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAHost, Disk, testing::ValuesIn(allSituations()), situationName);
+
+}  // namespace
+}  // namespace vestra_test

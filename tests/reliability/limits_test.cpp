@@ -1,0 +1,111 @@
+// Limits that a shell or a batch system sets on the host, in force while it uses the
+// library.
+
+#include <sys/resource.h>
+
+#include <csignal>
+#include <fstream>
+
+#include "reliability/sanitized.h"
+#include "reliability/watched_host.h"
+
+namespace vestra_test {
+namespace {
+
+using testing::AnyOf;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+/// Limits a process; the hard limit stays, so that it can be lifted.
+void limit(pid_t process, __rlimit_resource resource, rlim_t most) {
+  rlimit limits{};
+  prlimit(process, resource, nullptr, &limits);
+  limits.rlim_cur = most;
+  prlimit(process, resource, &limits, nullptr);
+}
+
+rlim_t addressSpaceOf(pid_t process) {
+  std::ifstream in("/proc/" + std::to_string(process) + "/statm");
+  rlim_t pages = 0;
+  in >> pages;
+  return pages * 4096;
+}
+
+class LimitedHost : public WatchedHost {
+ protected:
+  HostEnd runWithin(__rlimit_resource resource, rlim_t most) {
+    workplace.reset();
+    HostStart start = workplace.start();
+    start.atBeginning = [&](pid_t process) { limit(process, resource, most); };
+    return runHost(start);
+  }
+
+  void expectNextRunWorks() {
+    workplace.makeDue();
+    if (isNewState()) {
+      expectThatAReportIsSent();
+    }
+  }
+};
+
+TEST_P(LimitedHost, IsNotEndedByAFileThatGrowsTooLarge) {
+  for (rlim_t bytes = 0; bytes < 1200; bytes += bytes < 60 ? 3 : 60) {
+    SCOPED_TRACE(std::to_string(bytes) + " bytes for each file");
+    const HostEnd end = runWithin(RLIMIT_FSIZE, bytes);
+    EXPECT_FALSE(end.signal) << end.signal.value_or(0);
+    EXPECT_EQ(end.outcome, "answer true");
+    EXPECT_EQ(end.output, "");
+    EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), StartsWith(workplace.settingsBefore()));
+    EXPECT_LE(contentOf(workplace.identityFile()).value_or("").size(), bytes);
+    expectNextRunWorks();
+  }
+}
+
+TEST_P(LimitedHost, IsNotDueAgainThoughItsFilesWereTooLarge) {
+  runWithin(RLIMIT_FSIZE, 11);
+  EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"), MatchesRegex("[0-9]{10}\n"));
+  EXPECT_EQ(runHost(workplace.start()).outcome, "answer false");
+}
+
+TEST_P(LimitedHost, WithoutDescriptorsLosesNothing) {
+  for (rlim_t descriptors = 0; descriptors <= 3; ++descriptors) {
+    const HostEnd end = runWithin(RLIMIT_NOFILE, descriptors);
+    EXPECT_FALSE(end.signal) << end.signal.value_or(0);
+    EXPECT_EQ(end.outcome, "answer false");
+    EXPECT_EQ(end.output, "");
+    EXPECT_EQ(contentOf(workplace.settingsFile()).value_or(""), workplace.settingsBefore());
+    EXPECT_EQ(contentOf(workplace.identityFile()), workplace.identityBefore());
+  }
+  expectThatAReportIsSent();
+}
+
+TEST_P(LimitedHost, HasEnoughWithOneDescriptor) {
+  EXPECT_EQ(runWithin(RLIMIT_NOFILE, 4).outcome, "answer true");
+}
+
+TEST_P(LimitedHost, WithoutMemoryThrowsOrGivesAnAnswer) {
+  if (SANITIZED) {
+    GTEST_SKIP() << "a sanitizer's runtime ends the process when it gets no memory";
+  }
+  for (rlim_t left = 0; left < 6U << 20U; left += 256U << 10U) {
+    SCOPED_TRACE(std::to_string(left) + " bytes of address space left");
+    workplace.reset();
+    HostStart start = workplace.start();
+    start.atBeginning = [&](pid_t process) { limit(process, RLIMIT_AS, addressSpaceOf(process) + left); };
+    const HostEnd end = runHost(start);
+    EXPECT_FALSE(end.signal) << end.signal.value_or(0);
+    EXPECT_THAT(end.outcome, AnyOf("answer true", "answer false", "exception std::bad_alloc"));
+    EXPECT_EQ(end.descriptorsLost, 0);
+    EXPECT_EQ(end.output, "");
+    EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), StartsWith(workplace.settingsBefore()));
+    expectNextRunWorks();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAReport, LimitedHost, 
+                         testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::HOME_WITHOUT_IDENTIFIER},
+                                         Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
+                         situationName);
+
+}  // namespace
+}  // namespace vestra_test
