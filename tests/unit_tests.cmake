@@ -24,9 +24,9 @@ target_link_libraries(unit_tests PRIVATE
 foreach(tests unit_tests out_of_memory_tests first_use_tests first_use_thread_tests)
   target_link_libraries(${tests} PRIVATE
     vestra_objects vestra_test_support GTest::gtest_main Threads::Threads)
-  gtest_discover_tests(${tests} PROPERTIES TIMEOUT 60)
+  gtest_discover_tests(${tests} PROPERTIES TIMEOUT 60 LABELS unit)
 endforeach()
 
 # ctest runs each test in a process of its own; they must not mind sharing one.
 add_test(NAME unit_tests.in_one_process COMMAND unit_tests --gtest_shuffle --gtest_brief)
-set_tests_properties(unit_tests.in_one_process PROPERTIES TIMEOUT 300)
+set_tests_properties(unit_tests.in_one_process PROPERTIES TIMEOUT 300 LABELS unit)

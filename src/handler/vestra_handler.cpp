@@ -38,7 +38,7 @@ void VestraHandler::addData(std::string key, std::string value, Vestra::SectionT
   VestraParentData* context = contextAt(section);
   auto item = std::make_unique<VestraAddData>(std::move(key), std::move(value), context);
   context->addChild(item.get());
-  item.release();
+  static_cast<void>(item.release());  // the context owns it now
 }
 
 void VestraHandler::addData(VestraDataInterface* item, Vestra::SectionType section) {

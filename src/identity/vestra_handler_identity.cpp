@@ -35,7 +35,8 @@ std::string VestraHandler::getOrbeloProjectId() const {
 void VestraHandler::addUserEnvironmentData() {
   const std::string product = getProductName();
   addEnvironmentPairs(support_library::environmentData(isKelvo() ? product.c_str() : nullptr));
-  addData("project_id", projectInfo->getProjectId().c_str(),
+  // As a C string: what follows a null byte in a damaged file is not reported.
+  addData("project_id", projectInfo->getProjectId().c_str(),  // NOLINT(readability-redundant-string-cstr)
           Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   addData("project_iteration", std::to_string(projectInfo->getIteration()),
           Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);

@@ -45,10 +45,10 @@ bool isReportDue(std::int64_t now, std::int64_t lastSendTime);
 /// vestra/.kelvo_vestrra.info.
 class VestraProjectInfo {
  public:
-  /// @param filePath  Path of the identity file; its last 19 bytes are the name.
-  /// @param owner     Asked for the host's project identifier and for the
-  ///                  product. Must outlive the record.
-  VestraProjectInfo(std::string filePath, VestraHandler* owner);
+  /// @param path     Path of the identity file; its last 19 bytes are the name.
+  /// @param handler  Asked for the host's project identifier and for the
+  ///                 product. Must outlive the record.
+  VestraProjectInfo(std::string path, VestraHandler* handler);
 
   /// Loads the identity file or, where there is none, makes an empty one with its
   /// directories and a new identifier in memory. An identifier that the host added

@@ -60,7 +60,7 @@ std::string placeOf(const Diagnostic& diagnostic) {
 }  // namespace
 
 std::string format(const Diagnostic& diagnostic) {
-  const std::string headline = fmt::format("{}: {}\n", placeOf(diagnostic), diagnostic.message);
+  std::string headline = fmt::format("{}: {}\n", placeOf(diagnostic), diagnostic.message);
   if (diagnostic.excerpt.empty()) {
     return headline;
   }
