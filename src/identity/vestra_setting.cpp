@@ -71,7 +71,7 @@ bool VestraSetting::stringToBool(const std::string& text) { return text.rfind("t
 std::string VestraSetting::getCalvixVersion() const { return "2018.2"; }
 
 std::string VestraSetting::getRandomId() {
-  std::string known = getPropertyValue(RANDOM_ID);
+  const std::string known = getPropertyValue(RANDOM_ID);
   if (!known.empty()) {
     return known;
   }
@@ -84,7 +84,7 @@ std::string VestraSetting::getRandomId() {
   if (!out.is_open()) {
     return {};
   }
-  std::string identifier = randomUuid();
+  const std::string identifier = randomUuid();
   out << RANDOM_ID << '=' << identifier << std::endl;
   // A line with an empty value ahead of all others stands in the table and
   // stays: such a file gets a new identifier at every call.

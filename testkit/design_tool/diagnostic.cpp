@@ -60,7 +60,7 @@ std::string placeOf(const Diagnostic& diagnostic) {
 }  // namespace
 
 std::string format(const Diagnostic& diagnostic) {
-  std::string headline = fmt::format("{}: {}\n", placeOf(diagnostic), diagnostic.message);
+  const std::string headline = fmt::format("{}: {}\n", placeOf(diagnostic), diagnostic.message);
   if (diagnostic.excerpt.empty()) {
     return headline;
   }

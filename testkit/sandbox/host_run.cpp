@@ -10,8 +10,9 @@ const Report* HostRun::report() const { return reports.empty() ? nullptr : &repo
 
 std::vector<std::string> HostRun::values(Oza::Vestra::SectionType section, const std::string& key) const {
   const std::string context = contextOf(section);
+  const Report* const last = report();
   std::vector<std::string> found;
-  for (const Item& item : report() != nullptr ? report()->items : writtenItems) {
+  for (const Item& item : last != nullptr ? last->items : writtenItems) {
     if (item.context == context && item.key == key) {
       found.push_back(item.value);
     }
