@@ -49,7 +49,8 @@ class KilledHost : public WatchedHost {
     if (GetParam().home == Situation::KNOWN_HOME) {
       return testing::Optional(workplace.settingsBefore());
     }
-    const auto whole = testing::Optional(MatchesRegex(workplace.settingsBefore() + "RandomID=" + UUID + "\n"));
+    const auto whole =
+        testing::Optional(MatchesRegex(workplace.settingsBefore() + "RandomID=" + UUID + "\n"));
     if (GetParam().home == Situation::HOME_WITHOUT_IDENTIFIER) {
       return AnyOf(testing::Optional(workplace.settingsBefore()), whole);
     }
@@ -60,8 +61,8 @@ class KilledHost : public WatchedHost {
     const bool isKnown = GetParam().project == Situation::KNOWN_PROJECT;
     const std::string next = isKnown ? "8" : "2";
     const std::string id = isKnown ? KNOWN_PROJECT_ID : UUID;
-    const auto written = testing::Optional(MatchesRegex(
-        "([0-9]{10}\n(0\n(" + next + "\n(0\n(" + id + "\n)?)?)?)?)?"));
+    const auto written =
+        testing::Optional(MatchesRegex("([0-9]{10}\n(0\n(" + next + "\n(0\n(" + id + "\n)?)?)?)?)?"));
     return AnyOf(workplace.identityBefore(), written);
   }
 

@@ -102,9 +102,11 @@ TEST_P(LimitedHost, WithoutMemoryThrowsOrGivesAnAnswer) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAReport, LimitedHost, 
-                         testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::HOME_WITHOUT_IDENTIFIER},
-                                         Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
+INSTANTIATE_TEST_SUITE_P(OfAReport, LimitedHost,
+                         testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT,
+                                                   Situation::HOME_WITHOUT_IDENTIFIER},
+                                         Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT,
+                                                   Situation::NEW_HOME}),
                          situationName);
 
 }  // namespace
