@@ -32,7 +32,8 @@ void expectPairsInReport(const std::vector<std::string>& fields, const vestra::d
     }
   }
   const std::size_t pairs = std::min<std::size_t>(fields.size() / 2, 6);
-  expect(reported == std::vector<std::string>(fields.begin(), fields.begin() + static_cast<std::ptrdiff_t>(2 * pairs)),
+  expect(reported == std::vector<std::string>(fields.begin(),
+                                              fields.begin() + static_cast<std::ptrdiff_t>(2 * pairs)),
          "the first six pairs describe the user's environment");
 }
 

@@ -23,7 +23,8 @@ std::vector<Item> itemsIn(const std::string& text) {
     }
     const std::size_t tab = std::min(line.find('\t'), line.size());
     const auto section = static_cast<Oza::Vestra::SectionType>(static_cast<unsigned char>(line[0]) % 6);
-    items.push_back({line.substr(1, tab > 0 ? tab - 1 : 0), line.substr(std::min(tab + 1, line.size())), section});
+    items.push_back(
+        {line.substr(1, tab > 0 ? tab - 1 : 0), line.substr(std::min(tab + 1, line.size())), section});
   }
   return items;
 }
@@ -39,10 +40,12 @@ bool fillsFirstContextOfEachClient(const std::vector<Item>& items) {
   return has(2) && has(4);
 }
 
-std::size_t countIn(const vestra::design_tool::Report& report, const std::string& key, const std::string& value) {
-  return static_cast<std::size_t>(std::count_if(report.items.begin(), report.items.end(), [&](const auto& item) {
-    return report.sections[item.section].client != "project" && item.key == key && item.value == value;
-  }));
+std::size_t countIn(const vestra::design_tool::Report& report, const std::string& key,
+                    const std::string& value) {
+  return static_cast<std::size_t>(
+      std::count_if(report.items.begin(), report.items.end(), [&](const auto& item) {
+        return report.sections[item.section].client != "project" && item.key == key && item.value == value;
+      }));
 }
 
 }  // namespace
@@ -59,7 +62,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       const auto added = std::count_if(items.begin(), items.end(), [&](const Item& other) {
         return other.section > 1 && other.key == item.key && other.value == item.value;
       });
-      expect(countIn(*report, item.key, item.value) == static_cast<std::size_t>(added), "each item is reported once");
+      expect(countIn(*report, item.key, item.value) == static_cast<std::size_t>(added),
+             "each item is reported once");
     }
   }
   return 0;

@@ -12,7 +12,9 @@ using vestra_fuzz::expect;
 
 namespace {
 
-bool isOrdinary(unsigned char letter) { return letter >= ' ' && letter < 0x7F && letter != '"' && letter != '\\'; }
+bool isOrdinary(unsigned char letter) {
+  return letter >= ' ' && letter < 0x7F && letter != '"' && letter != '\\';
+}
 
 void expectAllThree(const libconfig::Setting& block, const std::string& path) {
   for (const char* name : {"context", "xml_map", "html_map"}) {

@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   std::string written;
   for (const auto& [key, value] : properties) {
-    expect((key + value).find_first_of("=\n") == std::string::npos, "a pair is of one line with one equals sign");
+    expect((key + value).find_first_of("=\n") == std::string::npos,
+           "a pair is of one line with one equals sign");
     written += key + "=" + value + "\n";
   }
   std::istringstream again(written);

@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const auto& item : report->items) {
       vestra_fuzz::expect(item.section < report->sections.size(), "an item has its section");
     }
-    vestra_fuzz::expect(!report->registrations.empty() || report->items.empty(), "items come after registrations");
+    vestra_fuzz::expect(!report->registrations.empty() || report->items.empty(),
+                        "items come after registrations");
   }
   return 0;
 }

@@ -51,7 +51,8 @@ TEST_P(Disk, OfTheHomeThatIsFullLosesNoOlderLine) {
   mountOver(workplace.home(), SMALL);
   fill(workplace.home());
   expectQuietAnswer(runHost(workplace.start()), "answer true");
-  EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), testing::StartsWith(workplace.settingsBefore()));
+  EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""),
+              testing::StartsWith(workplace.settingsBefore()));
   makeRoom(workplace.home());
   expectThatAReportIsSent();
 }
@@ -63,7 +64,8 @@ TEST_P(Disk, OfTheHomeWithoutInodesLosesNoOlderLine) {
     fs::create_directory(workplace.home() + "/full" + std::to_string(number), full);
   }
   expectQuietAnswer(runHost(workplace.start()), "answer true");
-  EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), testing::StartsWith(workplace.settingsBefore()));
+  EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""),
+              testing::StartsWith(workplace.settingsBefore()));
 }
 
 TEST_P(Disk, OfTheProjectThatIsFullIsNotNoticed) {

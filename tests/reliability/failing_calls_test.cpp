@@ -3,6 +3,7 @@
 
 #include <sys/syscall.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <map>
@@ -45,7 +46,7 @@ class FailingCall : public WatchedHost {
   }
 
   void expectGoodEnd(const HostEnd& end) {
-    EXPECT_FALSE(end.signal) << strsignal(end.signal.value_or(0));
+    EXPECT_FALSE(end.signal) << end.signal.value_or(0);
     EXPECT_THAT(end.outcome, outcomeAfterFailureOf(end.calls.back()));
     EXPECT_EQ(end.descriptorsLost, 0);
     EXPECT_EQ(end.output, "");
@@ -88,20 +89,31 @@ class FailingCall : public WatchedHost {
     EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""),
                 AnyOf(workplace.settingsBefore(), AllOf(StartsWith(workplace.settingsBefore()),
                                                         MatchesRegex("(.|\n)*RandomID=[0-9a-f-]{36}\n"))));
-    const bool mayLose = failed.subject == workplace.identityFile() && failed.number != SYS_read && !isStatus(failed.number);
+    const bool mayLose =
+        failed.subject == workplace.identityFile() && failed.number != SYS_read && !isStatus(failed.number);
     if (GetParam().project == Situation::KNOWN_PROJECT && !mayLose) {
       EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
                   MatchesRegex("[0-9]+\n0\n[78]\n0\n" + std::string(KNOWN_PROJECT_ID) + "\n"));
     }
   }
 
-  // A sanitizer's hosts are slow: each of their calls fails with one of its errors.
+  // A sanitizer's runtime ends the process when its own memory and pipes fail it.
+  //
+  // A known home takes no call that another home does not, and a sanitizer's hosts are
+  // slow: each of their calls fails with one of its errors. VESTRA_SWEEP=full tries all.
+  bool triesAllErrors() const {
+    return std::getenv("VESTRA_SWEEP") != nullptr || (!SANITIZED && GetParam().home != Situation::KNOWN_HOME);
+  }
+
   std::vector<int> errorsToTry(const SystemCall& call, std::size_t number) const {
     const std::vector<int>& errors = errorsOf(call.number);
-    if (!SANITIZED || errors.empty()) {
+    if (SANITIZED && (managesMemory(call.number) || call.subject.rfind("pipe:", 0) == 0)) {
+      return {};
+    }
+    if (triesAllErrors() || errors.empty()) {
       return errors;
     }
-    return managesMemory(call.number) ? std::vector<int>{} : std::vector<int>{errors[number % errors.size()]};
+    return {errors[number % errors.size()]};
   }
 };
 
@@ -110,7 +122,7 @@ TEST_P(FailingCall, LeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   std::map<std::string, int> triedOf;
   int tried = 0;
   for (std::size_t number = 0; number < calls.size(); ++number) {
-    EXPECT_TRUE(isKnown(calls[number].number)) << calls[number] << ": which errors can it give?";
+    EXPECT_TRUE(SANITIZED || isKnown(calls[number].number)) << calls[number] << ": which errors can it give?";
     for (const int error : errorsToTry(calls[number], number)) {
       failOnce(number, error);
       ++tried;
@@ -122,7 +134,7 @@ TEST_P(FailingCall, LeavesAnAnswerTheFilesAndTheNextRunInOrder) {
     std::cout << ' ' << name << ' ' << count;
   }
   std::cout << " ), which left " << stateCount() << " states of the files\n";
-  EXPECT_GT(tried, SANITIZED ? 50 : 300);
+  EXPECT_GT(tried, triesAllErrors() ? 300 : 50);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAHost, FailingCall, testing::ValuesIn(allSituations()), situationName);

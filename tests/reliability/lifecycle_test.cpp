@@ -30,7 +30,8 @@ TEST_F(Lifecycle, AnUnloadedLibraryIsGoneAndCanBeLoadedAgain) {
   const ScopedEnv tool("VESTRA_TESTKIT_EXEC_PATH", ":");
   const std::string host = UNLOADING_HOST " " VESTRA_LIBRARY " " + sandbox.project();
   EXPECT_EQ(std::system(host.c_str()), 0);
-  EXPECT_THAT(readFile(sandbox.identityFile()), testing::MatchesRegex("[0-9]{10}\n[0-9]{10}\n4\n0\n[0-9a-f-]{36}\n"));
+  EXPECT_THAT(readFile(sandbox.identityFile()),
+              testing::MatchesRegex("[0-9]{10}\n[0-9]{10}\n4\n0\n[0-9a-f-]{36}\n"));
 }
 
 TEST_F(Lifecycle, AForkBetweenAddAndSendGivesBothTheItems) {
@@ -71,9 +72,8 @@ TEST_F(Lifecycle, AThreadMaySendAndEndTheProcess) {
 }
 
 TEST_F(Lifecycle, AThreadThatHasEndedLeavesItsItems) {
-  const HostRun run = sandbox.run(Vestra::KELVO, [] {
-    std::thread([] { Vestra::add("runs", "2", Vestra::KELVO_USAGE); }).join();
-  });
+  const HostRun run = sandbox.run(
+      Vestra::KELVO, [] { std::thread([] { Vestra::add("runs", "2", Vestra::KELVO_USAGE); }).join(); });
   EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", "2"));
 }
 
@@ -89,8 +89,8 @@ class LateCaller {
     Vestra::add("late", "1", Vestra::KELVO_USAGE);
     const bool sent = Vestra::send(project.c_str(), Vestra::KELVO_ALT);
     const bool internal = Vestra::internal();
-    writeFile(answers, std::string(sent ? "sent" : "not sent") + (internal ? ", internal" : ", external") + ", log \"" +
-                           Vestra::getLogFileName() + "\"");
+    writeFile(answers, std::string(sent ? "sent" : "not sent") + (internal ? ", internal" : ", external") +
+                           ", log \"" + Vestra::getLogFileName() + "\"");
   }
 
  private:

@@ -93,7 +93,8 @@ TEST_P(Link, ToElsewhereIsFollowedWhereItIsOpenedAndRemovedWhereItIsRemoved) {
     const bool isLog = place == workplace.inVestraDirectory("tavlo_vestra.log");
     if (isReportFile) {
       EXPECT_FALSE(exists(place));
-      EXPECT_THAT(readFile(workplace.home() + "/elsewhere"), HasSubstr(place == workplace.scriptFile() ? "vestra_terminate" : "clients"));
+      EXPECT_THAT(readFile(workplace.home() + "/elsewhere"),
+                  HasSubstr(place == workplace.scriptFile() ? "vestra_terminate" : "clients"));
     } else if (!isLog) {
       EXPECT_TRUE(fs::is_symlink(place));
       expectThatAReportIsSent();

@@ -54,8 +54,7 @@ TEST_P(MeddledHost, OutlivesTheRemovalOfTheVestraDirectory) {
 }
 
 TEST_P(MeddledHost, OutlivesTheRemovalOfTheProject) {
-  meddle([this] { removeAll(workplace.project()); },
-         [this] { fs::create_directories(workplace.project()); });
+  meddle([this] { removeAll(workplace.project()); }, [this] { fs::create_directories(workplace.project()); });
 }
 
 TEST_P(MeddledHost, OutlivesTheRemovalOfTheHome) {
@@ -73,8 +72,8 @@ TEST_P(MeddledHost, OutlivesALinkToItselfInTheVestraDirectorysPlace) {
 }
 
 TEST_P(MeddledHost, OutlivesDirectoriesInTheFilesPlaces) {
-  const std::vector<std::string> files{workplace.identityFile(), workplace.scriptFile(), workplace.rulesFile(),
-                                       workplace.settingsFile()};
+  const std::vector<std::string> files{workplace.identityFile(), workplace.scriptFile(),
+                                       workplace.rulesFile(), workplace.settingsFile()};
   meddle(
       [=] {
         for (const std::string& file : files) {
@@ -89,10 +88,11 @@ TEST_P(MeddledHost, OutlivesDirectoriesInTheFilesPlaces) {
       });
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAReport, MeddledHost,
-                         testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
-                                         Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
-                         situationName);
+INSTANTIATE_TEST_SUITE_P(
+    OfAReport, MeddledHost,
+    testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
+                    Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
+    situationName);
 
 }  // namespace
 }  // namespace vestra_test

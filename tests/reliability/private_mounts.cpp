@@ -42,7 +42,8 @@ void PrivateMounts::mountMemory(const std::string& directory, const std::string&
 }
 
 void PrivateMounts::makeReadOnly(const std::string& directory) {
-  succeed(mount("none", directory.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0, "remount " + directory);
+  succeed(mount("none", directory.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0,
+          "remount " + directory);
 }
 
 void PrivateMounts::unmount(const std::string& directory) {

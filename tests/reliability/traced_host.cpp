@@ -18,9 +18,9 @@
 #include <sstream>
 #include <system_error>
 
+#include <vestra/testkit/sandbox.h>
 #include <boost/filesystem/operations.hpp>
 #include <boost/filesystem/path.hpp>
-#include <vestra/testkit/sandbox.h>
 
 #include "reliability/system_calls.h"
 #include "support/files.h"
@@ -135,7 +135,8 @@ class Tracee {
   // A signal that stopped it on the way to the host is handed on, but for the
   // host's own mark and the one that follows `exec`.
   void goOn(__ptrace_request request) {
-    const int signal = isAtSystemCall() || stoppedItself() || WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
+    const int signal =
+        isAtSystemCall() || stoppedItself() || WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
     succeed(ptrace(request, process, nullptr, signal) == 0, "ptrace");
     wait();
   }
