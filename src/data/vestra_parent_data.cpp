@@ -31,9 +31,7 @@ std::string VestraParentData::getClient() { return client; }
 
 void VestraParentData::setVestraId(std::string id) { vestraId = std::move(id); }
 
-std::string VestraParentData::getContext() {
-  return vestraId.empty() ? context : context + "/" + vestraId;
-}
+std::string VestraParentData::getContext() { return vestraId.empty() ? context : context + "/" + vestraId; }
 
 std::string VestraParentData::getFormattedContext() { return getContext(); }
 
@@ -49,10 +47,18 @@ std::string VestraParentData::getWdmString() {
   const std::string path = getWdmContext();
   const std::string style = userEnvStyle ? "UserEnvStyle" : "FennoxStatsStyle";
   return "        {\n"
-         "            context=\"" + path + "\";\n"
-         "            xml_map=\"" + path + "\";\n"
-         "            html_map=\"" + path + "\";\n"
-         "                html_format=\"" + style + "\";\n"
+         "            context=\"" +
+         path +
+         "\";\n"
+         "            xml_map=\"" +
+         path +
+         "\";\n"
+         "            html_map=\"" +
+         path +
+         "\";\n"
+         "                html_format=\"" +
+         style +
+         "\";\n"
          "        }";
 }
 

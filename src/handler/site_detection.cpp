@@ -13,8 +13,7 @@ namespace Oza {
 namespace {
 
 bool saysNothing(const std::string& domainName) {
-  return domainName.empty() ||
-         boost::algorithm::iequals(domainName, "(none)", std::locale::classic());
+  return domainName.empty() || boost::algorithm::iequals(domainName, "(none)", std::locale::classic());
 }
 
 }  // namespace

@@ -50,8 +50,7 @@ void VestraHandler::addData(VestraDataInterface* item) { contexts.push_back(item
 bool VestraHandler::isParentEmpty(unsigned int index) { return contextAt(index)->children.empty(); }
 
 void VestraHandler::setProjectDirectory(std::string directory) {
-  projectDirectory =
-      boost::filesystem::absolute(directory, boost::filesystem::current_path()).string();
+  projectDirectory = boost::filesystem::absolute(directory, boost::filesystem::current_path()).string();
 }
 
 void VestraHandler::setProductType(Vestra::ProductType product) { productType = product; }

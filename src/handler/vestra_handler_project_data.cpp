@@ -9,10 +9,11 @@ namespace Oza {
 namespace {
 
 // In report order.
-constexpr const char* PROJECT_KEYS[] = {
-    "date_generated", "product_version", "build_version", "os_platform",   "registration_id",
-    "tool_flow",      "beta",            "route_design",  "target_family", "target_device",
-    "target_package", "target_speed",    "random_id",     "project_id",    "project_iteration"};
+constexpr const char* PROJECT_KEYS[] = {"date_generated", "product_version", "build_version",
+                                        "os_platform",    "registration_id", "tool_flow",
+                                        "beta",           "route_design",    "target_family",
+                                        "target_device",  "target_package",  "target_speed",
+                                        "random_id",      "project_id",      "project_iteration"};
 
 constexpr const char* MISSING_VALUE = "not_applicable";
 

@@ -90,11 +90,9 @@ std::string VestraHandler::registrationText() {
 
 void VestraHandler::writeTransmitLine(std::ostream& script, const std::string& checksumText) {
   const std::string registration = registrationText();
-  script << "vestra_transmit -clientid " << getCrc32(checksumText)
-         << " -regid \"" << registration
-         << "\" -xml " << pathInVestraDirectory(getVestraXml())
-         << " -html " << pathInVestraDirectory(getVestraHtml())
-         << " -wdm " << pathInVestraDirectory(getVestraWdm())
+  script << "vestra_transmit -clientid " << getCrc32(checksumText) << " -regid \"" << registration
+         << "\" -xml " << pathInVestraDirectory(getVestraXml()) << " -html "
+         << pathInVestraDirectory(getVestraHtml()) << " -wdm " << pathInVestraDirectory(getVestraWdm())
          << " -intro \"<H3>" << getProductName() << " Usage Report</H3><BR>\"" << std::endl;
 }
 

@@ -47,9 +47,9 @@ void VestraHandler::addUserEnvironmentData() {
 void VestraHandler::addEnvironmentPairs(const std::string& environment) {
   const std::vector<std::string> fields = fieldsOf(environment, '#');
   for (std::size_t i = 0; i + 1 < fields.size(); i += 2) {
-    addData(fields[i], fields[i + 1],
-            i < USER_ENVIRONMENT_FIELDS ? Vestra::USER_ENVIRONMENT
-                                        : Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    addData(
+        fields[i], fields[i + 1],
+        i < USER_ENVIRONMENT_FIELDS ? Vestra::USER_ENVIRONMENT : Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   }
 }
 

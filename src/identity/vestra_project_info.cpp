@@ -51,9 +51,7 @@ std::array<std::string, 5> formatProjectIdentity(const ProjectIdentity& identity
 
 // Compared without a difference of the two, which a stored time near the edge of
 // its type would overflow.
-bool isReportDue(std::int64_t now, std::int64_t lastSendTime) {
-  return lastSendTime < now - SECONDS_PER_DAY;
-}
+bool isReportDue(std::int64_t now, std::int64_t lastSendTime) { return lastSendTime < now - SECONDS_PER_DAY; }
 
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}

@@ -26,7 +26,8 @@ struct UsageError {
 
 using Request = std::variant<RunRequest, ShowRequest, HelpRequest, VersionRequest, UsageError>;
 
-/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show SCRIPT`, or `--help`, or `--version`.
+/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show SCRIPT`, or `--help`,
+/// or `--version`.
 ///
 /// \param arguments      without the program's own name
 /// \param default_outbox the outbox when the command line names none; may be null or empty

@@ -32,7 +32,8 @@ class ParsedCommand {
  public:
   explicit ParsedCommand(std::string commandText)
       : command(std::move(commandText)),
-        valid(Tcl_ParseCommand(nullptr, command.data(), static_cast<int>(command.size()), 0, &parse) == TCL_OK),
+        valid(Tcl_ParseCommand(nullptr, command.data(), static_cast<int>(command.size()), 0, &parse) ==
+              TCL_OK),
         complete(valid && parse.commandSize == static_cast<int>(command.size())) {}
   ParsedCommand(const ParsedCommand&) = delete;
   ParsedCommand& operator=(const ParsedCommand&) = delete;

@@ -28,7 +28,8 @@ std::vector<Element> listOf(const json& values, Read read) {
 }
 
 Item itemOf(const json& value) {
-  return {text(value.at("client")), text(value.at("context")), text(value.at("key")), text(value.at("value"))};
+  return {text(value.at("client")), text(value.at("context")), text(value.at("key")),
+          text(value.at("value"))};
 }
 
 Rule ruleOf(const json& value) {

@@ -104,7 +104,8 @@ std::string joined(const std::vector<std::string>& names) {
 class Sandbox::Implementation {
  public:
   Implementation()
-      : directory((fs::canonical(fs::temp_directory_path()) / fs::unique_path("vestra-%%%%%%%%%%%%")).string()) {
+      : directory(
+            (fs::canonical(fs::temp_directory_path()) / fs::unique_path("vestra-%%%%%%%%%%%%")).string()) {
     for (const char* name : {"", "/home", "/project", "/outbox", "/runs"}) {
       fs::create_directory(directory + name);
     }
@@ -123,9 +124,8 @@ class Sandbox::Implementation {
     for (int number = 0; number < count; ++number) {
       const std::string name = nextRunName();
       names.push_back(name);
-      processes.push_back(std::make_unique<ForkedProcess>(recordOf(name) + "/printed", [&] {
-        beAHost(name, gate, [&] { return code(number); });
-      }));
+      processes.push_back(std::make_unique<ForkedProcess>(
+          recordOf(name) + "/printed", [&] { beAHost(name, gate, [&] { return code(number); }); }));
     }
     gate.open();
     const auto deadline = std::chrono::steady_clock::now() + timeLimit;

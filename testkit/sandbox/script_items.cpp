@@ -57,10 +57,12 @@ std::optional<Found> itemAt(const std::string& script, std::size_t begin, const 
     return std::nullopt;
   }
   const std::size_t value = keyEnd + VALUE.size();
-  for (std::size_t end = script.find(tail, value); end != std::string::npos; end = script.find(tail, end + 1)) {
+  for (std::size_t end = script.find(tail, value); end != std::string::npos;
+       end = script.find(tail, end + 1)) {
     if (commandBeginsAt(script, end + tail.size())) {
-      return Found{{section.client, section.read, script.substr(key, keyEnd - key), script.substr(value, end - value)},
-                   end + tail.size()};
+      return Found{
+          {section.client, section.read, script.substr(key, keyEnd - key), script.substr(value, end - value)},
+          end + tail.size()};
     }
   }
   return std::nullopt;

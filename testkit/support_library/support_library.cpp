@@ -22,7 +22,8 @@ std::string directoryOfThisLibrary() {
 std::string designToolBesideThis() { return directoryOfThisLibrary() + "/" DESIGN_TOOL_FROM_HERE; }
 
 /// Keeps the text that the caller is given a pointer to until the next answer.
-const char* answer(std::string& kept, const std::string& name, const std::function<std::string()>& otherwise) {
+const char* answer(std::string& kept, const std::string& name,
+                   const std::function<std::string()>& otherwise) {
   if (isNull(name)) {
     return nullptr;
   }

@@ -35,7 +35,8 @@ class Failure : public Scenario {
 
 TEST_F(Failure, ANullKeyOrValueThrowsAndAddsNothing) {
   const HostRun run = sandbox.run(Vestra::KELVO, [] {
-    for (const auto& [key, value] : {std::pair<const char*, const char*>{nullptr, "v"}, {"k", nullptr}, {nullptr, nullptr}}) {
+    for (const auto& [key, value] :
+         {std::pair<const char*, const char*>{nullptr, "v"}, {"k", nullptr}, {nullptr, nullptr}}) {
       try {
         Vestra::add(key, value, Vestra::KELVO_USAGE);
       } catch (const std::logic_error& error) {
@@ -43,7 +44,8 @@ TEST_F(Failure, ANullKeyOrValueThrowsAndAddsNothing) {
       }
     }
   });
-  EXPECT_THAT(run.values(Vestra::KELVO_COMMAND_LINE_OPTIONS, "caught"), ElementsAre(NULL_TEXT, NULL_TEXT, NULL_TEXT));
+  EXPECT_THAT(run.values(Vestra::KELVO_COMMAND_LINE_OPTIONS, "caught"),
+              ElementsAre(NULL_TEXT, NULL_TEXT, NULL_TEXT));
   EXPECT_THAT(run.script, testing::Not(testing::HasSubstr("-context \"kelvo\\\\usage\"")));
 }
 
@@ -94,8 +96,8 @@ TEST_F(Failure, ANullToolThrowsAfterTheAttemptWasCounted) {
   EXPECT_THAT(run.toolRuns, IsEmpty());
   EXPECT_EQ(run.identity->iteration, 2U);
   EXPECT_GT(run.identity->lastSendTimeDefault, 0);
-  EXPECT_THAT(filesInVestraDirectory(),
-              ElementsAre(".kelvo_vestrra.info", "tavlo_vestra.log", "tavlo_vestra.tcl", "usage_statistics_ext_tavlo.wdm"));
+  EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info", "tavlo_vestra.log",
+                                                    "tavlo_vestra.tcl", "usage_statistics_ext_tavlo.wdm"));
   EXPECT_EQ(readFile(inVestraDirectory("tavlo_vestra.log")), "an old log\n");
 }
 

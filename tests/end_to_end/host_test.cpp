@@ -6,9 +6,9 @@
 
 #include <cstdlib>
 
-#include <boost/filesystem.hpp>
 #include <gmock/gmock.h>
 #include <vestra/testkit/sandbox.h>
+#include <boost/filesystem.hpp>
 
 #include "support/files.h"
 #include "support/scoped_env.h"
@@ -62,14 +62,16 @@ TEST_F(Host, FindsTheSupportLibraryByTheLoadersPath) {
   EXPECT_EQ(end.status, 0);
   EXPECT_THAT(end.output, HasSubstr("simulator: the report was sent\n"));
   EXPECT_THAT(namesIn(project() + "/vestra"),
-              ElementsAre(".kelvo_vestrra.info", "usage_statistics_ext_kelvo.html", "usage_statistics_ext_kelvo.xml"));
+              ElementsAre(".kelvo_vestrra.info", "usage_statistics_ext_kelvo.html",
+                          "usage_statistics_ext_kelvo.xml"));
   EXPECT_THAT(start(SIMULATOR, project()).output, "simulator: no report was due\n");
 }
 
 TEST_F(Host, WithTheLabToolHasTheToolsOutputInTheLog) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(LAB_TOOL, project());
-  EXPECT_EQ(end.output, "lab tool: the report was sent; its log is " + project() + "/vestra/tavlo_vestra.log\n");
+  EXPECT_EQ(end.output,
+            "lab tool: the report was sent; its log is " + project() + "/vestra/tavlo_vestra.log\n");
   EXPECT_THAT(readFile(project() + "/vestra/tavlo_vestra.log"), HasSubstr("vestra-design-tool: "));
 }
 
@@ -110,13 +112,16 @@ TEST_F(Host, OfTheMakersNetworkMarksTheReportAsATest) {
   const std::string inMakersNetwork = "domainname lab.CALVIX.example; ";
   const auto startThere = [&](const std::string& variables) {
     fs::remove_all(project());
-    start("unshare --uts sh -c '" + inMakersNetwork + variables + std::string(SIMULATOR) + " " + project() + "'", "");
+    start("unshare --uts sh -c '" + inMakersNetwork + variables + std::string(SIMULATOR) + " " + project() +
+              "'",
+          "");
     return readFile(project() + "/vestra/kelvo_vestra.tcl");
   };
   EXPECT_THAT(startThere(""), HasSubstr(" -regid \"VESTRA_TEST_KELVO_stand-in-registration\" "));
   EXPECT_THAT(startThere("CALVIX_VESTRA_INTERNAL_TRANSMIT= "),
               HasSubstr(" -regid \"VESTRA_TEST_KELVO_stand-in-registration\" "));
-  EXPECT_THAT(startThere("CALVIX_VESTRA_INTERNAL_TRANSMIT=0 "), HasSubstr(" -regid \"stand-in-registration\" "));
+  EXPECT_THAT(startThere("CALVIX_VESTRA_INTERNAL_TRANSMIT=0 "),
+              HasSubstr(" -regid \"stand-in-registration\" "));
 }
 
 }  // namespace

@@ -32,15 +32,21 @@ RecordingTool::RecordingTool(const std::string& directory, const std::string& ve
   writeFile(tool,
             "#!/bin/sh\n"
             "number=1\n"
-            "until mkdir '" + records + "/'$number 2>/dev/null; do number=$((number + 1)); done\n"
-            "cd_was=$(pwd)\n"
-            "record='" + records + "/'$number\n"
-            "printf '%s\\n' \"$@\" > $record/arguments\n"
-            "printf '%s\\n' \"$cd_was\" > $record/directory\n"
-            "LC_ALL=C ls -A '" + vestraDirectory + "' > $record/files\n"
-            "cp \"$4\" $record/script 2>/dev/null\n"
-            "cp '" + vestraDirectory + "'/*.wdm $record/rules 2>/dev/null\n" +
-            ending + "\n");
+            "until mkdir '" +
+                records +
+                "/'$number 2>/dev/null; do number=$((number + 1)); done\n"
+                "cd_was=$(pwd)\n"
+                "record='" +
+                records +
+                "/'$number\n"
+                "printf '%s\\n' \"$@\" > $record/arguments\n"
+                "printf '%s\\n' \"$cd_was\" > $record/directory\n"
+                "LC_ALL=C ls -A '" +
+                vestraDirectory +
+                "' > $record/files\n"
+                "cp \"$4\" $record/script 2>/dev/null\n"
+                "cp '" +
+                vestraDirectory + "'/*.wdm $record/rules 2>/dev/null\n" + ending + "\n");
   fs::permissions(tool, fs::perms(0755));
 }
 

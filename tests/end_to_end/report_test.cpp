@@ -56,21 +56,36 @@ const char* const PROJECT_SEGMENTS =
 
 const char* const PROJECT_LINES =
     "vestra_register_client -client project\n"
-    "vestra_add_data -client project -key date_generated -value \"2026-11-21\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key product_version -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key build_version -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key os_platform -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key registration_id -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key tool_flow -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key beta -value \"TRUE\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key route_design -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key target_family -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key target_device -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key target_package -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key target_speed -value \"not_applicable\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key random_id -value \"0f0e0d0c-0b0a-4908-8706-050403020100\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key project_id -value \"project-7\" -context \"software_version_and_target_device\"\n"
-    "vestra_add_data -client project -key project_iteration -value \"7\" -context \"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key date_generated -value \"2026-11-21\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key product_version -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key build_version -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key os_platform -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key registration_id -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key tool_flow -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key beta -value \"TRUE\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key route_design -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key target_family -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key target_device -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key target_package -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key target_speed -value \"not_applicable\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key random_id -value \"0f0e0d0c-0b0a-4908-8706-050403020100\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key project_id -value \"project-7\" -context "
+    "\"software_version_and_target_device\"\n"
+    "vestra_add_data -client project -key project_iteration -value \"7\" -context "
+    "\"software_version_and_target_device\"\n"
     "vestra_add_data -client project -key os_name -value \"Linux\" -context \"user_environment\"\n"
     "vestra_add_data -client project -key os_release -value \"12\" -context \"user_environment\"\n"
     "vestra_add_data -client project -key cpu_name -value \"X1\" -context \"user_environment\"\n"
@@ -89,7 +104,8 @@ std::string timeStamp(std::time_t moment) {
 testing::Matcher<std::string> isChecksumOf(const std::string& segments, std::time_t begin, std::time_t end) {
   const auto checksum = [&](std::time_t moment) {
     const std::string text = timeStamp(moment) + segments;
-    return std::to_string(crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
+    return std::to_string(
+        crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
   };
   return testing::AnyOf(checksum(begin), checksum(end));
 }
@@ -120,19 +136,21 @@ TEST_F(Report, OfTheSimulatorIsThisScript) {
   EXPECT_EQ(withoutChecksum(run.script, checksum),
             "vestra_init -vestra_dir " + vestra + "\n" + PROJECT_LINES +
                 "vestra_register_client -client kelvo\n"
-                "vestra_add_data -client kelvo -key mode -value \"batch\" -context \"kelvo\\\\command_line_options\"\n"
+                "vestra_add_data -client kelvo -key mode -value \"batch\" -context "
+                "\"kelvo\\\\command_line_options\"\n"
                 "vestra_add_data -client kelvo -key Runs -value \"2\" -context \"kelvo\\\\usage\"\n"
                 "vestra_add_data -client kelvo -key Runs -value \"3\" -context \"kelvo\\\\usage\"\n"
-                "vestra_transmit -clientid CHECKSUM -regid \"REG-1\" -xml " + vestra +
-                "usage_statistics_ext_kelvo.xml -html " + vestra + "usage_statistics_ext_kelvo.html -wdm " + vestra +
+                "vestra_transmit -clientid CHECKSUM -regid \"REG-1\" -xml " +
+                vestra + "usage_statistics_ext_kelvo.xml -html " + vestra +
+                "usage_statistics_ext_kelvo.html -wdm " + vestra +
                 "usage_statistics_ext_kelvo.wdm -intro \"<H3>KELVO Usage Report</H3><BR>\"\n"
                 "vestra_terminate\n");
-  EXPECT_THAT(checksum, isChecksumOf(std::string(PROJECT_SEGMENTS) +
-                                         "kelvo"
-                                         "modebatchkelvokelvo\\command_line_options"
-                                         "Runs2kelvokelvo\\usage"
-                                         "Runs3kelvokelvo\\usage",
-                                     begin, end));
+  EXPECT_THAT(checksum,
+              isChecksumOf(std::string(PROJECT_SEGMENTS) + "kelvo"
+                                                           "modebatchkelvokelvo\\command_line_options"
+                                                           "Runs2kelvokelvo\\usage"
+                                                           "Runs3kelvokelvo\\usage",
+                           begin, end));
 }
 
 TEST_F(Report, OfTheLabToolIsThisScript) {
@@ -151,11 +169,13 @@ TEST_F(Report, OfTheLabToolIsThisScript) {
             "vestra_init -vestra_dir " + vestra + "\n" + PROJECT_LINES +
                 "vestra_register_client -client tavlo\n"
                 "vestra_add_data -client tavlo -key probes -value \"4\" -context \"tavlo\\\\usage\"\n"
-                "vestra_transmit -clientid CHECKSUM -regid \"REG-1\" -xml " + vestra +
-                "usage_statistics_ext_tavlo.xml -html " + vestra + "usage_statistics_ext_tavlo.html -wdm " + vestra +
+                "vestra_transmit -clientid CHECKSUM -regid \"REG-1\" -xml " +
+                vestra + "usage_statistics_ext_tavlo.xml -html " + vestra +
+                "usage_statistics_ext_tavlo.html -wdm " + vestra +
                 "usage_statistics_ext_tavlo.wdm -intro \"<H3>TAVLO Usage Report</H3><BR>\"\n"
                 "vestra_terminate\n");
-  EXPECT_THAT(checksum, isChecksumOf(std::string(PROJECT_SEGMENTS) + "tavlo" + "probes4tavlotavlo\\usage", begin, end));
+  EXPECT_THAT(checksum,
+              isChecksumOf(std::string(PROJECT_SEGMENTS) + "tavlo" + "probes4tavlotavlo\\usage", begin, end));
 }
 
 TEST_F(Report, IsReadByTheDesignToolAsItWasAdded) {
@@ -169,7 +189,8 @@ TEST_F(Report, IsReadByTheDesignToolAsItWasAdded) {
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "target_device", "x7"));
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_iteration", "1"));
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", run.settings->randomId));
-  EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_id", *run.identity->projectId));
+  EXPECT_THAT(run,
+              HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_id", *run.identity->projectId));
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "beta", "not_applicable"));
   EXPECT_THAT(run, HasItem(Vestra::USER_ENVIRONMENT, "system_ram", "32 GB"));
   EXPECT_THAT(run, HasItem(Vestra::KELVO_COMMAND_LINE_OPTIONS, "mode", "batch {with} braces; and #"));
@@ -215,7 +236,8 @@ TEST_F(Report, OfTheSimulatorStartsTheToolWithTheScriptAndRulesOnDisk) {
   const Invocation seen = tool.invocations()[0];
   EXPECT_THAT(seen.arguments, ElementsAre("-mode", "batch", "-source", script, "-notrace"));
   EXPECT_EQ(seen.workingDirectory, sandbox.directory());
-  EXPECT_THAT(seen.files, ElementsAre(".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  EXPECT_THAT(seen.files,
+              ElementsAre(".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
   EXPECT_EQ(seen.script, run.script);
   EXPECT_EQ(seen.rules, run.rulesFile);
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
@@ -229,7 +251,8 @@ TEST_F(Report, OfTheLabToolSendsTheToolsOutputIntoItsLog) {
   EXPECT_EQ(run.answer, true);
   ASSERT_THAT(run.toolRuns, SizeIs(1));
   EXPECT_EQ(run.toolRuns[0].commandLine, tool.command() + " -mode batch -source " +
-                                             inVestraDirectory("tavlo_vestra.tcl") + " -notrace  > " + log + " 2>&1");
+                                             inVestraDirectory("tavlo_vestra.tcl") + " -notrace  > " + log +
+                                             " 2>&1");
   EXPECT_EQ(readFile(log), "tool output\ntool error\n");
   EXPECT_THAT(run, EndedQuietly());
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info", "tavlo_vestra.log"));
@@ -259,7 +282,8 @@ TEST_F(Report, OfAnyProductAboveTwoIsTheLabTools) {
     const HostRun run = sandbox.run(static_cast<Vestra::ProductType>(product), [] {});
     sandbox.ageUntilDue();
     ASSERT_THAT(run.toolRuns, SizeIs(1));
-    EXPECT_THAT(run.toolRuns[0].commandLine, MatchesRegex(".*/tavlo_vestra.tcl -notrace  > .*/tavlo_vestra.log 2>&1"));
+    EXPECT_THAT(run.toolRuns[0].commandLine,
+                MatchesRegex(".*/tavlo_vestra.tcl -notrace  > .*/tavlo_vestra.log 2>&1"));
     EXPECT_THAT(run.rulesFile, testing::HasSubstr("client_name = \"tavlo\""));
   }
 }
@@ -284,7 +308,8 @@ TEST_F(Report, OfAProjectWithAFinalSlashKeepsTheDoubledOne) {
   const std::string project = sandbox.project() + "/";
   const HostRun run = sandbox.runProcess([&] { return Vestra::send(project.c_str(), Vestra::KELVO); });
   EXPECT_EQ(run.answer, true);
-  EXPECT_THAT(run.script, testing::StartsWith("vestra_init -vestra_dir " + sandbox.project() + "//vestra/\n"));
+  EXPECT_THAT(run.script,
+              testing::StartsWith("vestra_init -vestra_dir " + sandbox.project() + "//vestra/\n"));
 }
 
 TEST_F(Report, TakesTheHostsProjectIdentifierInAnyLetterCase) {
@@ -344,9 +369,8 @@ TEST_F(Report, NumbersAreOursInAHostThatGroupsDigits) {
   };
   writeIdentity("1000000\n2000000\n1234567\n0\nproject\n");
   useRecordingTool();
-  const HostRun run = sandbox.run(Vestra::KELVO, [] {
-    std::locale::global(std::locale(std::locale::classic(), new Grouping));
-  });
+  const HostRun run = sandbox.run(
+      Vestra::KELVO, [] { std::locale::global(std::locale(std::locale::classic(), new Grouping)); });
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "project_iteration", "1234567"));
   EXPECT_THAT(run.script, testing::ContainsRegex("vestra_transmit -clientid [0-9]+ -regid"));
   EXPECT_THAT(run.identity->text, MatchesRegex("[0-9]{10}\n2000000\n1234568\n0\nproject\n"));

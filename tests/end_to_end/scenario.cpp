@@ -42,9 +42,7 @@ std::string Scenario::inVestraDirectory(const std::string& name) const {
   return sandbox.project() + "/vestra/" + name;
 }
 
-std::vector<std::string> Scenario::filesInVestraDirectory() const {
-  return namesIn(inVestraDirectory(""));
-}
+std::vector<std::string> Scenario::filesInVestraDirectory() const { return namesIn(inVestraDirectory("")); }
 
 void becomeOrdinaryUser() {
   if (getuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) {

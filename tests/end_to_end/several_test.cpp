@@ -20,8 +20,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 using vestra::testkit::contextOf;
-using vestra::testkit::Item;
 using vestra::testkit::HostRun;
+using vestra::testkit::Item;
 
 class Several : public Scenario {
  protected:

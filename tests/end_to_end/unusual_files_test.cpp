@@ -54,7 +54,8 @@ TEST_F(UnusualFile, ADeviceInTheSettingsPlaceIsNotRead) {
   fs::create_symlink("/dev/zero", sandbox.settingsFile());
   const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
-  EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", MatchesRegex("[0-9a-f-]{36}")));
+  EXPECT_THAT(
+      run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", MatchesRegex("[0-9a-f-]{36}")));
 }
 
 TEST_F(UnusualFile, ADanglingLinkInTheSettingsPlaceIsWrittenThrough) {

@@ -12,8 +12,8 @@ using Oza::Vestra;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-using vestra::testkit::Hazard;
 using vestra::testkit::HasNoHazards;
+using vestra::testkit::Hazard;
 using vestra::testkit::HostRun;
 using vestra::testkit::Item;
 using vestra::testkit::Sandbox;
@@ -56,12 +56,14 @@ TEST(Hazards, AreNamedWithTheReason) {
   EXPECT_EQ(onlyReason("k", "[exit]"), "the value holds an opening bracket, which begins a command");
   EXPECT_EQ(onlyReason("k", "$HOME"), "the value holds a dollar sign, which begins a variable");
   EXPECT_EQ(onlyReason("k", "C:\\temp"), "the value holds a backslash, which changes what follows it");
-  EXPECT_EQ(onlyReason("a b", "$x"),
-            "the key holds white space, which ends it, the value holds a dollar sign, which begins a variable");
+  EXPECT_EQ(
+      onlyReason("a b", "$x"),
+      "the key holds white space, which ends it, the value holds a dollar sign, which begins a variable");
 }
 
 TEST(Hazards, AreNotWhatTclReadsAsItStands) {
-  const HostRun run = runWith({{"k]", "]"}, {"a\"b", "{ }"}, {"#", "# ; { $ 1$"}, {"-value", "-key"}, {"line", "feed\nfeed"}});
+  const HostRun run = runWith(
+      {{"k]", "]"}, {"a\"b", "{ }"}, {"#", "# ; { $ 1$"}, {"-value", "-key"}, {"line", "feed\nfeed"}});
   EXPECT_THAT(run, HasNoHazards());
   ASSERT_THAT(run.reports, SizeIs(1)) << run;
   EXPECT_EQ(run.report()->items, run.writtenItems);

@@ -79,9 +79,10 @@ TEST(HasItem, LooksAtTheScriptWhenNothingWasReported) {
 TEST(HasNoHazards, ListsThem) {
   HostRun run;
   run.writtenItems = {Item{"kelvo", "kelvo\\usage", "path", "C:\\temp"}};
-  EXPECT_EQ(explanation(HasNoHazards(), run),
-            "with hazards:\n  kelvo\\usage: path = \"C:\\temp\": the value holds a backslash, which changes what "
-            "follows it");
+  EXPECT_EQ(
+      explanation(HasNoHazards(), run),
+      "with hazards:\n  kelvo\\usage: path = \"C:\\temp\": the value holds a backslash, which changes what "
+      "follows it");
 }
 
 TEST(Threw, ComparesTypeAndText) {

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <iostream>
 
-#include <boost/filesystem.hpp>
 #include <gmock/gmock.h>
 #include <vestra/testkit/matchers.h>
+#include <boost/filesystem.hpp>
 
 #include "support/files.h"
 #include "support/scoped_env.h"

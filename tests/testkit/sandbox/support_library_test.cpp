@@ -56,8 +56,10 @@ TEST_F(SupportLibrary, AnswersByItselfWithTheToolBesideItAndThisMachine) {
   EXPECT_THAT(execPath(), EndsWith("bin/vestra-design-tool"));
   EXPECT_STREQ(registrationId("Implementation"), "stand-in-registration");
   const std::string text = environment("KELVO");
-  EXPECT_THAT(text, MatchesRegex("os_name#Linux#os_release#[^#]+#cpu_name#[^#]+#cpu_speed#[^#]+#total_processors#[0-9]+"
-                                 "#system_ram#[0-9]+ GB#date_generated#[^#]+#product_version#2018.2#.*"));
+  EXPECT_THAT(
+      text,
+      MatchesRegex("os_name#Linux#os_release#[^#]+#cpu_name#[^#]+#cpu_speed#[^#]+#total_processors#[0-9]+"
+                   "#system_ram#[0-9]+ GB#date_generated#[^#]+#product_version#2018.2#.*"));
   EXPECT_EQ(std::count(text.begin(), text.end(), '#') % 2, 1);
   EXPECT_EQ(text.find_first_of("\"\\$[]{}"), std::string::npos);
 }

@@ -24,9 +24,8 @@ MATCHER(WasSent, negation ? "was not sent" : "was sent, with a report of the mai
 
 /// The section has an item with this key whose value matches: a text or a matcher.
 MATCHER_P3(HasItem, section, key, value,
-           std::string(negation ? "has no" : "has an") + " item \"" + std::string(key) +
-               "\" in " + contextOf(section) + " whose value " +
-               ::testing::DescribeMatcher<std::string>(value)) {
+           std::string(negation ? "has no" : "has an") + " item \"" + std::string(key) + "\" in " +
+               contextOf(section) + " whose value " + ::testing::DescribeMatcher<std::string>(value)) {
   const auto values = arg.values(section, key);
   const ::testing::Matcher<std::string> matcher = ::testing::SafeMatcherCast<std::string>(value);
   if (values.empty()) {
