@@ -284,6 +284,27 @@ TEST_F(ReportRun, IsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
+TEST_F(ReportRun, ClosesWhatSeveralPreparationsOpenedOnce) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_FALSE(library.isHeldByAnother());
+}
+
+TEST_F(ReportRun, LeavesTheSupportLibraryOfAnotherHandlerOpen) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  VestraHandler another;
+  another.setProjectDirectory(project.path());
+  ASSERT_TRUE(another.prepareVestraData());
+  handler.execVestraData();
+  EXPECT_TRUE(support_library::isOpen());
+  another.execVestraData();
+  EXPECT_FALSE(support_library::isOpen());
+}
+
 TEST_F(ReportRun, WithoutAToolRunsNothingAndLeavesEverything) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);

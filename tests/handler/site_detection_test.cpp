@@ -94,6 +94,11 @@ TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileIsNoRegularFile) {
   EXPECT_EQ(siteText("(none)", "/dev/zero"), "(none)");
 }
 
+// The process's own memory is a regular file whose first byte cannot be read.
+TEST_F(SiteText, IsEmptyWhereReadingTheResolverFileFails) {
+  EXPECT_EQ(siteText("(none)", "/proc/self/mem"), "");
+}
+
 TEST_F(SiteText, FollowsALinkToTheResolverFile) {
   writeFile(directory / "stub-resolv.conf", "search calvix.example\n");
   makeLink(resolver(), "stub-resolv.conf");

@@ -229,6 +229,13 @@ TEST_F(DamagedIdentity, TheEndlessDeviceIsNotRead) {
   EXPECT_EQ(record.getProjectId(), "");
 }
 
+// The process's own memory is a regular file whose first byte cannot be read.
+TEST_F(DamagedIdentity, AReadErrorMakesItUnusableAndDeletesNothing) {
+  makeLink(file(), "/proc/self/mem");
+  EXPECT_FALSE(loads());
+  EXPECT_TRUE(exists(file()));
+}
+
 TEST_F(DamagedIdentity, AFileForTheVestraDirectoryCannotBeUsed) {
   writeFile(project / "vestra", "");
   EXPECT_FALSE(loads());

@@ -173,6 +173,12 @@ TEST_F(DamagedSettings, TheEndlessDeviceIsNotRead) {
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
 }
 
+// The process's own memory is a regular file whose first byte cannot be read.
+TEST_F(DamagedSettings, AReadErrorIsTheEndOfTheFile) {
+  makeLink(file(), "/proc/self/mem");
+  EXPECT_EQ(VestraSetting().getPropertyValue("RandomID"), "");
+}
+
 TEST_F(DamagedSettings, AFileWithoutPermissionsGivesNoIdentifier) {
   writeSettings("RandomID=abc\n");
   const vestra_test::ScopedMode none(file(), 0000);

@@ -38,6 +38,13 @@ TEST_F(ProjectInfo, OfANewProjectMakesTheMissingDirectories) {
   EXPECT_EQ(namesIn(project / "a/b/vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
 }
 
+TEST_F(ProjectInfo, OfANewProjectTakesTheLastNineteenBytesOfThePathForTheName) {
+  VestraProjectInfo odd(project / "vestra/123456789 123456789", &handler);
+  EXPECT_TRUE(odd.loadOrCreate());
+  EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{"123456789 123456789"});
+  EXPECT_EQ(readFile(project / "vestra/123456789 123456789"), "");
+}
+
 TEST_F(ProjectInfo, OfANewProjectReachesTheFileWithTheFirstAttempt) {
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
