@@ -60,10 +60,15 @@ class Together : public testing::TestWithParam<int> {
 
   void expectThatTheNextRunReports(Vestra::ProductType product) {
     sandbox.ageUntilDue();
+    EXPECT_EQ(expectThatTheNextRunReadsAll(product).answer, true);
+  }
+
+  HostRun expectThatTheNextRunReadsAll(Vestra::ProductType product) {
     const HostRun next = sandbox.run(product, [] {});
-    EXPECT_EQ(next.answer, true) << next;
+    EXPECT_THAT(next, EndedQuietly()) << next;
     EXPECT_THAT(next.script, testing::EndsWith("vestra_terminate\n"));
     EXPECT_THAT(next.identity->text, MatchesRegex("[0-9]+\n[0-9]+\n[0-9]+\n0\n.*\n"));
+    return next;
   }
 
   vestra::testkit::Sandbox sandbox;
@@ -85,8 +90,10 @@ TEST_P(Together, OfBothProductsNoneFails) {
   writeFile(sandbox.settingsFile(), "colour=blue\n");
   expectThatAllEndedWell(runAll(Vestra::KELVO_ALT, Vestra::TAVLO));
   expectThatNoSettingsLineIsTorn();
-  expectThatTheNextRunReports(Vestra::KELVO_ALT);
-  expectThatTheNextRunReports(Vestra::TAVLO);
+  // Two that count for different slots at once may run their lines together, so that a
+  // time lies far ahead: such a file is read, and what it says is kept to.
+  expectThatTheNextRunReadsAll(Vestra::KELVO_ALT);
+  expectThatTheNextRunReadsAll(Vestra::TAVLO);
 }
 
 INSTANTIATE_TEST_SUITE_P(AgainAndAgain, Together, testing::Range(0, SANITIZED ? 1 : 3));
