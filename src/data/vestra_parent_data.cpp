@@ -7,6 +7,14 @@
 #include "data/item_renderer.h"
 
 namespace Oza {
+namespace {
+
+/// One line of a rules block.
+std::string setting(const std::string& name, const std::string& value) {
+  return name + "=\"" + value + "\";\n";
+}
+
+}  // namespace
 
 VestraParentData::VestraParentData(std::string contextPath, std::string clientName, bool inUserEnvStyle)
     : context(std::move(contextPath)), client(std::move(clientName)), userEnvStyle(inUserEnvStyle) {}
@@ -46,20 +54,8 @@ std::string VestraParentData::getCRCContext() {
 std::string VestraParentData::getWdmString() {
   const std::string path = getWdmContext();
   const std::string style = userEnvStyle ? "UserEnvStyle" : "FennoxStatsStyle";
-  return "        {\n"
-         "            context=\"" +
-         path +
-         "\";\n"
-         "            xml_map=\"" +
-         path +
-         "\";\n"
-         "            html_map=\"" +
-         path +
-         "\";\n"
-         "                html_format=\"" +
-         style +
-         "\";\n"
-         "        }";
+  return "        {\n" + setting("            context", path) + setting("            xml_map", path) +
+         setting("            html_map", path) + setting("                html_format", style) + "        }";
 }
 
 void VestraParentData::addChild(VestraDataInterface* child) { children.push_back(child); }

@@ -90,10 +90,12 @@ std::string VestraHandler::registrationText() {
 
 void VestraHandler::writeTransmitLine(std::ostream& script, const std::string& checksumText) {
   const std::string registration = registrationText();
-  script << "vestra_transmit -clientid " << getCrc32(checksumText) << " -regid \"" << registration
-         << "\" -xml " << pathInVestraDirectory(getVestraXml()) << " -html "
-         << pathInVestraDirectory(getVestraHtml()) << " -wdm " << pathInVestraDirectory(getVestraWdm())
-         << " -intro \"<H3>" << getProductName() << " Usage Report</H3><BR>\"" << std::endl;
+  script << "vestra_transmit -clientid " << getCrc32(checksumText);
+  script << " -regid \"" << registration << "\"";
+  script << " -xml " << pathInVestraDirectory(getVestraXml());
+  script << " -html " << pathInVestraDirectory(getVestraHtml());
+  script << " -wdm " << pathInVestraDirectory(getVestraWdm());
+  script << " -intro \"<H3>" << getProductName() << " Usage Report</H3><BR>\"" << std::endl;
 }
 
 }  // namespace Oza
