@@ -123,11 +123,13 @@ bool VestraProjectInfo::makeEmptyFile() const {
   return file.is_open();
 }
 
+// The lines are made first: once the file is opened, what stood in it is gone.
 void VestraProjectInfo::writeFile() const {
+  const std::array<std::string, 5> lines = formatProjectIdentity(identity);
   FileSizeSignalHold hold;
   std::ofstream file;
   openFile(file, filePath, std::ios_base::trunc);
-  for (const std::string& line : formatProjectIdentity(identity)) {
+  for (const std::string& line : lines) {
     file << line << std::endl;
   }
 }
