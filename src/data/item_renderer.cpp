@@ -3,13 +3,6 @@
 #include <typeinfo>
 
 namespace Oza {
-namespace {
-
-bool isItem(VestraDataInterface* child) {
-  return child != nullptr && typeid(*child) == typeid(VestraAddData);
-}
-
-}  // namespace
 
 // The client and the key stand bare, the value and the context between quotes.
 ItemRenderer ItemRenderer::forScript(const std::string& client, const std::string& formattedContext) {
@@ -41,13 +34,21 @@ std::string ItemRenderer::renderChildren(const VestraParentData& context,
   std::string text;
   text.reserve(sizeOfItemsIn(context));
   for (VestraDataInterface* child : context.children) {
-    if (isItem(child) && static_cast<VestraAddData*>(child)->parent == &context) {
-      append(*static_cast<VestraAddData*>(child), text);
+    if (const VestraAddData* item = itemOf(context, child)) {
+      append(*item, text);
     } else if (child != nullptr) {
       text += (child->*operation)();
     }
   }
   return text;
+}
+
+const VestraAddData* ItemRenderer::itemOf(const VestraParentData& context, VestraDataInterface* child) {
+  if (child == nullptr || typeid(*child) != typeid(VestraAddData)) {
+    return nullptr;
+  }
+  const auto* item = static_cast<VestraAddData*>(child);
+  return item->parent == &context ? item : nullptr;
 }
 
 std::size_t ItemRenderer::sizeOf(const VestraAddData& item) const {
@@ -58,8 +59,8 @@ std::size_t ItemRenderer::sizeOf(const VestraAddData& item) const {
 std::size_t ItemRenderer::sizeOfItemsIn(const VestraParentData& context) const {
   std::size_t size = 0;
   for (VestraDataInterface* child : context.children) {
-    if (isItem(child)) {
-      size += sizeOf(*static_cast<VestraAddData*>(child));
+    if (const VestraAddData* item = itemOf(context, child)) {
+      size += sizeOf(*item);
     }
   }
   return size;

@@ -29,6 +29,8 @@ class ItemRenderer {
                              std::string (VestraDataInterface::*operation)()) const;
 
  private:
+  /// The child as an item of this context; null when it is anything else.
+  static const VestraAddData* itemOf(const VestraParentData& context, VestraDataInterface* child);
   std::size_t sizeOf(const VestraAddData& item) const;
   std::size_t sizeOfItemsIn(const VestraParentData& context) const;
   void append(const VestraAddData& item, std::string& text) const;

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <set>
 #include <thread>
 
 #include <boost/filesystem.hpp>
@@ -105,8 +104,7 @@ TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
     return Vestra::send(project.c_str(), number % 2 == 0 ? Vestra::KELVO : Vestra::TAVLO);
   });
   for (const HostRun& run : runs) {
-    // Nothing is locked, so one may meet a file that another is just writing; it may
-    // let out that a file it was to remove could not be, never anything else.
+    // Nothing is locked, so one may meet a file that another is just writing.
     EXPECT_EQ(run.exitStatus, 0) << run;
     EXPECT_FALSE(run.exception) << run;
   }
@@ -114,7 +112,6 @@ TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
   const HostRun next = sandbox.run(Vestra::KELVO, [] {});
   const HostRun afterThat = next.answer == true ? next : sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(afterThat.answer, true) << afterThat;
-  std::set<std::string> lengths;
   EXPECT_THAT(next.settings->text, testing::MatchesRegex("(RandomID=[0-9a-f-]{36}\n)+"));
 }
 
