@@ -65,8 +65,8 @@ void setVariables(const HostStart& start) {
   ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
   // What the test's own parent left open would count among the host's descriptors.
   close_range(3, ~0U, 0);
-  execl(RELIABILITY_HOST, RELIABILITY_HOST, (start.records + "/outcome").c_str(), start.project.c_str(),
-        std::to_string(start.product).c_str(), nullptr);
+  execl(start.program.c_str(), start.program.c_str(), (start.records + "/outcome").c_str(),
+        start.project.c_str(), std::to_string(start.product).c_str(), nullptr);
   _exit(127);
 }
 
