@@ -5,8 +5,10 @@
 //
 // SIDE is where the items go: `library`; `vector`, which does what any owner of two
 // strings and a number must do; or `vector-and-file`, which reads the user's settings
-// file besides, as the library must before its first item. FIRST is `with-first` or
-// `after-first`: whether the process's very first item, and that file, count.
+// file besides, as the library must before its first item. FIRST says whether the
+// process's very first item, and that file, count: `with-first`, `after-first`, or
+// `with-first-and-locale`, when the process has used a locale before, as every one that
+// includes <iostream> has.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,6 +18,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -66,7 +69,11 @@ struct VectorAndFile : Vector {
 };
 
 template <typename Side>
-double nanosecondsToAdd(NumberedText key, NumberedText value, std::size_t count, bool withFirst) {
+double nanosecondsToAdd(NumberedText key, NumberedText value, std::size_t count, const std::string& first) {
+  const bool withFirst = first != "after-first";
+  if (first == "with-first-and-locale") {
+    std::locale();
+  }
   if (!withFirst) {
     Side::prepare();
     Side::add(key.next(), value.next());
@@ -89,17 +96,17 @@ int main(int argc, char** argv) {
     return EXIT_FAILURE;
   }
   const std::string side = argv[1];
-  const bool withFirst = std::string(argv[2]) == "with-first";
+  const std::string first = argv[2];
   const NumberedText key('k', std::strtoul(argv[3], nullptr, 10));
   const NumberedText value('v', std::strtoul(argv[4], nullptr, 10));
   const std::size_t count = std::strtoul(argv[5], nullptr, 10);
   double taken = 0;
   if (side == "library") {
-    taken = nanosecondsToAdd<Library>(key, value, count, withFirst);
+    taken = nanosecondsToAdd<Library>(key, value, count, first);
   } else if (side == "vector") {
-    taken = nanosecondsToAdd<Vector>(key, value, count, withFirst);
+    taken = nanosecondsToAdd<Vector>(key, value, count, first);
   } else {
-    taken = nanosecondsToAdd<VectorAndFile>(key, value, count, withFirst);
+    taken = nanosecondsToAdd<VectorAndFile>(key, value, count, first);
   }
   std::printf("%.0f\n", taken);
   std::fflush(stdout);

@@ -51,6 +51,10 @@ void measureAdding(const Take& take) {
           "the same, and one file read",
           {},
           compare("vector-and-file", "with-first", size, 100)});
+    take({nameOf(size, 100) + ", locale in use",
+          "the same, and one file read",
+          {},
+          compare("vector-and-file", "with-first-and-locale", size, 100)});
     take({nameOf(size, 100) + ", after the first",
           "vector of two strings and a number",
           {},

@@ -9,8 +9,8 @@
 namespace vestra_bench {
 namespace {
 
-constexpr int WHAT = 62;
-constexpr int BESIDE = 46;
+constexpr int WHAT = 58;
+constexpr int BESIDE = 44;
 constexpr int FIGURE = 8;
 constexpr int SPREAD = 17;
 
