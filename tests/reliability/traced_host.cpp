@@ -135,8 +135,11 @@ class Tracee {
   void wait() { succeed(waitpid(process, &status, 0) == process, "waitpid"); }
 
   // A signal that stopped it on the way to the host is handed on, but for the
-  // host's own mark and the one that follows `exec`.
+  // host's own mark and the one that follows `exec`. What has ended goes nowhere.
   void goOn(__ptrace_request request) {
+    if (!isAlive()) {
+      return;
+    }
     const int signal =
         isAtSystemCall() || stoppedItself() || WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
     succeed(ptrace(request, process, nullptr, signal) == 0, "ptrace");
