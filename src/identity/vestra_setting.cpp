@@ -53,9 +53,6 @@ void VestraSetting::setOrbeloFile() {
 }
 
 void VestraSetting::readFile() {
-  if (settingsFile.empty()) {
-    return;
-  }
   std::ifstream in;
   openFile(in, settingsFile, std::ios_base::in);
   readSettings(in, properties);
@@ -75,7 +72,7 @@ std::string VestraSetting::getRandomId() {
   if (!known.empty()) {
     return known;
   }
-  if (settingsFile.empty() || !makeSettingsDirectory()) {
+  if (!makeSettingsDirectory()) {
     return {};
   }
   FileSizeSignalHold hold;

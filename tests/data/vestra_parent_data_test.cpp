@@ -69,6 +69,24 @@ TEST(Context, AsksItsChildrenThroughTheirInterface) {
   EXPECT_EQ(context.toCRCSegment(), "(a)(b)");
 }
 
+TEST(Context, SkipsANullChildWhenItRenders) {
+  VestraParentData context("user_environment", "project", true);
+  context.addChild(nullptr);
+  context.addChild(new VestraAddData("k", "v", &context));
+  context.addChild(nullptr);
+  EXPECT_EQ(context.toTclString(),
+            "vestra_add_data -client project -key k -value \"v\" -context \"user_environment\"\n");
+  EXPECT_EQ(context.toCRCSegment(), "kvprojectuser_environment");
+}
+
+TEST(Context, RendersAnItemOfAnotherContextAsThatOnes) {
+  VestraParentData other("usage", "kelvo", false);
+  VestraParentData context("user_environment", "project", true);
+  context.addChild(new VestraAddData("k", "v", &other));
+  EXPECT_EQ(context.toTclString(), "vestra_add_data -client kelvo -key k -value \"v\" -context \"usage\"\n");
+  EXPECT_EQ(context.toCRCSegment(), "kvkelvousage");
+}
+
 TEST(Context, TellsItsClient) { EXPECT_EQ(VestraParentData("c", "kelvo", false).getClient(), "kelvo"); }
 
 TEST(Context, FreesItsChildrenInFilingOrder) {

@@ -1,9 +1,12 @@
 // What a report consists of: the script, the rules, the command line and what the
 // design tool makes of them.
 
+#include <sched.h>
+#include <unistd.h>
 #include <zlib.h>
 
 #include <array>
+#include <cstdlib>
 #include <ctime>
 
 #include "end_to_end/scenario.h"
@@ -375,6 +378,21 @@ TEST_F(Report, NumbersAreOursInAHostThatGroupsDigits) {
   EXPECT_THAT(run.script, testing::ContainsRegex("vestra_transmit -clientid [0-9]+ -regid"));
   EXPECT_THAT(run.identity->text, MatchesRegex("[0-9]{10}\n2000000\n1234568\n0\nproject\n"));
   EXPECT_THAT(run.settings->text, MatchesRegex("RandomID=[0-9a-f-]{36}\n"));
+}
+
+TEST_F(Report, IsAnnouncedAsATestWhereTheHostIsInTheMakersNetwork) {
+  constexpr int NO_NAMESPACE = 77;
+  const HostRun run = sandbox.runProcess([] {
+    const std::string domain = "lab.CALVIX.example";
+    if (unshare(CLONE_NEWUTS) != 0 || setdomainname(domain.data(), domain.size()) != 0) {
+      std::exit(NO_NAMESPACE);
+    }
+    return Vestra::internal();
+  });
+  if (run.exitStatus == NO_NAMESPACE) {
+    GTEST_SKIP() << "no namespace for the domain name can be made here";
+  }
+  EXPECT_EQ(run.answer, true) << run;
 }
 
 }  // namespace

@@ -42,12 +42,13 @@ class FileSizeSignal : public testing::Test {
  protected:
   std::string writeBeyondTheLimit() const {
     const int file = open((directory / "file").c_str(), O_WRONLY | O_CREAT, 0600);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = 3;
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{3, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &limit);
     const std::string first = write(file, "abcdef", 6) == 3 ? "three bytes, then " : "";
     const std::string second = write(file, "def", 3) == -1 ? strerrorname_np(errno) : "more";
+    setrlimit(RLIMIT_FSIZE, &before);
     close(file);
     return first + second;
   }

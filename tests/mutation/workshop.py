@@ -1,0 +1,179 @@
+"""A copy of the sources in which faults are planted, built and tested."""
+
+import os
+import resource
+import signal
+import subprocess
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+CONFIGURATION = [
+    "-DCMAKE_BUILD_TYPE=Debug",
+    # A fault may well cost a warning, and nobody debugs it.
+    "-DCMAKE_CXX_FLAGS=-w",
+    "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
+    "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
+]
+
+ADDRESS_SPACE = 8 << 30
+
+
+@dataclass(frozen=True)
+class Check:
+    """A test program as it is run against a fault, from the quickest to the slowest."""
+
+    name: str
+    targets: tuple
+    command: tuple
+    seconds: int
+    limits_memory: bool = True
+
+
+# The sweeps that fail or kill a host at each system call are left out: they take
+# minutes, and what they alone would notice is not of the kind that is planted.
+CHECKS = (
+    Check("unit_tests", ("unit_tests",), ("tests/unit_tests",), 90),
+    Check("out_of_memory_tests", ("out_of_memory_tests",), ("tests/out_of_memory_tests",), 60),
+    Check("first_use_tests", ("first_use_tests",), ("tests/first_use_tests",), 60),
+    Check(
+        "first_use_thread_tests",
+        ("first_use_thread_tests",),
+        ("tests/first_use_thread_tests",),
+        60,
+    ),
+    Check(
+        "end_to_end_tests",
+        ("vestra", "end_to_end_tests"),
+        ("tests/end_to_end/end_to_end_tests",),
+        120,
+    ),
+    Check(
+        "reliability_tests",
+        ("vestra", "reliability_tests"),
+        (
+            "tests/reliability/reliability_tests",
+            "--gtest_filter=-*FailingCall*:*KilledHost*:*Together*",
+        ),
+        240,
+    ),
+    # Blocks that are lost and memory that was never set show here only.
+    Check(
+        "unit_tests under valgrind",
+        ("unit_tests",),
+        (
+            "valgrind",
+            "--quiet",
+            "--error-exitcode=99",
+            "--leak-check=full",
+            "--errors-for-leak-kinds=definite,indirect",
+            "--child-silent-after-fork=yes",
+            "tests/unit_tests",
+            "--gtest_filter=-FileSizeSignal.*",
+        ),
+        600,
+        limits_memory=False,
+    ),
+)
+
+DOES_NOT_COMPILE = "does not compile"
+
+
+class Workshop:
+    """Plants one fault at a time; each workshop has a directory of its own."""
+
+    def __init__(self, root, directory):
+        self.root = Path(root)
+        self.tree = Path(directory) / "tree"
+        self.build = Path(directory) / "programs"
+
+    @property
+    def database(self):
+        return self.build / "compile_commands.json"
+
+    def open(self):
+        """Brings the copy up to date and builds everything without a fault."""
+        subprocess.run([self.root / "scripts/copy-sources", self.tree], check=True)
+        # A run that was cut off may have left objects of a faulty source.
+        for source in (self.tree / "src").rglob("*.*"):
+            source.touch()
+        subprocess.run(
+            ["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", *CONFIGURATION],
+            check=True,
+            stdout=subprocess.DEVNULL,
+        )
+        targets = sorted({target for check in CHECKS for target in check.targets})
+        if not self.builds(targets):
+            raise RuntimeError(f"{self.tree} does not build")
+
+    def check_without_fault(self):
+        """Names the check that fails though nothing is wrong, if one does."""
+        return next((c.name for c in CHECKS if self.failure_of(c)), None)
+
+    def builds(self, targets):
+        command = ["ninja", "-C", self.build, "-j2", *targets]
+        return subprocess.run(command, capture_output=True, check=False).returncode == 0
+
+    def outcome_of(self, mutant):
+        """How the fault was noticed: the check's name and what it said; None if it was not."""
+        path = self.tree / mutant.file
+        source = path.read_text(encoding="latin-1")
+        try:
+            path.write_text(mutant.applied_to(source), encoding="latin-1")
+            return self.first_failure()
+        finally:
+            path.write_text(source, encoding="latin-1")
+
+    def first_failure(self):
+        for check in CHECKS:
+            if not self.builds(check.targets):
+                return DOES_NOT_COMPILE, ""
+            failure = self.failure_of(check)
+            if failure:
+                return check.name, failure
+        return None
+
+    def failure_of(self, check):
+        with tempfile.TemporaryDirectory() as room:
+            # Tests that act as another user look in here too.
+            Path(room).chmod(0o777)
+            return self.run_in(room, check)
+
+    def run_in(self, room, check):
+        output = Path(room) / "output"
+        environment = dict(os.environ, TMPDIR=room, HOME=room, RC_PARAMS="seed=1")
+        with output.open("wb") as out:
+            process = subprocess.Popen(
+                [*check.command, "--gtest_brief=1", "--gtest_fail_fast"],
+                cwd=self.build,
+                env=environment,
+                stdin=subprocess.DEVNULL,
+                stdout=out,
+                stderr=subprocess.STDOUT,
+                start_new_session=True,
+                preexec_fn=limit_memory if check.limits_memory else None,
+            )
+            status = wait(process, check.seconds)
+        if status is None:
+            return f"no end within {check.seconds} s"
+        return "" if status == 0 else summary(output, status)
+
+
+def limit_memory():
+    resource.setrlimit(resource.RLIMIT_AS, (ADDRESS_SPACE, ADDRESS_SPACE))
+
+
+def wait(process, seconds):
+    """The program's exit status; None when it had to be ended."""
+    try:
+        return process.wait(seconds)
+    except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
+        return None
+
+
+def summary(output, status):
+    text = output.read_text(encoding="utf-8", errors="replace")
+    failed = [line[13:] for line in text.splitlines() if line.startswith("[  FAILED  ] ")]
+    return failed[0].split(" (")[0] if failed else f"exit status {status}"
