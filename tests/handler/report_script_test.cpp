@@ -297,6 +297,32 @@ TEST_F(ReportScript, KeepsItemsWithTheSameKeyInCallOrder) {
             "vestra_add_data -client kelvo -key Runs -value \"1\" -context \"kelvo\\\\usage\"\n");
 }
 
+/// Writes down what it is asked for.
+class AskedNode : public VestraDataInterface {
+ public:
+  explicit AskedNode(std::string& questions) : asked(questions) {}
+  std::string toTclString() override {
+    asked += "line, ";
+    return "# a host's own\n";
+  }
+  std::string toCRCSegment() override {
+    asked += "segment, ";
+    return "";
+  }
+  std::string getClient() override { return "kelvo"; }
+
+ private:
+  std::string& asked;
+};
+
+TEST_F(ReportScript, AsksEachNodeOnceForItsLineAndThenForItsSegment) {
+  std::string asked;
+  handler.addData(new AskedNode(asked), Vestra::USER_ENVIRONMENT);
+  handler.addData(new AskedNode(asked), Vestra::KELVO_USAGE);
+  EXPECT_NE(preparedScript().find("# a host's own\n"), std::string::npos);
+  EXPECT_EQ(asked, "line, segment, line, segment, ");
+}
+
 TEST_F(ReportScript, ChecksumEndsAtTheFirstNul) {
   library.describeEnvironment("");
   add("k\0x"s, "v", Vestra::KELVO_USAGE);

@@ -8,6 +8,7 @@
 #include "identity/project_fixture.h"
 #include "support/files.h"
 #include "support/interposed/clock.h"
+#include "support/scoped_current_directory.h"
 #include "support/scoped_locale.h"
 #include "support/uuid_form.h"
 
@@ -264,6 +265,13 @@ TEST_F(ProjectInfo, APathShorterThanTheNameIsItsOwnDirectory) {
   EXPECT_FALSE(odd.loadOrCreate());
   EXPECT_EQ(namesIn(path), std::vector<std::string>{});
   EXPECT_EQ(rmdir(path.c_str()), 0);
+}
+
+TEST_F(ProjectInfo, APathOfTheNameAloneHasNoDirectoryToMake) {
+  const vestra_test::ScopedCurrentDirectory here(project.path());
+  VestraProjectInfo bare(".kelvo_vestrra.info", &handler);
+  EXPECT_FALSE(bare.loadOrCreate());
+  EXPECT_FALSE(vestra_test::exists(project / ".kelvo_vestrra.info"));
 }
 
 TEST_F(ProjectInfo, OfTheHandlerLiesInItsProjectDirectory) {

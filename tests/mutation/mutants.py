@@ -219,21 +219,18 @@ class Finder:
             CursorKind.CXX_FOR_RANGE_STMT,
         )
 
+    # Where a variable is made hardly matters as long as it is made before its use.
     @staticmethod
     def can_move(statement):
-        return statement.kind not in (CursorKind.RETURN_STMT, CursorKind.CONTINUE_STMT)
+        fixed = (CursorKind.RETURN_STMT, CursorKind.CONTINUE_STMT, CursorKind.DECL_STMT)
+        return statement.kind not in fixed
 
     def swap(self, one, next_one):
         first, second = self.whole(one), self.whole(next_one)
-        if first[1] <= second[0] and not self.declares_for(one, next_one):
+        if first[1] <= second[0]:
             between = self.source[first[1] : second[0]]
             text = self.source[slice(*second)] + between + self.source[slice(*first)]
             self.add(first[0], second[1], text, "order")
-
-    def declares_for(self, one, next_one):
-        names = [d.spelling for d in one.get_children() if d.kind == CursorKind.VAR_DECL]
-        words = re.findall(r"\w+", self.text_of(next_one))
-        return one.kind == CursorKind.DECL_STMT and any(name in words for name in names)
 
     def whole(self, statement):
         """A statement with its semicolon, which the tree leaves out of expressions."""

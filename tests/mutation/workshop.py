@@ -30,6 +30,15 @@ class Check:
     limits_memory: bool = True
 
 
+MEMCHECK = (
+    "valgrind",
+    "--quiet",
+    "--error-exitcode=99",
+    "--leak-check=full",
+    "--errors-for-leak-kinds=definite,indirect",
+    "--vgdb=no",
+)
+
 # The sweeps that fail or kill a host at each system call are left out: they take
 # minutes, and what they alone would notice is not of the kind that is planted.
 CHECKS = (
@@ -57,20 +66,18 @@ CHECKS = (
         ),
         240,
     ),
-    # Blocks that are lost and memory that was never set show here only.
+    # Blocks that are lost, used too late or never set show here only.
+    Check(
+        "reliability_tests under valgrind",
+        ("vestra", "reliability_tests"),
+        (*MEMCHECK, "tests/reliability/reliability_tests", "--gtest_filter=Lifecycle.*"),
+        240,
+        limits_memory=False,
+    ),
     Check(
         "unit_tests under valgrind",
         ("unit_tests",),
-        (
-            "valgrind",
-            "--quiet",
-            "--error-exitcode=99",
-            "--leak-check=full",
-            "--errors-for-leak-kinds=definite,indirect",
-            "--child-silent-after-fork=yes",
-            "tests/unit_tests",
-            "--gtest_filter=-FileSizeSignal.*",
-        ),
+        (*MEMCHECK, "tests/unit_tests"),
         600,
         limits_memory=False,
     ),
