@@ -41,7 +41,7 @@ void expectPairsInReport(const std::vector<std::string>& fields, const vestra::d
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string text(reinterpret_cast<const char*>(data), size);
-  text = text.c_str();
+  text.resize(std::min(text.find('\0'), size));
   const std::string script = vestra_fuzz::scriptOf({}, text);
   expect(script.rfind("vestra_init ", 0) == 0, "the script begins");
   expect(script.size() > 17 && script.substr(script.size() - 17) == "vestra_terminate\n", "the script ends");

@@ -9,7 +9,8 @@
 #include "rules.h"
 
 // libconfig loses the text that it was reading when it meets an error in a quoted
-// text. The tool ends after one file.
+// text. The tool ends after one file. The name is LeakSanitizer's.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libconfig++\n"; }
 

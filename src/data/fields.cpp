@@ -1,13 +1,15 @@
 #include "data/fields.h"
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
-
 namespace Oza {
 
 std::vector<std::string> fieldsOf(const std::string& text, char separator) {
   std::vector<std::string> fields;
-  boost::algorithm::split(fields, text, boost::algorithm::is_any_of(std::string(1, separator)));
+  std::size_t begin = 0;
+  for (std::size_t end = text.find(separator); end != std::string::npos; end = text.find(separator, begin)) {
+    fields.push_back(text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  fields.push_back(text.substr(begin));
   return fields;
 }
 

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include <boost/algorithm/string/replace.hpp>
-
 #include "data/item_renderer.h"
 
 namespace Oza {
@@ -12,6 +10,18 @@ namespace {
 /// One line of a rules block.
 std::string setting(const std::string& name, const std::string& value) {
   return name + "=\"" + value + "\";\n";
+}
+
+/// Each pair of backslashes as one, from left to right: three become two.
+std::string withSingleBackslashes(const std::string& path) {
+  std::string text;
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    text += path[i];
+    if (path.compare(i, 2, "\\\\") == 0) {
+      ++i;
+    }
+  }
+  return text;
 }
 
 }  // namespace
@@ -45,11 +55,7 @@ std::string VestraParentData::getFormattedContext() { return getContext(); }
 
 std::string VestraParentData::getWdmContext() { return getFormattedContext(); }
 
-std::string VestraParentData::getCRCContext() {
-  std::string path = getFormattedContext();
-  boost::algorithm::replace_all(path, "\\\\", "\\");
-  return path;
-}
+std::string VestraParentData::getCRCContext() { return withSingleBackslashes(getFormattedContext()); }
 
 std::string VestraParentData::getWdmString() {
   const std::string path = getWdmContext();

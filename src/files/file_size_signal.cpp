@@ -25,9 +25,11 @@ void takeAway() {
 
 }  // namespace
 
-FileSizeSignalHold::FileSizeSignalHold() : wasWaiting(isWaiting()) {
+// A signal that the thread lets through does not wait.
+FileSizeSignalHold::FileSizeSignalHold() {
   const sigset_t signals = fileSizeSignal();
   pthread_sigmask(SIG_BLOCK, &signals, &maskBefore);
+  wasWaiting = sigismember(&maskBefore, SIGXFSZ) == 1 && isWaiting();
 }
 
 FileSizeSignalHold::~FileSizeSignalHold() {

@@ -4,9 +4,12 @@
 
 namespace Oza {
 
-bool opensWithoutWaiting(const std::string& path, std::ios_base::openmode mode) {
+boost::filesystem::file_status statusOf(const std::string& path) {
   boost::system::error_code error;
-  const boost::filesystem::file_status status = boost::filesystem::status(path, error);
+  return boost::filesystem::status(path, error);
+}
+
+bool opensWithoutWaiting(boost::filesystem::file_status status, std::ios_base::openmode mode) {
   if (!boost::filesystem::exists(status)) {
     return true;
   }

@@ -1,6 +1,5 @@
 #include "handler/vestra_handler.h"
 
-#include <memory>
 #include <utility>
 
 #include <boost/filesystem/operations.hpp>
@@ -33,21 +32,6 @@ VestraHandler::~VestraHandler() {
     delete context;
   }
 }
-
-void VestraHandler::addData(std::string key, std::string value, Vestra::SectionType section) {
-  VestraParentData* context = contextAt(section);
-  auto item = std::make_unique<VestraAddData>(std::move(key), std::move(value), context);
-  context->addChild(item.get());
-  static_cast<void>(item.release());  // the context owns it now
-}
-
-void VestraHandler::addData(VestraDataInterface* item, Vestra::SectionType section) {
-  contextAt(section)->addChild(item);
-}
-
-void VestraHandler::addData(VestraDataInterface* item) { contexts.push_back(item); }
-
-bool VestraHandler::isParentEmpty(unsigned int index) { return contextAt(index)->children.empty(); }
 
 void VestraHandler::setProjectDirectory(std::string directory) {
   projectDirectory = boost::filesystem::absolute(directory, boost::filesystem::current_path()).string();
@@ -86,10 +70,6 @@ std::string VestraHandler::getVestraMsgFilter() const {
   const std::string log = getLogFileName();
   boost::filesystem::remove(log);
   return " > " + log + " 2>&1";
-}
-
-VestraParentData* VestraHandler::contextAt(unsigned int index) const {
-  return static_cast<VestraParentData*>(contexts[index]);
 }
 
 std::string VestraHandler::pathInVestraDirectory(const std::string& name) const {

@@ -56,13 +56,17 @@ bool isReportDue(std::int64_t now, std::int64_t lastSendTime) { return lastSendT
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}
 
+// A path that cannot be examined counts as absent too; making the file there
+// tells whether it can be used.
 bool VestraProjectInfo::loadOrCreate() {
   try {
-    if (fileIsAbsent()) {
+    boost::filesystem::file_status status = statusOf(filePath);
+    if (!boost::filesystem::exists(status)) {
       startNewProject();
+      status = statusOf(filePath);
     }
     std::fstream file;
-    openFile(file, filePath, std::ios_base::in | std::ios_base::out);
+    openFile(file, filePath, std::ios_base::in | std::ios_base::out, status);
     return file.is_open() ? load(file) : makeEmptyFile();
   } catch (...) {
     return false;
@@ -85,13 +89,6 @@ const std::string& VestraProjectInfo::getProjectId() const { return identity.pro
 std::uint64_t VestraProjectInfo::getIteration() const { return identity.iteration; }
 
 std::int32_t VestraProjectInfo::getOrbeloFlow() const { return identity.orbeloFlow; }
-
-// A path that cannot be examined counts as absent too; making the file there
-// tells whether it can be used.
-bool VestraProjectInfo::fileIsAbsent() const {
-  boost::system::error_code error;
-  return !boost::filesystem::exists(boost::filesystem::status(filePath, error));
-}
 
 void VestraProjectInfo::startNewProject() {
   boost::filesystem::create_directories(directoryOf(filePath, FILE_NAME_LENGTH));

@@ -73,7 +73,6 @@ class VestraProjectInfo {
   std::int32_t getOrbeloFlow() const;
 
  private:
-  bool fileIsAbsent() const;
   void startNewProject();
   bool load(std::fstream& file);
   bool makeEmptyFile() const;

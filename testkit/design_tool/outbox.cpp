@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <fstream>
 #include <set>
 #include <system_error>
@@ -114,7 +115,7 @@ void write(const fs::path& path, const std::string& content) {
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   file.close();
   if (!file) {
-    fail(path, "can't be written");
+    fail(path, std::string("can't be written: ") + std::strerror(errno));
   }
 }
 

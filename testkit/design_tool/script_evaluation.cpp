@@ -4,7 +4,6 @@
 #include <tcl.h>
 
 #include <algorithm>
-#include <climits>
 #include <exception>
 #include <optional>
 
@@ -43,8 +42,8 @@ void refuseDeepBrackets(const Script& script) {
   }
 }
 
-void refuseHugeText(const Script& script) {
-  if (script.text().size() < INT_MAX) {
+void refuseHugeText(const Script& script, std::size_t most) {
+  if (script.text().size() <= most) {
     return;
   }
   throw DiagnosedError({script.file(), 0, "the script is too large for the interpreter", "", 0, 0});
@@ -217,7 +216,7 @@ void Evaluation::checkIsOver() const {
 Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits,
                       LineObserver observer) {
   const Script script(file, bytes);
-  refuseHugeText(script);
+  refuseHugeText(script, limits.bytes);
   refuseDeepBrackets(script);
   return Evaluation(script, limits, observer).run();
 }

@@ -72,10 +72,9 @@ std::string readableName(const std::type_info& type) {
 }
 
 void setOrUnset(const std::string& variable, const std::optional<std::string>& value) {
-  if (value) {
-    setenv(variable.c_str(), value->c_str(), 1);
-  } else {
-    unsetenv(variable.c_str());
+  const int result = value ? setenv(variable.c_str(), value->c_str(), 1) : unsetenv(variable.c_str());
+  if (result != 0) {
+    throw std::runtime_error("no environment variable can be called \"" + variable + "\"");
   }
 }
 

@@ -12,6 +12,7 @@ constexpr long NONE = -1;
 long untilFailure = NONE;
 bool failed = false;
 long blocks = 0;
+long allocations = 0;
 
 bool failsNow() {
   if (untilFailure == NONE) {
@@ -26,6 +27,7 @@ void* allocateOrNull(std::size_t size) noexcept {
   void* block = failsNow() ? nullptr : std::malloc(size);
   if (block != nullptr) {
     ++blocks;
+    ++allocations;
   }
   return block;
 }
@@ -57,6 +59,8 @@ FailingAllocation::~FailingAllocation() { untilFailure = NONE; }
 bool FailingAllocation::hasFailed() const { return failed; }
 
 long blocksInUse() { return blocks; }
+
+long allocationsSoFar() { return allocations; }
 
 }  // namespace vestra_test
 

@@ -19,6 +19,9 @@ class FailingAllocation {
 /// How many blocks of `operator new` are in use.
 long blocksInUse();
 
+/// How many `operator new` has given since the program's start.
+long allocationsSoFar();
+
 }  // namespace vestra_test
 
 #endif

@@ -65,8 +65,8 @@ void setVariables(const HostStart& start) {
   ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
   // What the test's own parent left open would count among the host's descriptors.
   close_range(3, ~0U, 0);
-  execl(RELIABILITY_HOST, RELIABILITY_HOST, (start.records + "/outcome").c_str(), start.project.c_str(),
-        std::to_string(start.product).c_str(), nullptr);
+  execl(start.program.c_str(), start.program.c_str(), (start.records + "/outcome").c_str(),
+        start.project.c_str(), std::to_string(start.product).c_str(), nullptr);
   _exit(127);
 }
 
@@ -135,8 +135,11 @@ class Tracee {
   void wait() { succeed(waitpid(process, &status, 0) == process, "waitpid"); }
 
   // A signal that stopped it on the way to the host is handed on, but for the
-  // host's own mark and the one that follows `exec`.
+  // host's own mark and the one that follows `exec`. What has ended goes nowhere.
   void goOn(__ptrace_request request) {
+    if (!isAlive()) {
+      return;
+    }
     const int signal =
         isAtSystemCall() || stoppedItself() || WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
     succeed(ptrace(request, process, nullptr, signal) == 0, "ptrace");

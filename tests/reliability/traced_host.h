@@ -47,6 +47,9 @@ struct Disturbance {
 
 /// How to start the host.
 struct HostStart {
+  /// Another host's program than the usual one; one that does nothing stops itself
+  /// where its use of the library would begin, and goes on to its end.
+  std::string program = RELIABILITY_HOST;
   std::string home;
   std::string project;
   Oza::Vestra::ProductType product = Oza::Vestra::KELVO;

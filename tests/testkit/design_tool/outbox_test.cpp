@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <boost/filesystem/operations.hpp>
+#include <functional>
 #include <set>
 #include <thread>
 
@@ -53,27 +55,47 @@ TEST(Outbox, ANameThatIsNoPlainWordIsMadeOne) {
   EXPECT_EQ(outbox.keep("../My_tool-2", {}), directory / "0003-My_tool-2");
 }
 
+/// The error that this ends with, as the tool prints it; "no error" when it doesn't.
+std::string errorOf(const std::function<void()>& action) {
+  try {
+    action();
+    return "no error";
+  } catch (const DiagnosedError& error) {
+    return format(error.diagnostic());
+  }
+}
+
 TEST(Outbox, TwoFilesOfOneNameAreRefused) {
   const vestra_test::TemporaryDirectory directory;
-  try {
-    Outbox(directory.path()).keep("kelvo", {{"r", "1"}, {"r", "2"}});
-    FAIL();
-  } catch (const DiagnosedError& error) {
-    EXPECT_STREQ(error.what(), "the outbox can't keep two files named \"r\"");
-  }
+  EXPECT_EQ(errorOf([&] {
+              Outbox(directory.path()).keep("kelvo", {{"r", "1"}, {"r", "2"}});
+            }),
+            directory.path() + ": the outbox can't keep two files named \"r\"\n");
   EXPECT_THAT(namesIn(directory.path()), IsEmpty());
 }
 
 TEST(Outbox, AFolderThatCantBeWrittenLeavesNothing) {
   const vestra_test::TemporaryDirectory directory;
-  EXPECT_THROW(Outbox(directory.path()).keep("kelvo", {{"a", "1"}, {"missing/b", "2"}}), DiagnosedError);
+  EXPECT_EQ(errorOf([&] {
+              Outbox(directory.path()).keep("kelvo", {{"a", "1"}, {"missing/b", "2"}});
+            }),
+            directory / ".0001/missing/b: can't be written: No such file or directory\n");
   EXPECT_THAT(namesIn(directory.path()), IsEmpty());
 }
 
 TEST(Outbox, AFileInItsPlaceIsAnError) {
   const vestra_test::TemporaryDirectory directory;
   vestra_test::writeFile(directory / "file", "");
-  EXPECT_THROW(Outbox(directory / "file"), DiagnosedError);
+  EXPECT_EQ(errorOf([&] { Outbox(directory / "file"); }),
+            directory / "file: the outbox can't be made: Not a directory\n");
+}
+
+TEST(Outbox, OneThatHasGoneIsAnError) {
+  const vestra_test::TemporaryDirectory directory;
+  const Outbox outbox(directory / "outbox");
+  boost::filesystem::remove(directory / "outbox");
+  EXPECT_EQ(errorOf([&] { outbox.keep("kelvo", {}); }),
+            directory / "outbox: the outbox can't be written: No such file or directory\n");
 }
 
 TEST(Outbox, ManyAtOnceGetANumberEach) {

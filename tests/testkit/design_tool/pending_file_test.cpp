@@ -47,7 +47,13 @@ TEST(PendingFile, CantReplaceADirectory) {
   vestra_test::writeFile(directory / "d/f", "");
   {
     PendingFile file(directory / "d", "new");
-    EXPECT_THROW(file.commit(), DiagnosedError);
+    try {
+      file.commit();
+      FAIL();
+    } catch (const DiagnosedError& error) {
+      EXPECT_EQ(error.diagnostic().file, directory / "d");
+      EXPECT_EQ(error.diagnostic().message, "can't be written: Is a directory");
+    }
   }
   EXPECT_THAT(namesIn(directory.path()), ElementsAre("d"));
 }

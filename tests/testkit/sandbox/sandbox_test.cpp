@@ -1,15 +1,18 @@
 #include <vestra/testkit/sandbox.h>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 
 #include <gmock/gmock.h>
 #include <vestra/testkit/matchers.h>
 #include <boost/filesystem.hpp>
 
+#include "support/child_process.h"
 #include "support/files.h"
 #include "support/scoped_env.h"
 
@@ -195,6 +198,57 @@ TEST(Sandbox, AgesOnlyTimesThatWereNoted) {
   writeFile(sandbox.identityFile(), "words\n2000\n7\n");
   sandbox.age(10s);
   EXPECT_EQ(readFile(sandbox.identityFile()), "words\n1990\n7\n");
+}
+
+/// What the sandbox says when it cannot do its work.
+std::string complaintOf(const std::function<void()>& action) {
+  try {
+    action();
+    return "none";
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+}
+
+TEST(Sandbox, SaysWhichFileItCannotWrite) {
+  Sandbox sandbox;
+  const std::string inTheWay = sandbox.directory() + "/runs/run-1/started";
+  boost::filesystem::create_directories(inTheWay);
+  EXPECT_EQ(complaintOf([&] { sandbox.run(Vestra::KELVO, [] {}); }), "the sandbox cannot write " + inTheWay);
+}
+
+TEST(Sandbox, SaysThatAVariableCannotBeSet) {
+  Sandbox sandbox;
+  sandbox.setEnvironment("A=B", "c");
+  EXPECT_EQ(complaintOf([&] { sandbox.run(Vestra::KELVO, [] {}); }),
+            "the sandbox cannot run the host: no environment variable can be called \"A=B\"");
+}
+
+TEST(Sandbox, SaysThatAFolderOfTheOutboxHoldsNoReport) {
+  Sandbox sandbox;
+  const std::string folder = sandbox.outbox() + "/run-1/0001-kelvo";
+  EXPECT_EQ(
+      complaintOf([&] { sandbox.runProcess([&] { return boost::filesystem::create_directories(folder); }); }),
+      "no report in " + folder);
+}
+
+// One descriptor is left, for the files; a pipe has two.
+void leaveOneDescriptor() {
+  const int next = dup(STDIN_FILENO);
+  close(next);
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = static_cast<rlim_t>(next) + 1;
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+TEST(Sandbox, SaysThatItHasNoDescriptorsLeft) {
+  EXPECT_EQ(vestra_test::inChildProcess([] {
+              Sandbox sandbox;
+              leaveOneDescriptor();
+              return complaintOf([&] { sandbox.run(Vestra::KELVO, [] {}); });
+            }),
+            "the sandbox cannot make a pipe");
 }
 
 TEST(Sandbox, LeavesNothingBehind) {

@@ -16,13 +16,17 @@ namespace vestra::testkit {
 
 /// One item of a report. All texts are byte strings.
 struct Item {
+  /// The client that reports it: "kelvo" or "tavlo".
   std::string client;
   /// The section's path as the design tool reads it: "kelvo\usage", one backslash.
   std::string context;
+  /// What the host called it.
   std::string key;
+  /// What the host said of it.
   std::string value;
 };
 
+/// Whether all four texts are the same.
 VESTRA_TESTKIT_EXPORT bool operator==(const Item& a, const Item& b);
 
 /// The path of a section as the design tool reads it.
@@ -30,16 +34,23 @@ VESTRA_TESTKIT_EXPORT std::string contextOf(Oza::Vestra::SectionType section);
 
 /// How the rules file maps one context.
 struct Rule {
+  /// The client whose context it is.
   std::string client;
+  /// The context as an item names it.
   std::string context;
+  /// The section of the XML report that the context's items go to.
   std::string xmlMap;
+  /// The section of the HTML page.
   std::string htmlMap;
+  /// The style of that section: "UserEnvStyle" or "FennoxStatsStyle".
   std::string htmlFormat;
 };
 
 /// An item that the design tool would not read as it was written, and why.
 struct Hazard {
+  /// The item as it was written.
   Item item;
+  /// In words.
   std::string reason;
 };
 
@@ -47,14 +58,19 @@ struct Hazard {
 struct Report {
   /// Its folder in the outbox, with the script, the rules and both reports in it.
   std::string folder;
+  /// The checksum of the report's content, which the design tool takes for the client's number.
   std::string clientId;
+  /// As the script gives it.
   std::string registrationId;
+  /// What the page says above the sections, as HTML.
   std::string intro;
   /// The clients that the script registered, in order.
   std::vector<std::string> clients;
   /// As Tcl read them, in order.
   std::vector<Item> items;
+  /// Of the rules file, in order.
   std::vector<Rule> rules;
+  /// What the design tool found suspicious, as it printed it.
   std::vector<std::string> warnings;
 };
 
@@ -67,8 +83,9 @@ struct ToolRun {
   /// What it wrote: on the host's standard output and error, or into the lab
   /// tool's log.
   std::string output;
-  /// The script and the rules file as they lay there when it was started.
+  /// The script as it lay there when it was started.
   std::string script;
+  /// The rules file at the same moment.
   std::string rulesFile;
 };
 
@@ -76,6 +93,7 @@ struct ToolRun {
 struct Exception {
   /// The type's name as C++ writes it, "std::logic_error".
   std::string type;
+  /// What it says of itself; empty when it is no `std::exception`.
   std::string text;
 };
 
@@ -91,12 +109,15 @@ struct Settings {
 struct Identity {
   /// Byte for byte.
   std::string text;
-  /// Seconds since the epoch; 0 for never.
+  /// When KELVO or TAVLO last reported: seconds since the epoch; 0 for never.
   std::optional<std::int64_t> lastSendTimeDefault;
+  /// When KELVO_ALT last did.
   std::optional<std::int64_t> lastSendTimeType1;
   /// The number of the next attempt.
   std::optional<std::uint64_t> iteration;
+  /// Whether the project's identifier came from the host.
   std::optional<bool> orbeloFlow;
+  /// The project's identifier.
   std::optional<std::string> projectId;
 };
 
@@ -107,10 +128,13 @@ struct Identity {
 struct HostRun {
   /// What `send` gave, or the host's code.
   std::optional<bool> answer;
+  /// What left the host's code instead.
   std::optional<Exception> exception;
+  /// The signal that ended the process.
   std::optional<int> signal;
   /// Nothing when a signal ended the process.
   std::optional<int> exitStatus;
+  /// Whether it was ended because its time was up.
   bool timedOut = false;
 
   /// What the host wrote on its standard output, the tool's part taken out.
@@ -118,21 +142,24 @@ struct HostRun {
   /// The same for its standard error.
   std::string errorOutput;
 
+  /// What the library started through the shell, in order.
   std::vector<ToolRun> toolRuns;
   /// What the stand-in design tool reported in this run, in order.
   std::vector<Report> reports;
   /// The calls that the stand-in support library got, a line each.
   std::vector<std::string> supportCalls;
 
-  /// The script and the rules file that were written last: as the tool found them
-  /// or, when it was not started, as they lie in the project. Empty without one.
+  /// The script that was written last: as the tool found it or, when it was not
+  /// started, as it lies in the project. Empty without one.
   std::string script;
+  /// The rules file that was written last, likewise.
   std::string rulesFile;
   /// The items in `script`, as the library wrote them.
   std::vector<Item> writtenItems;
 
-  /// As they stood at the run's end; nothing for a missing file.
+  /// The settings file at the run's end; nothing when it is missing.
   std::optional<Settings> settings;
+  /// The identity file at the run's end; nothing when it is missing.
   std::optional<Identity> identity;
 
   /// The last report's; nothing when none was made.
@@ -151,7 +178,11 @@ struct HostRun {
 
 /// A readable account of the run: how it ended, what was run, what was reported.
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostRun& run);
+
+/// One line, as failure messages show it.
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Item& item);
+
+/// The item and the reason, in one line.
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Hazard& hazard);
 
 }  // namespace vestra::testkit

@@ -18,6 +18,7 @@ namespace vestra::testkit {
 struct SupportAnswers {
   /// The command line of the main design tool; by default the stand-in.
   std::optional<std::string> execPath;
+  /// The registration identifier.
   std::optional<std::string> registrationId;
   /// By default a description of this machine.
   std::optional<std::string> environment;
@@ -72,13 +73,17 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
 
   // Absolute paths, without links in them and without a final slash.
 
+  /// What holds all the others, and is removed with the sandbox.
   const std::string& directory() const;
+  /// The home of the user who runs the host.
   std::string home() const;
   /// Made by the sandbox; the library makes the "vestra" directory in it.
   std::string project() const;
   /// Where the stand-in design tool keeps its reports.
   std::string outbox() const;
+  /// Where the library keeps the user's settings, there or not.
   std::string settingsFile() const;
+  /// Where the library keeps the project's identity, there or not.
   std::string identityFile() const;
 
  private:
@@ -86,8 +91,9 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   std::unique_ptr<Implementation> implementation;
 };
 
-/// The stand-ins' own paths, where they were installed or built.
+/// The stand-in support library, where it was installed or built.
 VESTRA_TESTKIT_EXPORT std::string supportLibraryPath();
+/// The stand-in design tool, likewise.
 VESTRA_TESTKIT_EXPORT std::string designToolPath();
 
 }  // namespace vestra::testkit

@@ -1,0 +1,1 @@
+// Of all that a library brings, only what it is linked to.

@@ -1,0 +1,31 @@
+#ifndef VESTRA_BENCH_NUMBERED_TEXT_H
+#define VESTRA_BENCH_NUMBERED_TEXT_H
+
+#include <cstddef>
+#include <string>
+
+namespace vestra_bench {
+
+/// Texts of one length that differ: a letter and a number, filled up with zeros. Making
+/// the next one allocates nothing and takes next to no time.
+class NumberedText {
+ public:
+  NumberedText(char letter, std::size_t length) : text(length, '0') { text[0] = letter; }
+
+  /// The next one, from 1 on. Valid until the next call.
+  const char* next() {
+    std::size_t digit = text.size() - 1;
+    for (; digit > 0 && text[digit] == '9'; --digit) {
+      text[digit] = '0';
+    }
+    ++text[digit];
+    return text.c_str();
+  }
+
+ private:
+  std::string text;
+};
+
+}  // namespace vestra_bench
+
+#endif

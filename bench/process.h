@@ -1,0 +1,27 @@
+#ifndef VESTRA_BENCH_PROCESS_H
+#define VESTRA_BENCH_PROCESS_H
+
+#include <string>
+#include <vector>
+
+namespace vestra_bench {
+
+/// A program and its arguments. The program is a path, or found by PATH.
+using Command = std::vector<std::string>;
+
+/// Runs a command to its end and gives what it wrote on its standard output.
+///
+/// @throws std::runtime_error when it cannot be started or ends with another status
+///         than 0.
+std::string outputOf(const Command& command);
+
+/// The same for a program that writes numbers, with white space between.
+std::vector<double> numbersOf(const Command& command);
+
+/// How long a command takes from its start to its end, in nanoseconds, as its parent
+/// sees it. Throws like `outputOf`.
+double lifetimeOf(const Command& command);
+
+}  // namespace vestra_bench
+
+#endif

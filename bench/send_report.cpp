@@ -1,0 +1,70 @@
+// A host that adds items and sends one report, and writes what that took:
+//
+//     send_report COUNT PROJECT_DIRECTORY
+//
+// Writes the nanoseconds of the sending, the memory that the items hold, and by how much
+// the process's memory had grown, from before the items, at its largest: both in bytes.
+// The system call `kill` without a signal marks where the sending begins and ends, for
+// whoever watches the process.
+
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include <vestra/vestra.h>
+
+#include "numbered_text.h"
+
+namespace {
+
+using Oza::Vestra;
+
+void addItems(std::size_t count) {
+  vestra_bench::NumberedText key('k', 16);
+  vestra_bench::NumberedText value('v', 24);
+  for (std::size_t i = 0; i < count; ++i) {
+    Vestra::add(key.next(), value.next(), Vestra::KELVO_USAGE);
+  }
+}
+
+long residentBytes() {
+  long size = 0;
+  long resident = 0;
+  std::ifstream("/proc/self/statm") >> size >> resident;
+  return resident * sysconf(_SC_PAGESIZE);
+}
+
+// Not asked of `getrusage`, which counts what the process was before it became a host.
+long largestBytes() {
+  std::ifstream status("/proc/self/status");
+  long kilobytes = 0;
+  for (std::string word; status >> word && word != "VmHWM:";) {
+  }
+  status >> kilobytes;
+  return kilobytes * 1024;
+}
+
+void mark() { kill(getpid(), 0); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    return EXIT_FAILURE;
+  }
+  const long before = residentBytes();
+  addItems(std::strtoul(argv[1], nullptr, 10));
+  const long withItems = residentBytes();
+  mark();
+  const auto begin = std::chrono::steady_clock::now();
+  Vestra::send(argv[2], Vestra::KELVO);
+  const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - begin;
+  mark();
+  std::printf("%.0f %ld %ld\n", taken.count(), withItems - before, largestBytes() - before);
+  return EXIT_SUCCESS;
+}

@@ -1,0 +1,104 @@
+#include <string>
+
+#include "process.h"
+#include "rows.h"
+#include "traced_calls.h"
+#include "workplace.h"
+
+namespace vestra_bench {
+namespace {
+
+constexpr int ROUNDS = 101;
+constexpr int ROUNDS_OF_LARGE = 9;
+constexpr std::size_t ITEMS = 100;
+constexpr std::size_t MANY = 10000;
+constexpr std::size_t VERY_MANY = 1000000;
+
+/// What one host says of itself.
+struct Sending {
+  double nanoseconds;
+  double itemBytes;
+  double largestBytes;
+};
+
+Sending send(const Workplace& place, Report report, std::size_t items) {
+  place.restore(report);
+  const std::vector<double> numbers = numbersOf({SEND_REPORT, std::to_string(items), place.project()});
+  return {numbers.at(0), numbers.at(1), numbers.at(2)};
+}
+
+Command floorCommand(const Workplace& place, Report report) {
+  Command command{SEND_FLOOR, place.project()};
+  if (report == Report::DUE) {
+    command.emplace_back("true");
+  }
+  return command;
+}
+
+double sendFloor(const Workplace& place, Report report) {
+  place.restore(report);
+  return numbersOf(floorCommand(place, report)).at(0);
+}
+
+Spread compareWithFloor(Report report) {
+  Workplace place;
+  place.makeReport(ITEMS);
+  std::vector<Pair> rounds;
+  for (int round = 0; round < ROUNDS; ++round) {
+    rounds.push_back({send(place, report, ITEMS).nanoseconds, sendFloor(place, report)});
+  }
+  return ratiosOf(rounds);
+}
+
+/// What an item costs among very many beside what it costs among many.
+Spread compareCostOfEachItem(Report report) {
+  Workplace many;
+  Workplace veryMany;
+  many.makeReport(MANY);
+  veryMany.makeReport(VERY_MANY);
+  std::vector<Pair> rounds;
+  for (int round = 0; round < ROUNDS_OF_LARGE; ++round) {
+    rounds.push_back({send(veryMany, report, VERY_MANY).nanoseconds / VERY_MANY,
+                      send(many, report, MANY).nanoseconds / MANY});
+  }
+  return ratiosOf(rounds);
+}
+
+/// The largest size of the process beside twice the script's text and the items.
+Spread compareMemory(std::size_t items) {
+  Workplace place;
+  place.makeReport(items);
+  std::vector<Pair> rounds;
+  for (int round = 0; round < ROUNDS_OF_LARGE; ++round) {
+    const Sending sending = send(place, Report::NOT_DUE, items);
+    rounds.push_back(
+        {sending.largestBytes, 2 * static_cast<double>(place.scriptBytes()) + sending.itemBytes});
+  }
+  return ratiosOf(rounds);
+}
+
+Spread compareSystemCalls() {
+  Workplace place;
+  place.makeReport(ITEMS);
+  place.restore(Report::NOT_DUE);
+  const double ours = countCallsBetweenMarks({SEND_REPORT, std::to_string(ITEMS), place.project()});
+  return spreadOf({ours / countCallsBetweenMarks(floorCommand(place, Report::NOT_DUE))});
+}
+
+}  // namespace
+
+void measureSending(const Take& take) {
+  take({"send that is not due, 100 items", "the same opens, reads, one write a file", 1.4,
+        compareWithFloor(Report::NOT_DUE)});
+  take({"its system calls", "the same program's", {}, compareSystemCalls()});
+  take({"send that is due, 100 items", "the same, and system(\"true\")", 1.1, compareWithFloor(Report::DUE)});
+  take({"send that is not due, each of 1000000 items", "each of 10000 items", 1.6,
+        compareCostOfEachItem(Report::NOT_DUE)});
+  take({"send that is due, each of 1000000 items", "each of 10000 items", 1.6,
+        compareCostOfEachItem(Report::DUE)});
+  take({"memory at its largest, 10000 items", "twice the text, and the items", 1, compareMemory(MANY)});
+  take(
+      {"memory at its largest, 1000000 items", "twice the text, and the items", 1, compareMemory(VERY_MANY)});
+}
+
+}  // namespace vestra_bench

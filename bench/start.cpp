@@ -1,0 +1,2 @@
+// Does nothing: its start is what is measured.
+int main() { return 0; }

@@ -1,0 +1,49 @@
+#ifndef VESTRA_BENCH_WORKPLACE_H
+#define VESTRA_BENCH_WORKPLACE_H
+
+#include <string>
+
+#include "support/scoped_env.h"
+#include "support/temporary_directory.h"
+
+namespace vestra_bench {
+
+/// Whether a project's next report is due.
+enum class Report { NOT_DUE, DUE };
+
+/// A user's home with known settings, a project, and the stand-in support library where
+/// the loader finds it, with answers that take no time. What is started finds them. The
+/// main design tool is `true`.
+class Workplace {
+ public:
+  Workplace();
+
+  const std::string& project() const { return projectDirectory.path(); }
+
+  /// Has a host report so many items and keeps the files that it leaves.
+  void makeReport(std::size_t items);
+
+  /// Puts the project's files back as they were after `makeReport`, with an identity
+  /// whose next report is due or not.
+  void restore(Report report) const;
+
+  /// Size of the report script.
+  std::size_t scriptBytes() const { return script.size(); }
+
+ private:
+  std::string inProject(const std::string& name) const;
+
+  vestra_test::TemporaryDirectory home;
+  vestra_test::TemporaryDirectory projectDirectory;
+  vestra_test::ScopedEnv homeVariable;
+  vestra_test::ScopedEnv loaderPath;
+  vestra_test::ScopedEnv tool;
+  vestra_test::ScopedEnv registration;
+  vestra_test::ScopedEnv environment;
+  std::string script;
+  std::string rules;
+};
+
+}  // namespace vestra_bench
+
+#endif

@@ -1,0 +1,95 @@
+// Every system call that a report which is not due makes about its own files, and why
+// there is none more.
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "reliability/sanitized.h"
+#include "reliability/system_calls.h"
+#include "reliability/traced_host.h"
+#include "reliability/workplace.h"
+#include "support/files.h"
+
+namespace vestra_test {
+namespace {
+
+constexpr Situation KNOWN{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME};
+
+/// Calls about the files of the workplace, and those that hold a signal back.
+std::vector<std::string> callsAboutTheReport(const Workplace& workplace, const HostEnd& end) {
+  const std::string base = workplace.home().substr(0, workplace.home().size() - std::string("home").size());
+  std::vector<std::string> lines;
+  for (const SystemCall& call : end.calls) {
+    const std::string name = nameOf(call.number);
+    if (call.subject.rfind(base, 0) == 0) {
+      lines.push_back(name + " " + call.subject.substr(base.size()));
+    } else if (name.rfind("rt_sig", 0) == 0) {
+      lines.push_back(name);
+    }
+  }
+  return lines;
+}
+
+TEST(ReportNotDue, LooksAtEachFileOnceBeforeItIsOpenedAndWritesEachLineOnce) {
+  if (const auto reason = whyNothingIsTraced()) {
+    GTEST_SKIP() << *reason;
+  }
+  if (SANITIZED) {
+    GTEST_SKIP() << "a sanitizer makes system calls of its own";
+  }
+  const Workplace workplace(KNOWN);
+  writeFile(workplace.identityFile(), std::string("9999999999\n0\n7\n0\n") + KNOWN_PROJECT_ID + "\n");
+  Disturbance watching;
+  watching.kind = Disturbance::WATCH;
+  const HostEnd end = runHost(workplace.start(), watching);
+
+  EXPECT_EQ(end.outcome, "answer false");
+  EXPECT_THAT(callsAboutTheReport(workplace, end),
+              testing::ElementsAre(
+                  // The settings are read to their end.
+                  "newfstatat home/.Calvix/Common/2018.2/vestra",  //
+                  "openat home/.Calvix/Common/2018.2/vestra",      //
+                  "read home/.Calvix/Common/2018.2/vestra",        //
+                  "read home/.Calvix/Common/2018.2/vestra",        //
+                  "close home/.Calvix/Common/2018.2/vestra",
+                  // The identity is read up to its fifth line.
+                  "newfstatat project/vestra/.kelvo_vestrra.info",  //
+                  "openat project/vestra/.kelvo_vestrra.info",      //
+                  "read project/vestra/.kelvo_vestrra.info",        //
+                  "close project/vestra/.kelvo_vestrra.info",
+                  // The rules file.
+                  "rt_sigprocmask",                                            //
+                  "newfstatat project/vestra/usage_statistics_ext_kelvo.wdm",  //
+                  "openat project/vestra/usage_statistics_ext_kelvo.wdm",      //
+                  "write project/vestra/usage_statistics_ext_kelvo.wdm",       //
+                  "close project/vestra/usage_statistics_ext_kelvo.wdm",       //
+                  "rt_sigtimedwait", "rt_sigprocmask",
+                  // The script: a line that ends with a flush is one write.
+                  "rt_sigprocmask",                              //
+                  "newfstatat project/vestra/kelvo_vestra.tcl",  //
+                  "openat project/vestra/kelvo_vestra.tcl",      //
+                  "write project/vestra/kelvo_vestra.tcl",       //
+                  "write project/vestra/kelvo_vestra.tcl",       //
+                  "writev project/vestra/kelvo_vestra.tcl",      //
+                  "write project/vestra/kelvo_vestra.tcl",       //
+                  "write project/vestra/kelvo_vestra.tcl",       //
+                  "write project/vestra/kelvo_vestra.tcl",       //
+                  "close project/vestra/kelvo_vestra.tcl",       //
+                  "rt_sigtimedwait", "rt_sigprocmask",
+                  // The identity again, with the attempt counted.
+                  "rt_sigprocmask",                                 //
+                  "newfstatat project/vestra/.kelvo_vestrra.info",  //
+                  "openat project/vestra/.kelvo_vestrra.info",      //
+                  "write project/vestra/.kelvo_vestrra.info",       //
+                  "write project/vestra/.kelvo_vestrra.info",       //
+                  "write project/vestra/.kelvo_vestrra.info",       //
+                  "write project/vestra/.kelvo_vestrra.info",       //
+                  "write project/vestra/.kelvo_vestrra.info",       //
+                  "close project/vestra/.kelvo_vestrra.info",       //
+                  "rt_sigtimedwait", "rt_sigprocmask"));
+}
+
+}  // namespace
+}  // namespace vestra_test
