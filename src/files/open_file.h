@@ -19,7 +19,7 @@ boost::filesystem::file_status statusOf(const std::string& path);
 /// somebody else, and a device may have no end. For writing, it is everything but
 /// a named pipe. A path with nothing there, or where nobody may look, is left to
 /// the opening itself.
-bool opensWithoutWaiting(boost::filesystem::file_status status, std::ios_base::openmode mode);
+bool opensWithoutWaiting(const boost::filesystem::file_status& status, std::ios_base::openmode mode);
 
 /// Opens a file stream for bytes: the host's global locale neither converts what
 /// is read and written nor groups the digits of a number. Where opening could
@@ -27,7 +27,7 @@ bool opensWithoutWaiting(boost::filesystem::file_status status, std::ios_base::o
 /// path's, for who has just asked for it.
 template <typename FileStream>
 void openFile(FileStream& stream, const std::string& path, std::ios_base::openmode mode,
-              boost::filesystem::file_status status) {
+              const boost::filesystem::file_status& status) {
   stream.imbue(std::locale::classic());
   if (opensWithoutWaiting(status, mode)) {
     stream.open(path, mode);

@@ -17,6 +17,7 @@
 
 // Where the handler cannot be made, the manager leaves the settings that it has
 // made already: that is accepted.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the sanitizer's.
 extern "C" const char* __lsan_default_suppressions() { return "leak:Oza::VestraMgr::VestraMgr\n"; }
 
 namespace Oza {
@@ -100,7 +101,7 @@ TEST_F(OutOfMemory, MakingAContextOrAnItemLeavesNothing) {
     VestraParentData context(LONG, LONG, true);
     auto item = std::make_unique<VestraAddData>(LONG, LONG, &context);
     context.addChild(item.get());
-    item.release();
+    static_cast<void>(item.release());
   });
 }
 

@@ -38,7 +38,7 @@ class WatchedHost : public testing::TestWithParam<Situation> {
 std::vector<Situation> allSituations();
 
 /// For the names of tests: "SimulatorNewProjectNewHome".
-std::string situationName(const testing::TestParamInfo<Situation>& situation);
+std::string situationName(const testing::TestParamInfo<Situation>& info);
 
 }  // namespace vestra_test
 

@@ -35,7 +35,7 @@ inline constexpr const char* KNOWN_PROJECT_ID = "7c1d0a52-6a0e-4b7e-8a55-0f4f6f0
 /// A home and a project that one host after the other works on.
 class Workplace {
  public:
-  explicit Workplace(const Situation& situation);
+  explicit Workplace(const Situation& found);
 
   /// How a host is started here.
   HostStart start() const;

@@ -12,6 +12,7 @@
 
 // There in a build that measures coverage: what a process counts is written at its end,
 // which _exit leaves out.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the compiler's.
 extern "C" void __gcov_dump() __attribute__((weak));
 
 namespace vestra_test {

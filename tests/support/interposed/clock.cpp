@@ -21,6 +21,8 @@ ScopedTime::~ScopedTime() { setMoment.reset(); }
 
 }  // namespace vestra_test
 
+// The C library's names of parameters are reserved.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" std::time_t time(std::time_t* out) noexcept {
   const std::time_t now = vestra_test::setMoment.value_or(vestra_test::realTime());
   if (out != nullptr) {

@@ -54,6 +54,8 @@ const std::vector<std::string>& RecordingShell::commandLines() const { return re
 
 }  // namespace vestra_test
 
+// The C library's names of parameters are reserved.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int system(const char* line) {
   return vestra_test::isRecording ? vestra_test::take(line) : vestra_test::askRealShell(line);
 }

@@ -130,7 +130,8 @@ TEST(HostileScript, AScriptLargerThanTheInterpreterHoldsIsRefused) {
 }
 
 TEST(HostileScript, AHugeValuePasses) {
-  const std::string value(16'000'000, 'x');
+  std::string value;
+  value.resize(16'000'000, 'x');
   const Report report = evaluateScript("s.tcl", scriptAround(addData("kelvo", "k", value, "c")));
   EXPECT_EQ(report.items[0].value, value);
 }

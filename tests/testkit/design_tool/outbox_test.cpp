@@ -99,13 +99,13 @@ TEST(Outbox, OneThatHasGoneIsAnError) {
 }
 
 TEST(Outbox, ManyAtOnceGetANumberEach) {
-  constexpr int WRITERS = 8;
-  constexpr int REPORTS = 25;
+  constexpr std::size_t WRITERS = 8;
+  constexpr std::size_t REPORTS = 25;
   const vestra_test::TemporaryDirectory directory;
   std::vector<std::thread> writers;
-  for (int writer = 0; writer < WRITERS; ++writer) {
+  for (std::size_t writer = 0; writer < WRITERS; ++writer) {
     writers.emplace_back([&, writer] {
-      for (int i = 0; i < REPORTS; ++i) {
+      for (std::size_t i = 0; i < REPORTS; ++i) {
         Outbox(directory.path()).keep(writer % 2 == 0 ? "kelvo" : "tavlo", {{"f", std::to_string(writer)}});
       }
     });
@@ -115,8 +115,8 @@ TEST(Outbox, ManyAtOnceGetANumberEach) {
   std::set<std::string> numbers;
   for (const std::string& name : namesIn(directory.path()))
     numbers.insert(name.substr(0, name.find('-')));
-  EXPECT_EQ(numbers.size(), std::size_t{WRITERS * REPORTS});
-  EXPECT_EQ(namesIn(directory.path()).size(), std::size_t{WRITERS * REPORTS});
+  EXPECT_EQ(numbers.size(), WRITERS * REPORTS);
+  EXPECT_EQ(namesIn(directory.path()).size(), WRITERS * REPORTS);
 }
 
 }  // namespace

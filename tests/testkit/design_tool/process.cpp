@@ -66,7 +66,8 @@ Outcome run(const std::vector<std::string>& words, const std::vector<std::string
 }
 
 bool isInstalled(const std::string& program) {
-  std::istringstream directories(std::getenv("PATH"));
+  const char* path = std::getenv("PATH");
+  std::istringstream directories(path == nullptr ? "" : path);
   for (std::string directory; std::getline(directories, directory, ':');) {
     if (::access((directory + "/" + program).c_str(), X_OK) == 0)
       return true;

@@ -12,7 +12,6 @@
 #include <vestra/testkit/matchers.h>
 #include <boost/filesystem.hpp>
 
-#include "support/child_process.h"
 #include "support/files.h"
 #include "support/scoped_env.h"
 
@@ -232,21 +231,33 @@ TEST(Sandbox, SaysThatAFolderOfTheOutboxHoldsNoReport) {
       "no report in " + folder);
 }
 
-// One descriptor is left, for the files; a pipe has two.
-void leaveOneDescriptor() {
-  const int next = dup(STDIN_FILENO);
-  close(next);
-  rlimit limit{};
-  getrlimit(RLIMIT_NOFILE, &limit);
-  limit.rlim_cur = static_cast<rlim_t>(next) + 1;
-  setrlimit(RLIMIT_NOFILE, &limit);
-}
+/// Leaves one descriptor, for the files; a pipe has two. Gives them back at its end, as
+/// the sanitizers need some to look into an exception.
+class OneDescriptorLeft {
+ public:
+  OneDescriptorLeft() {
+    const int next = dup(STDIN_FILENO);
+    close(next);
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit limit = before;
+    limit.rlim_cur = static_cast<rlim_t>(next) + 1;
+    setrlimit(RLIMIT_NOFILE, &limit);
+  }
+  OneDescriptorLeft(const OneDescriptorLeft&) = delete;
+  OneDescriptorLeft& operator=(const OneDescriptorLeft&) = delete;
+  OneDescriptorLeft(OneDescriptorLeft&&) = delete;
+  OneDescriptorLeft& operator=(OneDescriptorLeft&&) = delete;
+  ~OneDescriptorLeft() { setrlimit(RLIMIT_NOFILE, &before); }
+
+ private:
+  rlimit before{};
+};
 
 TEST(Sandbox, SaysThatItHasNoDescriptorsLeft) {
-  EXPECT_EQ(vestra_test::inChildProcess([] {
-              Sandbox sandbox;
-              leaveOneDescriptor();
-              return complaintOf([&] { sandbox.run(Vestra::KELVO, [] {}); });
+  Sandbox sandbox;
+  EXPECT_EQ(complaintOf([&] {
+              const OneDescriptorLeft limit;
+              sandbox.run(Vestra::KELVO, [] {});
             }),
             "the sandbox cannot make a pipe");
 }

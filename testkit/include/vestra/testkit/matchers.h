@@ -14,12 +14,13 @@ namespace vestra::testkit {
 
 /// `send` gave true and the main design tool reported.
 MATCHER(WasSent, negation ? "was not sent" : "was sent, with a report of the main design tool") {
-  if (arg.answer != true) {
+  const bool answered = arg.answer == true;
+  if (answered) {
+    *result_listener << "with " << arg.reports.size() << " report(s)";
+  } else {
     *result_listener << "whose send did not give true";
-    return false;
   }
-  *result_listener << "with " << arg.reports.size() << " report(s)";
-  return !arg.reports.empty();
+  return answered && !arg.reports.empty();
 }
 
 /// The section has an item with this key whose value matches: a text or a matcher.
