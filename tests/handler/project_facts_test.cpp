@@ -24,6 +24,19 @@ class NotedItem : public VestraAddData {
   std::string& endsSeen;
 };
 
+/// An item that files another one at its end.
+class BequeathingItem : public VestraAddData {
+ public:
+  BequeathingItem(const std::string& itemKey, VestraParentData* context, VestraHandler& into,
+                  VestraDataInterface* other)
+      : VestraAddData(itemKey, "", context), handler(into), next(other) {}
+  ~BequeathingItem() override { handler.addData(next, PROJECT); }
+
+ private:
+  VestraHandler& handler;
+  VestraDataInterface* next;
+};
+
 /// A handler whose project facts can be looked at and whose lost ones are seen.
 class ProjectFacts : public testing::Test {
  protected:
@@ -72,6 +85,15 @@ TEST_F(ProjectFacts, KeysThatTheReportDoesNotKnowAreFreed) {
   handler->uniqueAndReorderData();
   EXPECT_EQ(ends.size(), 5U);
   EXPECT_EQ(ends.find('f'), std::string::npos);
+}
+
+TEST_F(ProjectFacts, ThatComeAtTheEndOfAnotherAreKept) {
+  auto* late = new NotedItem("beta", "late", &context, ends);
+  handler->addData(new BequeathingItem("unknown", &context, *handler, late), PROJECT);
+  handler->uniqueAndReorderData();
+  EXPECT_EQ(ends, "");
+  handler.reset();
+  EXPECT_EQ(ends, "late");
 }
 
 TEST_F(ProjectFacts, StandInTheReportsOrder) {

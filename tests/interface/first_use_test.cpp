@@ -1,15 +1,19 @@
 #include <vestra/vestra.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include <boost/filesystem/exception.hpp>
+
 #include "interface/vestra_mgr.h"
 #include "support/child_process.h"
 #include "support/error_of.h"
 #include "support/files.h"
+#include "support/scoped_current_directory.h"
 #include "support/scoped_env.h"
 #include "support/temporary_directory.h"
 
@@ -88,6 +92,16 @@ TEST_F(FirstUse, WithANullKeyAndValueThrowsAndMakesNoManager) {
 TEST_F(FirstUse, WithANullProjectDirectoryThrowsAndMakesNoManager) {
   EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), NULL_TEXT);
   EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), "no manager");
+}
+
+TEST_F(FirstUse, BySendingFromADirectoryThatIsGoneLeavesTheProductAsItWas) {
+  EXPECT_EQ(inChildProcess([&] {
+              const vestra_test::ScopedCurrentDirectory there(project.path());
+              rmdir(project.path().c_str());
+              EXPECT_THROW(Vestra::send("relative", Vestra::TAVLO), boost::filesystem::filesystem_error);
+              return VestraMgr::getInstance()->getHandler()->getProductName();
+            }),
+            "KELVO");
 }
 
 TEST_F(FirstUse, ANullKeyOrValueLeavesAllContextsAsTheyWere) {
