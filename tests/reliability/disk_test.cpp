@@ -78,10 +78,10 @@ TEST_P(Disk, OfTheProjectThatIsFullIsNotNoticed) {
   expectThatAReportIsSent();
 }
 
-TEST_P(Disk, OfTheProjectWithoutInodesGivesTheReportUp) {
-  if (projectIsKnown()) {
-    GTEST_SKIP() << "the known project needs no new inode but the script's";
-  }
+/// A known project needs no new inode but the script's.
+class DiskOfANewProject : public Disk {};
+
+TEST_P(DiskOfANewProject, WithoutInodesGivesTheReportUp) {
   mountOver(workplace.project(), "nr_inodes=1");
   expectQuietAnswer(runHost(workplace.start()), "answer false");
   EXPECT_TRUE(namesIn(workplace.project()).empty());
@@ -126,6 +126,12 @@ TEST_P(Disk, WithoutAShellCountsTheReportAsSentAndCleansUp) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAHost, Disk, testing::ValuesIn(allSituations()), situationName);
+
+INSTANTIATE_TEST_SUITE_P(
+    OfAHost, DiskOfANewProject,
+    testing::Values(Situation{Oza::Vestra::KELVO, Situation::NEW_PROJECT, Situation::NEW_HOME},
+                    Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::KNOWN_HOME}),
+    situationName);
 
 }  // namespace
 }  // namespace vestra_test

@@ -102,11 +102,10 @@ TEST_P(Link, ToElsewhereIsFollowedWhereItIsOpenedAndRemovedWhereItIsRemoved) {
   }
 }
 
-TEST_P(Link, InTheLogsPlaceIsReplacedByTheLabToolsLogAndItsTargetStays) {
-  if (GetParam().product != Oza::Vestra::TAVLO) {
-    GTEST_SKIP() << "the simulator has no log";
-  }
-  workplace.reset();
+/// In the place of the log, which only the lab tool has.
+class LinkToTheLog : public Link {};
+
+TEST_P(LinkToTheLog, IsReplacedByTheLogAndItsTargetStays) {
   const std::string place = workplace.inVestraDirectory("tavlo_vestra.log");
   put(place, Leads::ELSEWHERE);
   writeFile(workplace.home() + "/elsewhere", "somebody's");
@@ -116,6 +115,12 @@ TEST_P(Link, InTheLogsPlaceIsReplacedByTheLabToolsLogAndItsTargetStays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAHost, Link, testing::ValuesIn(allSituations()), situationName);
+
+INSTANTIATE_TEST_SUITE_P(
+    OfTheLabTool, LinkToTheLog,
+    testing::Values(Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME},
+                    Situation{Oza::Vestra::TAVLO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME}),
+    situationName);
 
 }  // namespace
 }  // namespace vestra_test
