@@ -1,6 +1,7 @@
 #include "reliability/traced_host.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -228,6 +229,13 @@ void liftLimits(pid_t process) {
   }
 }
 
+/// A host that is killed leaves its shell and the design tool behind. They must not
+/// write into what the next host finds.
+void waitForOrphans() {
+  while (waitpid(-1, nullptr, 0) > 0) {
+  }
+}
+
 pid_t startHost(const HostStart& start) {
   const pid_t child = fork();
   succeed(child >= 0, "fork");
@@ -256,6 +264,7 @@ std::optional<std::string> whyNothingIsTraced() {
 HostEnd runHost(const HostStart& start, const Disturbance& disturbance) {
   HostEnd end;
   boost::filesystem::remove(start.records + "/outcome");
+  succeed(prctl(PR_SET_CHILD_SUBREAPER, 1) == 0, "PR_SET_CHILD_SUBREAPER");
   const pid_t process = startHost(start);
   Tracee tracee(process);
   tracee.goOnToStop();
@@ -269,6 +278,7 @@ HostEnd runHost(const HostStart& start, const Disturbance& disturbance) {
     liftLimits(process);
     tracee.goOnToStop();
   }
+  waitForOrphans();
   end.signal = tracee.endingSignal();
   end.output = readFile(start.records + "/output");
   readOutcome(start.records + "/outcome", end);
