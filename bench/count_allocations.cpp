@@ -7,36 +7,18 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 #include <vector>
 
 #include <vestra/vestra.h>
 
+#include "interface/failing_allocations.h"
 #include "numbered_text.h"
 
 namespace {
 
 constexpr std::size_t ITEMS = 10000;
 
-long allocations = 0;
-
-void* allocate(std::size_t size) {
-  ++allocations;
-  void* block = std::malloc(size);
-  if (block == nullptr) {
-    throw std::bad_alloc();
-  }
-  return block;
-}
-
 }  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 
 int main(int argc, char** argv) {
   if (argc != 3) {
@@ -46,9 +28,9 @@ int main(int argc, char** argv) {
   vestra_bench::NumberedText value('v', std::strtoul(argv[2], nullptr, 10));
   std::vector<long> ofEach(ITEMS);
   for (long& count : ofEach) {
-    const long before = allocations;
+    const long before = vestra_test::allocationsSoFar();
     Oza::Vestra::add(key.next(), value.next(), Oza::Vestra::KELVO_USAGE);
-    count = allocations - before;
+    count = vestra_test::allocationsSoFar() - before;
   }
   std::nth_element(ofEach.begin(), ofEach.begin() + ITEMS / 2, ofEach.end());
   std::printf("%ld\n", ofEach[ITEMS / 2]);

@@ -20,9 +20,7 @@ HostEnd runIdly(const std::string& program) {
   HostStart start;
   start.program = program;
   start.records = records.path();
-  Disturbance watching;
-  watching.kind = Disturbance::WATCH;
-  return runHost(start, watching);
+  return runHost(start, {Disturbance::WATCH});
 }
 
 std::vector<std::string> namesOfCalls(const HostEnd& end) {

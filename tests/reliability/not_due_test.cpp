@@ -41,9 +41,7 @@ TEST(ReportNotDue, LooksAtEachFileOnceBeforeItIsOpenedAndWritesEachLineOnce) {
   }
   const Workplace workplace(KNOWN);
   writeFile(workplace.identityFile(), std::string("9999999999\n0\n7\n0\n") + KNOWN_PROJECT_ID + "\n");
-  Disturbance watching;
-  watching.kind = Disturbance::WATCH;
-  const HostEnd end = runHost(workplace.start(), watching);
+  const HostEnd end = runHost(workplace.start(), {Disturbance::WATCH});
 
   EXPECT_EQ(end.outcome, "answer false");
   EXPECT_THAT(callsAboutTheReport(workplace, end),
