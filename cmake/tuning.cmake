@@ -1,0 +1,28 @@
+# Size and speed of the shared library. Included by src/CMakeLists.txt, which file
+# names here are relative to.
+
+# What is shipped is small: a host pays for the library at each start, and for most
+# of its code at most once. What runs for each item and each byte is quick instead.
+set(for_each_item
+  data/byte_string.cpp
+  data/crc32.cpp
+  data/item_renderer.cpp
+  data/vestra_add_data.cpp
+  handler/vestra_handler_items.cpp
+  interface/vestra_add.cpp)
+target_compile_options(vestra_objects PRIVATE
+  "$<$<CONFIG:Release>:-Os;-ffunction-sections;-fdata-sections>")
+set_source_files_properties(${for_each_item} PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O2>")
+# No host puts a function of its own in the place of an exported one, so calls of
+# these from within need no detour through the loader's table.
+target_compile_options(vestra_objects PRIVATE -fno-semantic-interposition)
+# Clang's objects for this hold no machine code beside, so other linkers could not
+# link them into the tests.
+set(whole_program "$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:Release>>")
+target_compile_options(vestra_objects PRIVATE "$<${whole_program}:-flto;-ffat-lto-objects>")
+
+# Names are looked up while the host starts, which costs less there than one by one
+# in the midst of its first report; and pages of the file are not filled up.
+target_link_options(vestra PRIVATE
+  LINKER:--gc-sections LINKER:-Bsymbolic-functions LINKER:-z,noseparate-code LINKER:-z,now
+  "$<${whole_program}:-flto;-Os>")
