@@ -5,9 +5,11 @@
 #include <map>
 #include <optional>
 
-#include "visible_text.h"
+#include "reading/visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::inQuotes;
 
 namespace {
 

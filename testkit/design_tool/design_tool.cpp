@@ -10,14 +10,16 @@
 #include "input_file.h"
 #include "outbox.h"
 #include "pending_file.h"
+#include "reading/visible_text.h"
 #include "report_record.h"
 #include "rules.h"
 #include "suspicions.h"
 #include "text_report.h"
-#include "visible_text.h"
 #include "xml_report.h"
 
 namespace vestra::design_tool {
+
+using reading::forTerminal;
 
 namespace {
 

@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <utility>
 
-#include "utf8.h"
-#include "visible_text.h"
+#include "reading/utf8.h"
+#include "reading/visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::firstCharacter;
+using reading::forTerminal;
 
 namespace {
 

@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <string_view>
 
-#include "html_text.h"
 #include "intro.h"
 #include "page_style.h"
+#include "reading/html_text.h"
 #include "sections.h"
 
 namespace vestra::design_tool {
+
+using reading::escapedForHtml;
 
 namespace {
 

@@ -4,9 +4,11 @@
 #include <string_view>
 #include <vector>
 
-#include "html_text.h"
+#include "reading/html_text.h"
 
 namespace vestra::design_tool {
+
+using reading::escapedForHtml;
 
 namespace {
 

@@ -13,10 +13,11 @@
 #include <utility>
 
 #include "diagnostic.h"
-#include "visible_text.h"
+#include "reading/visible_text.h"
 
 namespace vestra::design_tool {
 
+using reading::inQuotes;
 namespace fs = std::filesystem;
 
 namespace {

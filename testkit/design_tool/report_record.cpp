@@ -4,10 +4,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "reading/utf8.h"
 #include "sections.h"
-#include "utf8.h"
 
 namespace vestra::design_tool {
+
+using reading::isUtf8;
 
 namespace {
 

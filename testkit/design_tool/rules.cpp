@@ -7,9 +7,11 @@
 #include <sstream>
 
 #include "diagnostic.h"
-#include "visible_text.h"
+#include "reading/visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::inQuotes;
 
 namespace {
 

@@ -7,9 +7,11 @@
 #include <string_view>
 #include <vector>
 
-#include "tcl_text.h"
+#include "reading/tcl_text.h"
 
 namespace vestra::design_tool {
+
+using reading::toBytes;
 
 namespace {
 

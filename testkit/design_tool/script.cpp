@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "tcl_text.h"
+#include "reading/tcl_text.h"
 
 namespace vestra::design_tool {
+
+using reading::toBytes;
+using reading::toTclText;
 
 Script::Script(std::string file, std::string_view bytes) : file_(std::move(file)), text_(toTclText(bytes)) {}
 

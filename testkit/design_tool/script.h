@@ -6,14 +6,11 @@
 #include <string_view>
 
 #include "diagnostic.h"
+#include "reading/span.h"
 
 namespace vestra::design_tool {
 
-/// A stretch of a script's interpreter text, by position.
-struct Span {
-  std::size_t begin = 0;
-  std::size_t length = 0;
-};
+using reading::Span;
 
 /// A report script: its name and its text as the interpreter sees it. Knows which line a position stands on.
 class Script {

@@ -7,14 +7,21 @@
 #include <exception>
 #include <optional>
 
-#include "parsed_command.h"
 #include "protocol.h"
+#include "reading/tcl_command.h"
+#include "reading/tcl_text.h"
+#include "reading/visible_text.h"
 #include "safe_interpreter.h"
 #include "script.h"
-#include "tcl_text.h"
-#include "visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::forTerminal;
+using reading::parseTclCommand;
+using reading::TclCommand;
+using reading::TclSyntaxError;
+using reading::TclWord;
+using reading::toBytes;
 
 namespace {
 
@@ -25,6 +32,44 @@ std::string bytesOf(Tcl_Obj* object) {
   int length = 0;
   const char* const text = Tcl_GetStringFromObj(object, &length);
   return toBytes({text, static_cast<std::size_t>(length)});
+}
+
+/// What in a value, context or key usually leads to the interpreter's complaint.
+const char* hintFor(TclSyntaxError::Cause cause) {
+  switch (cause) {
+    case TclSyntaxError::Cause::Quote:
+      return "; a double quote inside a value reaches the script as it is";
+    case TclSyntaxError::Cause::Bracket:
+      return "; a square bracket inside a value asks Tcl to run a command";
+    case TclSyntaxError::Cause::Brace:
+      return "; a brace at the start of a key reaches the script as it is";
+    case TclSyntaxError::Cause::Other:
+      break;
+  }
+  return "";
+}
+
+TclCommand commandAt(const Script& script, std::size_t position) {
+  try {
+    return parseTclCommand(script.text(), position);
+  } catch (const TclSyntaxError& error) {
+    throw DiagnosedError(
+        script.diagnose({error.position(), 1}, std::string(error.what()) + hintFor(error.cause())));
+  }
+}
+
+/// Whether each word becomes exactly one argument without another command being run for it.
+bool isPlain(const TclCommand& command) {
+  return std::none_of(command.words.begin(), command.words.end(),
+                      [](const TclWord& word) { return word.isExpanded || word.runsCommand; });
+}
+
+/// The first word for which the interpreter looks up a variable or runs a command, else the command's name.
+Span firstSubstitution(const TclCommand& command) {
+  const auto word = std::find_if(command.words.begin(), command.words.end(), [](const TclWord& candidate) {
+    return candidate.readsVariable || candidate.runsCommand;
+  });
+  return (word == command.words.end() ? command.words.front() : *word).span;
 }
 
 void refuseDeepBrackets(const Script& script) {
@@ -63,9 +108,9 @@ class Evaluation {
                           int flags);
 
   void defineCommands();
-  void runCommand(const ParsedCommand& command);
-  void throwWhatWentWrong(const ParsedCommand& command) const;
-  std::string interpreterMessage(const ParsedCommand& command) const;
+  void runCommand(const TclCommand& command);
+  void throwWhatWentWrong(const TclCommand& command) const;
+  std::string interpreterMessage(const TclCommand& command) const;
   void take(int count, Tcl_Obj* const words[]);
   Invocation invocationOf(int count, Tcl_Obj* const words[]) const;
   void checkIsOver() const;
@@ -73,7 +118,7 @@ class Evaluation {
   const Script& script_;
   LineObserver observer_;
   Protocol protocol_;
-  const ParsedCommand* current_ = nullptr;
+  const TclCommand* current_ = nullptr;
   std::size_t current_line_ = 1;
   std::optional<ProtocolError> protocol_error_;
   std::exception_ptr failure_;
@@ -87,8 +132,8 @@ Evaluation::Evaluation(const Script& script, const Limits& limits, LineObserver 
 
 Report Evaluation::run() {
   for (std::size_t position = 0; position < script_.text().size();) {
-    const ParsedCommand command(interpreter_.get(), script_, position);
-    if (!command.words().empty()) {
+    const TclCommand command = commandAt(script_, position);
+    if (!command.words.empty()) {
       runCommand(command);
     }
     position = command.end();
@@ -124,7 +169,7 @@ void Evaluation::onTampering(ClientData self, Tcl_Interp* interpreter, const cha
   const std::string_view fullName = name;
   evaluation.protocol_error_.emplace(
       fmt::format("{} can't be redefined", fullName.substr(fullName.rfind(':') + 1)),
-      evaluation.current_->words().front());
+      evaluation.current_->words.front().span);
 }
 
 void Evaluation::defineCommands() {
@@ -136,25 +181,25 @@ void Evaluation::defineCommands() {
   }
 }
 
-void Evaluation::runCommand(const ParsedCommand& command) {
+void Evaluation::runCommand(const TclCommand& command) {
   if (protocol_.isOver()) {
-    throw DiagnosedError(script_.diagnose(command.words().front(), "nothing may follow vestra_terminate"));
+    throw DiagnosedError(script_.diagnose(command.words.front().span, "nothing may follow vestra_terminate"));
   }
   current_ = &command;
-  current_line_ = script_.lineOf(command.span().begin);
+  current_line_ = script_.lineOf(command.span.begin);
   if (observer_ != nullptr) {
     observer_(current_line_);
   }
   interpreter_.restartClock();
-  const char* const text = script_.text().data() + command.span().begin;
+  const char* const text = script_.text().data() + command.span.begin;
   const int status =
-      Tcl_EvalEx(interpreter_.get(), text, static_cast<int>(command.span().length), TCL_EVAL_GLOBAL);
+      Tcl_EvalEx(interpreter_.get(), text, static_cast<int>(command.span.length), TCL_EVAL_GLOBAL);
   if (status != TCL_OK || protocol_error_ || failure_) {
     throwWhatWentWrong(command);
   }
 }
 
-void Evaluation::throwWhatWentWrong(const ParsedCommand& command) const {
+void Evaluation::throwWhatWentWrong(const TclCommand& command) const {
   if (failure_) {
     std::rethrow_exception(failure_);
   }
@@ -163,19 +208,19 @@ void Evaluation::throwWhatWentWrong(const ParsedCommand& command) const {
   }
   const std::string limit = interpreter_.exceededLimit();
   if (!limit.empty()) {
-    throw DiagnosedError(script_.diagnose(command.words().front(), limit));
+    throw DiagnosedError(script_.diagnose(command.words.front().span, limit));
   }
-  throw DiagnosedError(script_.diagnose(command.firstSubstitution(), interpreterMessage(command)));
+  throw DiagnosedError(script_.diagnose(firstSubstitution(command), interpreterMessage(command)));
 }
 
-std::string Evaluation::interpreterMessage(const ParsedCommand& command) const {
+std::string Evaluation::interpreterMessage(const TclCommand& command) const {
   std::string message = interpreter_.result();
   std::replace(message.begin(), message.end(), '\n', ' ');
   message = forTerminal(message);
   if (message.rfind("can't read", 0) == 0) {
     return message + "; a dollar sign inside a value asks Tcl for a variable";
   }
-  if (message.rfind("invalid command name", 0) == 0 && !command.isPlain()) {
+  if (message.rfind("invalid command name", 0) == 0 && !isPlain(command)) {
     return message + "; a square bracket inside a value asks Tcl to run a command";
   }
   return message;
@@ -189,15 +234,15 @@ void Evaluation::take(int count, Tcl_Obj* const words[]) {
 }
 
 Invocation Evaluation::invocationOf(int count, Tcl_Obj* const words[]) const {
-  const std::vector<Span>& places = current_->words();
+  const std::vector<TclWord>& places = current_->words;
   Invocation invocation;
   invocation.command = bytesOf(words[0]);
   invocation.line = current_line_;
-  invocation.span = places.front();
-  invocation.spelled = current_->isPlain() && places.size() == static_cast<std::size_t>(count) &&
-                       script_.bytesOf(places.front()) == invocation.command;
+  invocation.span = places.front().span;
+  invocation.spelled = isPlain(*current_) && places.size() == static_cast<std::size_t>(count) &&
+                       script_.bytesOf(places.front().span) == invocation.command;
   for (int i = 1; i < count; ++i) {
-    const Span place = invocation.spelled ? places[static_cast<std::size_t>(i)] : Span{};
+    const Span place = invocation.spelled ? places[static_cast<std::size_t>(i)].span : Span{};
     invocation.arguments.push_back({bytesOf(words[i]), script_.bytesOf(place), place});
   }
   return invocation;

@@ -8,10 +8,12 @@
 #include <string>
 #include <unordered_map>
 
+#include "reading/visible_text.h"
 #include "sections.h"
-#include "visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::inQuotes;
 
 namespace {
 

@@ -4,9 +4,12 @@
 
 #include <algorithm>
 
-#include "visible_text.h"
+#include "reading/visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::forTerminal;
+using reading::inQuotes;
 
 namespace {
 

@@ -4,10 +4,13 @@
 
 #include <pugixml.hpp>
 
+#include "reading/visible_text.h"
 #include "sections.h"
-#include "visible_text.h"
 
 namespace vestra::design_tool {
+
+using reading::escapedForXml;
+using reading::isXmlText;
 
 namespace {
 

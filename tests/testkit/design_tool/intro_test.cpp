@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "html_text.h"
-
 namespace vestra::design_tool {
 namespace {
 
@@ -28,13 +26,6 @@ TEST(Intro, HeadingsAreBalancedWhateverTheIntroSays) {
 TEST(Intro, WithoutWordsThePageStillHasATitle) {
   EXPECT_EQ(titleOf("<H3> </H3><BR>\n"), "Usage Report");
   EXPECT_EQ(titleOf(""), "Usage Report");
-}
-
-TEST(HtmlText, MarkupIsEscapedAndWhatCantBeSeenIsNamed) {
-  EXPECT_EQ(escapedForHtml("<a b='c' d=\"e\">&\n\t"), "&lt;a b=&#39;c&#39; d=&quot;e&quot;&gt;&amp;\n\t");
-  EXPECT_EQ(escapedForHtml("\r\x7F\xFF"),
-            "<span class=\"byte\">\\x0d</span><span class=\"byte\">\\x7f</span>"
-            "<span class=\"byte\">\\xff</span>");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include "visible_text.h"
+#include "reading/visible_text.h"
 
 #include <gtest/gtest.h>
 
-namespace vestra::design_tool {
+namespace vestra::reading {
 namespace {
 
 TEST(VisibleText, XmlHoldsTextWithTabsAndLineFeeds) {
@@ -41,4 +41,4 @@ TEST(VisibleText, AQuotedTextIsCutBetweenCharacters) {
 }
 
 }  // namespace
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

@@ -1,11 +1,11 @@
-#ifndef VESTRA_DESIGN_TOOL_VISIBLE_TEXT_H
-#define VESTRA_DESIGN_TOOL_VISIBLE_TEXT_H
+#ifndef VESTRA_READING_VISIBLE_TEXT_H
+#define VESTRA_READING_VISIBLE_TEXT_H
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-namespace vestra::design_tool {
+namespace vestra::reading {
 
 /// Whether an XML 1.0 document can hold all of `bytes` as text and give them back: UTF-8 without the control
 /// characters that XML excludes, and without carriage returns, which it changes.
@@ -29,6 +29,6 @@ std::string forTerminal(std::string_view bytes);
 /// forTerminal of `bytes`, cut to about `limit` bytes, in double quotes.
 std::string inQuotes(std::string_view bytes, std::size_t limit = 60);
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading
 
 #endif

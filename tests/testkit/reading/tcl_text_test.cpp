@@ -1,8 +1,8 @@
-#include "tcl_text.h"
+#include "reading/tcl_text.h"
 
 #include <gtest/gtest.h>
 
-namespace vestra::design_tool {
+namespace vestra::reading {
 namespace {
 
 TEST(TclText, EveryByteComesBack) {
@@ -23,4 +23,4 @@ TEST(TclText, ACharacterAboveTheBytesBecomesItsUtf8) {
 TEST(TclText, ALeadByteAtTheEndStays) { EXPECT_EQ(toBytes("a\xC3"), "a\xC3"); }
 
 }  // namespace
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

@@ -1,11 +1,8 @@
-#include "visible_text.h"
+#include "reading/visible_text.h"
 
-#include <fmt/format.h>
+#include "reading/utf8.h"
 
-#include "utf8.h"
-
-namespace vestra::design_tool {
-
+namespace vestra::reading {
 namespace {
 
 /// A carriage return is allowed, but whoever reads the document gets a line feed for it.
@@ -28,7 +25,7 @@ std::string nameBytes(std::string_view bytes) {
   return names;
 }
 
-/// Calls `keep` for each character that `is_kept` accepts, and appends the names of all other bytes.
+/// Calls `keep` for each character that `isKept` accepts, and appends the names of all other bytes.
 template <typename IsKept, typename Keep>
 std::string nameAllBut(std::string_view bytes, IsKept isKept, Keep keep) {
   std::string text;
@@ -79,7 +76,11 @@ bool isVisible(char32_t codePoint) {
   return !isControl && !isNoCharacter;
 }
 
-std::string nameOfByte(char byte) { return fmt::format("\\x{:02x}", static_cast<unsigned char>(byte)); }
+std::string nameOfByte(char byte) {
+  constexpr char DIGITS[] = "0123456789abcdef";
+  const auto number = static_cast<unsigned char>(byte);
+  return {'\\', 'x', DIGITS[number >> 4], DIGITS[number & 0x0F]};
+}
 
 std::string escapedForXml(std::string_view bytes) {
   return nameAllBut(bytes, isXmlCharacter, [](std::string& text, std::string_view character) {
@@ -97,7 +98,7 @@ std::string forTerminal(std::string_view bytes) {
 
 std::string inQuotes(std::string_view bytes, std::size_t limit) {
   const std::string_view shown = firstBytes(bytes, limit);
-  return fmt::format("\"{}{}\"", forTerminal(shown), shown.size() < bytes.size() ? "..." : "");
+  return '"' + forTerminal(shown) + (shown.size() < bytes.size() ? "...\"" : "\"");
 }
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

@@ -1,10 +1,9 @@
-#include "html_text.h"
+#include "reading/html_text.h"
 
-#include "utf8.h"
-#include "visible_text.h"
+#include "reading/utf8.h"
+#include "reading/visible_text.h"
 
-namespace vestra::design_tool {
-
+namespace vestra::reading {
 namespace {
 
 void appendCharacter(std::string& html, std::string_view character) {
@@ -46,4 +45,4 @@ std::string escapedForHtml(std::string_view bytes) {
   return html;
 }
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

@@ -1,7 +1,6 @@
-#include "utf8.h"
+#include "reading/utf8.h"
 
-namespace vestra::design_tool {
-
+namespace vestra::reading {
 namespace {
 
 struct Lead {
@@ -66,4 +65,4 @@ bool isUtf8(std::string_view bytes) {
   return true;
 }
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

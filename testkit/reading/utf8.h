@@ -1,10 +1,10 @@
-#ifndef VESTRA_DESIGN_TOOL_UTF8_H
-#define VESTRA_DESIGN_TOOL_UTF8_H
+#ifndef VESTRA_READING_UTF8_H
+#define VESTRA_READING_UTF8_H
 
 #include <cstddef>
 #include <string_view>
 
-namespace vestra::design_tool {
+namespace vestra::reading {
 
 /// One character at the start of a byte string, as UTF-8 reads it.
 struct Utf8Character {
@@ -20,6 +20,6 @@ Utf8Character firstCharacter(std::string_view bytes);
 /// Whether the whole of `bytes` is UTF-8. The empty string is.
 bool isUtf8(std::string_view bytes);
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading
 
 #endif

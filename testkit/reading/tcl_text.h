@@ -1,10 +1,10 @@
-#ifndef VESTRA_DESIGN_TOOL_TCL_TEXT_H
-#define VESTRA_DESIGN_TOOL_TCL_TEXT_H
+#ifndef VESTRA_READING_TCL_TEXT_H
+#define VESTRA_READING_TCL_TEXT_H
 
 #include <string>
 #include <string_view>
 
-namespace vestra::design_tool {
+namespace vestra::reading {
 
 /// Widens each byte to the character of the same number, in the interpreter's own encoding, NUL included.
 /// A script is read this way so that what it hands to its commands can be turned back into the very same
@@ -15,6 +15,6 @@ std::string toTclText(std::string_view bytes);
 /// bytes.
 std::string toBytes(std::string_view tclText);
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading
 
 #endif

@@ -1,9 +1,8 @@
-#include "tcl_text.h"
+#include "reading/tcl_text.h"
 
 #include <algorithm>
 
-namespace vestra::design_tool {
-
+namespace vestra::reading {
 namespace {
 
 /// The interpreter ends its strings with NUL, so it writes the character NUL in two bytes.
@@ -55,4 +54,4 @@ std::string toBytes(std::string_view tclText) {
   return bytes;
 }
 
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

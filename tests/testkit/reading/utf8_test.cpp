@@ -1,8 +1,8 @@
-#include "utf8.h"
+#include "reading/utf8.h"
 
 #include <gtest/gtest.h>
 
-namespace vestra::design_tool {
+namespace vestra::reading {
 namespace {
 
 TEST(Utf8, FirstCharacterGivesItsLengthAndNumber) {
@@ -37,4 +37,4 @@ TEST(Utf8, NothingIsUtf8AndHasNoCharacter) {
 }
 
 }  // namespace
-}  // namespace vestra::design_tool
+}  // namespace vestra::reading

@@ -1,0 +1,33 @@
+#ifndef VESTRA_READING_WRITTEN_ITEMS_H
+#define VESTRA_READING_WRITTEN_ITEMS_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vestra::reading {
+
+/// An item of a report script as the library wrote it: byte for byte, before any interpreter has read it.
+struct WrittenItem {
+  /// "project", "kelvo" or "tavlo".
+  std::string client;
+  /// The path as the interpreter reads it: one backslash in "kelvo\usage".
+  std::string context;
+  std::string key;
+  std::string value;
+  /// Where its command begins, counted from 1.
+  std::size_t line = 0;
+};
+
+/// The items of a report script, in order. An item ends where one of its client's contexts is named and
+/// another command of a report, or nothing, follows: so a value that imitates such an end is read as several
+/// items. A command without such an end is left out. Takes time in proportion to the script.
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script);
+
+/// The item's command as the library writes it, line feed included.
+std::string scriptLineOf(const WrittenItem& item);
+
+}  // namespace vestra::reading
+
+#endif
