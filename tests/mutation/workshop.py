@@ -100,7 +100,7 @@ class Workshop:
 
     def open(self):
         """Brings the copy up to date and builds everything without a fault."""
-        subprocess.run([self.root / "scripts/copy-sources", self.tree], check=True)
+        subprocess.run([self.root / "scripts/checks/copy-sources", self.tree], check=True)
         # A run that was cut off may have left objects of a faulty source.
         for source in (self.tree / "src").rglob("*.*"):
             source.touch()
