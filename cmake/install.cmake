@@ -27,20 +27,6 @@ configure_file("${CMAKE_CURRENT_LIST_DIR}/vestra.pc.in" "${PROJECT_BINARY_DIR}/v
 install(FILES "${PROJECT_BINARY_DIR}/vestra.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
-install(FILES
-    "${PROJECT_SOURCE_DIR}/man/vestra.3"
-    "${PROJECT_SOURCE_DIR}/man/vestra_add.3"
-    "${PROJECT_SOURCE_DIR}/man/vestra_getLogFileName.3"
-    "${PROJECT_SOURCE_DIR}/man/vestra_internal.3"
-    "${PROJECT_SOURCE_DIR}/man/vestra_send.3"
-  DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development)
-install(FILES
-    "${PROJECT_SOURCE_DIR}/man/vestra-identity.5"
-    "${PROJECT_SOURCE_DIR}/man/vestra-rules.5"
-    "${PROJECT_SOURCE_DIR}/man/vestra-script.5"
-    "${PROJECT_SOURCE_DIR}/man/vestra-settings.5"
-  DESTINATION "${CMAKE_INSTALL_MANDIR}/man5" COMPONENT development)
-
 if(VESTRA_BUILD_TESTKIT)
   install(TARGETS vestra_testkit EXPORT vestra-testkit-targets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT testkit)
