@@ -18,16 +18,16 @@ using vestra::testkit::WasSent;
 
 constexpr std::int64_t DAY = 86400;
 
-class Due : public Scenario {
+class OnceADay : public Scenario {
  protected:
-  Due() { useRecordingTool(); }
+  OnceADay() { useRecordingTool(); }
 
   bool send(Vestra::ProductType product) {
     return sandbox.run(product, [] {}).answer.value();
   }
 };
 
-TEST_F(Due, AFirstReportIs) {
+TEST_F(OnceADay, FirstReportIsDue) {
   const std::int64_t begin = now();
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, true);
@@ -38,7 +38,7 @@ TEST_F(Due, AFirstReportIs) {
   EXPECT_EQ(run.identity->orbeloFlow, false);
 }
 
-TEST_F(Due, ASecondReportOnTheSameDayIsNotAndLeavesScriptAndRules) {
+TEST_F(OnceADay, SecondReportOfTheDayIsNotDueAndLeavesScriptAndRules) {
   EXPECT_TRUE(send(Vestra::KELVO));
   const HostRun second = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(second.answer, false);
@@ -49,18 +49,18 @@ TEST_F(Due, ASecondReportOnTheSameDayIsNotAndLeavesScriptAndRules) {
               ElementsAre(".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
-TEST_F(Due, ADayAfterTheLastReportIsNotYet) {
+TEST_F(OnceADay, ReportADayLaterIsNotYetDue) {
   // The clock may go on by some seconds before the report looks at it.
   writeIdentity(std::to_string(now() - DAY + 30) + "\n0\n5\n0\np\n");
   EXPECT_FALSE(send(Vestra::KELVO));
 }
 
-TEST_F(Due, MoreThanADayAfterTheLastReportIs) {
+TEST_F(OnceADay, ReportMoreThanADayLaterIsDue) {
   writeIdentity(std::to_string(now() - DAY - 1) + "\n0\n5\n0\np\n");
   EXPECT_TRUE(send(Vestra::KELVO));
 }
 
-TEST_F(Due, ALastReportInTheFutureHoldsTheNextBack) {
+TEST_F(OnceADay, LastReportInTheFutureHoldsTheNextBack) {
   const std::string future = std::to_string(now() + 1000000);
   writeIdentity(future + "\n0\n5\n0\np\n");
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
@@ -68,13 +68,13 @@ TEST_F(Due, ALastReportInTheFutureHoldsTheNextBack) {
   EXPECT_EQ(run.identity->text, future + "\n0\n6\n0\np\n");
 }
 
-TEST_F(Due, TimesAtTheEdgesOfTheirTypeAreCompared) {
+TEST_F(OnceADay, TimesAtTheEdgesOfTheirTypeAreCompared) {
   writeIdentity("-9223372036854775808\n9223372036854775807\n5\n0\np\n");
   EXPECT_FALSE(send(Vestra::KELVO_ALT));
   EXPECT_TRUE(send(Vestra::KELVO));
 }
 
-TEST_F(Due, TheSecondSimulatorSlotHasATimeOfItsOwn) {
+TEST_F(OnceADay, TheSecondSimulatorSlotHasATimeOfItsOwn) {
   EXPECT_TRUE(send(Vestra::KELVO));
   EXPECT_TRUE(send(Vestra::KELVO_ALT));
   EXPECT_FALSE(send(Vestra::KELVO));
@@ -85,14 +85,14 @@ TEST_F(Due, TheSecondSimulatorSlotHasATimeOfItsOwn) {
   EXPECT_GT(run.identity->lastSendTimeType1, 0);
 }
 
-TEST_F(Due, TheLabToolSharesTheSimulatorsSlot) {
+TEST_F(OnceADay, TheLabToolSharesTheSimulatorsSlot) {
   EXPECT_TRUE(send(Vestra::TAVLO));
   EXPECT_FALSE(send(Vestra::KELVO));
   EXPECT_FALSE(send(static_cast<Vestra::ProductType>(7)));
   EXPECT_TRUE(send(Vestra::KELVO_ALT));
 }
 
-TEST_F(Due, ASandboxCanMoveThePast) {
+TEST_F(OnceADay, SandboxMovesTheLastReportIntoThePast) {
   EXPECT_TRUE(send(Vestra::KELVO));
   sandbox.age(std::chrono::seconds(1000));
   EXPECT_FALSE(send(Vestra::KELVO));
@@ -100,7 +100,7 @@ TEST_F(Due, ASandboxCanMoveThePast) {
   EXPECT_TRUE(send(Vestra::KELVO));
 }
 
-TEST_F(Due, AToolThatFailsWasStartedAllTheSame) {
+TEST_F(OnceADay, FailingToolCountsAsStarted) {
   useRecordingTool("exit 1");
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, true);
@@ -109,7 +109,7 @@ TEST_F(Due, AToolThatFailsWasStartedAllTheSame) {
   EXPECT_FALSE(send(Vestra::KELVO));
 }
 
-TEST_F(Due, AToolThatIsMissingCountsAsSent) {
+TEST_F(OnceADay, MissingToolCountsAsStarted) {
   answers.execPath = "/no/such/tool";
   sandbox.setSupportAnswers(answers);
   const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
@@ -118,7 +118,7 @@ TEST_F(Due, AToolThatIsMissingCountsAsSent) {
   EXPECT_THAT(readFile(inVestraDirectory("tavlo_vestra.log")), testing::HasSubstr("/no/such/tool"));
 }
 
-TEST_F(Due, AToolThatASignalEndsWasStartedAllTheSame) {
+TEST_F(OnceADay, ToolEndedByASignalCountsAsStarted) {
   useRecordingTool("kill -KILL $$");
   EXPECT_TRUE(send(Vestra::KELVO));
 }

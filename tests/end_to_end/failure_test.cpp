@@ -57,7 +57,7 @@ TEST_F(Failure, ANullProjectDirectoryThrowsAndCreatesNothing) {
   EXPECT_FALSE(exists(sandbox.project() + "/vestra"));
 }
 
-TEST_F(Failure, ACurrentDirectoryThatIsGoneThrowsEvenForAnAbsoluteProject) {
+TEST_F(Failure, RemovedCurrentDirectoryThrowsEvenForAnAbsoluteProject) {
   const std::string project = sandbox.project();
   const std::string gone = sandbox.directory() + "/gone";
   const HostRun run = sandbox.runProcess([&] {
@@ -143,7 +143,7 @@ TEST_F(Failure, ADirectoryInTheIdentitysPlaceFailsAndStays) {
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
 }
 
-TEST_F(Failure, AProjectThatMayNotBeWrittenFails) {
+TEST_F(Failure, ReadOnlyProjectFails) {
   openToEverybody();
   fs::permissions(sandbox.project(), fs::perms(0555));
   const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
@@ -152,7 +152,7 @@ TEST_F(Failure, AProjectThatMayNotBeWrittenFails) {
   EXPECT_FALSE(exists(sandbox.project() + "/vestra"));
 }
 
-TEST_F(Failure, AnIdentityThatMayNotBeWrittenFailsAndStays) {
+TEST_F(Failure, ReadOnlyIdentityFailsAndStays) {
   writeIdentity("1\n2\n3\n0\nmine\n");
   openToEverybody();
   fs::permissions(sandbox.identityFile(), fs::perms(0444));
@@ -161,7 +161,7 @@ TEST_F(Failure, AnIdentityThatMayNotBeWrittenFailsAndStays) {
   EXPECT_EQ(run.identity->text, "1\n2\n3\n0\nmine\n");
 }
 
-TEST_F(Failure, AHomeThatMayNotBeWrittenGivesAnEmptyIdentifier) {
+TEST_F(Failure, ReadOnlyHomeGivesAnEmptyIdentifier) {
   openToEverybody();
   fs::permissions(sandbox.home(), fs::perms(0555));
   const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
@@ -170,7 +170,7 @@ TEST_F(Failure, AHomeThatMayNotBeWrittenGivesAnEmptyIdentifier) {
   EXPECT_FALSE(run.settings);
 }
 
-TEST_F(Failure, AHomeThatMayNotBeSearchedGivesAnEmptyIdentifier) {
+TEST_F(Failure, UnsearchableHomeGivesAnEmptyIdentifier) {
   openToEverybody();
   fs::permissions(sandbox.home(), fs::perms(0));
   const HostRun run = sandbox.run(Vestra::KELVO, [] { becomeOrdinaryUser(); });
@@ -179,7 +179,7 @@ TEST_F(Failure, AHomeThatMayNotBeSearchedGivesAnEmptyIdentifier) {
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "random_id", ""));
 }
 
-TEST_F(Failure, ReportFilesThatMayNotBeRemovedThrowAfterTheRun) {
+TEST_F(Failure, ReportFilesInAReadOnlyDirectoryThrowAfterTheRun) {
   writeIdentity("");
   writeFile(inVestraDirectory("kelvo_vestra.tcl"), "");
   writeFile(inVestraDirectory("usage_statistics_ext_kelvo.wdm"), "");

@@ -56,7 +56,7 @@ class Host : public testing::Test {
   ScopedEnv debug{"CALVIX_VESTRA_DEBUG_EXT", std::nullopt};
 };
 
-TEST_F(Host, FindsTheSupportLibraryByTheLoadersPath) {
+TEST_F(Host, SupportLibraryIsFoundByTheLoadersPath) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(SIMULATOR, project());
   EXPECT_EQ(end.status, 0);
@@ -67,7 +67,7 @@ TEST_F(Host, FindsTheSupportLibraryByTheLoadersPath) {
   EXPECT_THAT(start(SIMULATOR, project()).output, "simulator: no report was due\n");
 }
 
-TEST_F(Host, WithTheLabToolHasTheToolsOutputInTheLog) {
+TEST_F(Host, LabToolFindsTheToolsOutputInTheLog) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(LAB_TOOL, project());
   EXPECT_EQ(end.output,
@@ -75,7 +75,7 @@ TEST_F(Host, WithTheLabToolHasTheToolsOutputInTheLog) {
   EXPECT_THAT(readFile(project() + "/vestra/tavlo_vestra.log"), HasSubstr("vestra-design-tool: "));
 }
 
-TEST_F(Host, WithoutASupportLibrarySendsNothingAndKeepsTheRules) {
+TEST_F(Host, MissingSupportLibrarySendsNothingAndKeepsTheRules) {
   const ScopedEnv path("LD_LIBRARY_PATH", std::nullopt);
   const End end = start(SIMULATOR, project());
   EXPECT_EQ(end.status, 0);
@@ -85,7 +85,7 @@ TEST_F(Host, WithoutASupportLibrarySendsNothingAndKeepsTheRules) {
   EXPECT_EQ(readFile(project() + "/vestra/.kelvo_vestrra.info"), "");
 }
 
-TEST_F(Host, ThatMakesNoCallLeavesNoTrace) {
+TEST_F(Host, HostWithoutACallLeavesNoTrace) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(SIMULATOR, "");
   EXPECT_EQ(WEXITSTATUS(end.status), 1);
@@ -93,7 +93,7 @@ TEST_F(Host, ThatMakesNoCallLeavesNoTrace) {
   EXPECT_THAT(namesIn(project()), IsEmpty());
 }
 
-TEST_F(Host, InAProjectWithABlankHasItsCommandLineSplitByTheShell) {
+TEST_F(Host, BlankInTheProjectsNameSplitsTheCommandLine) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const std::string blank = directory / "my project";
   fs::create_directory(blank);
@@ -102,7 +102,7 @@ TEST_F(Host, InAProjectWithABlankHasItsCommandLineSplitByTheShell) {
   EXPECT_THAT(namesIn(blank + "/vestra"), ElementsAre(".kelvo_vestrra.info"));
 }
 
-TEST_F(Host, OfTheMakersNetworkMarksTheReportAsATest) {
+TEST_F(Host, MakersNetworkMarksTheReportAsATest) {
   // Needs a host name of its own: only root may make one.
   if (start("unshare --uts", "true").status != 0) {
     GTEST_SKIP() << "no namespace for the domain name can be made here";

@@ -122,7 +122,7 @@ std::string withoutChecksum(std::string script, std::string& checksum) {
   return script.replace(begin, end - begin, "CHECKSUM");
 }
 
-TEST_F(Report, OfTheSimulatorIsThisScript) {
+TEST_F(Report, SimulatorWritesThisScript) {
   writeIdentity(IDENTITY);
   writeSettings(SETTINGS);
   const std::time_t begin = std::time(nullptr);
@@ -156,7 +156,7 @@ TEST_F(Report, OfTheSimulatorIsThisScript) {
                            begin, end));
 }
 
-TEST_F(Report, OfTheLabToolIsThisScript) {
+TEST_F(Report, LabToolWritesThisScript) {
   writeIdentity(IDENTITY);
   writeSettings(SETTINGS);
   const std::time_t begin = std::time(nullptr);
@@ -181,7 +181,7 @@ TEST_F(Report, OfTheLabToolIsThisScript) {
               isChecksumOf(std::string(PROJECT_SEGMENTS) + "tavlo" + "probes4tavlotavlo\\usage", begin, end));
 }
 
-TEST_F(Report, IsReadByTheDesignToolAsItWasAdded) {
+TEST_F(Report, DesignToolReadsWhatWasAdded) {
   const HostRun run = sandbox.run(Vestra::KELVO, [] {
     Vestra::add("Target_Device", "x7", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("mode", "batch {with} braces; and #", Vestra::KELVO_COMMAND_LINE_OPTIONS);
@@ -206,7 +206,7 @@ TEST_F(Report, IsReadByTheDesignToolAsItWasAdded) {
   EXPECT_THAT(run.report()->warnings, IsEmpty());
 }
 
-TEST_F(Report, RulesMapTheProjectAndTheProductOfTheReport) {
+TEST_F(Report, RulesMapTheProjectAndTheProduct) {
   for (const auto& [product, name] : {std::pair{Vestra::KELVO, "kelvo"}, {Vestra::TAVLO, "tavlo"}}) {
     const HostRun run = sandbox.run(product, [] {});
     sandbox.ageUntilDue();
@@ -224,7 +224,7 @@ TEST_F(Report, RulesMapTheProjectAndTheProductOfTheReport) {
   }
 }
 
-TEST_F(Report, OfTheSimulatorStartsTheToolWithTheScriptAndRulesOnDisk) {
+TEST_F(Report, SimulatorStartsTheToolWithScriptAndRulesOnDisk) {
   const RecordingTool& tool = useRecordingTool("echo tool output; echo tool error >&2");
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   const std::string script = inVestraDirectory("kelvo_vestra.tcl");
@@ -246,7 +246,7 @@ TEST_F(Report, OfTheSimulatorStartsTheToolWithTheScriptAndRulesOnDisk) {
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
 }
 
-TEST_F(Report, OfTheLabToolSendsTheToolsOutputIntoItsLog) {
+TEST_F(Report, LabToolFindsTheToolsOutputInItsLog) {
   writeFile(inVestraDirectory("tavlo_vestra.log"), "an old log\n");
   const RecordingTool& tool = useRecordingTool("echo tool output; echo tool error >&2");
   const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
@@ -261,14 +261,14 @@ TEST_F(Report, OfTheLabToolSendsTheToolsOutputIntoItsLog) {
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info", "tavlo_vestra.log"));
 }
 
-TEST_F(Report, OfTheSimulatorLeavesTheLabToolsLogAlone) {
+TEST_F(Report, SimulatorLeavesTheLabToolsLogAlone) {
   writeFile(inVestraDirectory("tavlo_vestra.log"), "an old log\n");
   useRecordingTool();
   EXPECT_EQ(sandbox.run(Vestra::KELVO, [] {}).answer, true);
   EXPECT_EQ(readFile(inVestraDirectory("tavlo_vestra.log")), "an old log\n");
 }
 
-TEST_F(Report, AsksTheSupportLibraryForTheSimulatorByNameAndForTheLabToolWithNull) {
+TEST_F(Report, SupportLibraryIsAskedByNameForTheSimulatorAndWithNullForTheLabTool) {
   useRecordingTool();
   EXPECT_THAT(sandbox.run(Vestra::KELVO, [] {}).supportCalls,
               ElementsAre("oza_vestra_enviroment_data(\"KELVO\")", "oza_vestra_regid(\"Implementation\")",
@@ -279,7 +279,7 @@ TEST_F(Report, AsksTheSupportLibraryForTheSimulatorByNameAndForTheLabToolWithNul
                           "oza_vestra_exec_path()"));
 }
 
-TEST_F(Report, OfAnyProductAboveTwoIsTheLabTools) {
+TEST_F(Report, ProductsAboveTwoAreTheLabTool) {
   useRecordingTool();
   for (const std::uint32_t product : {3U, 7U, 0xFFFFFFFFU}) {
     const HostRun run = sandbox.run(static_cast<Vestra::ProductType>(product), [] {});
@@ -291,7 +291,7 @@ TEST_F(Report, OfAnyProductAboveTwoIsTheLabTools) {
   }
 }
 
-TEST_F(Report, OfTheSecondSimulatorSlotHasTheSimulatorsNames) {
+TEST_F(Report, SecondSimulatorSlotHasTheSimulatorsNames) {
   useRecordingTool();
   const HostRun run = sandbox.run(Vestra::KELVO_ALT, [] {});
   ASSERT_THAT(run.toolRuns, SizeIs(1));
@@ -299,14 +299,14 @@ TEST_F(Report, OfTheSecondSimulatorSlotHasTheSimulatorsNames) {
   EXPECT_THAT(run.script, testing::HasSubstr("-intro \"<H3>KELVO Usage Report</H3><BR>\"\n"));
 }
 
-TEST_F(Report, GoesToARelativeProjectBelowTheHostsCurrentDirectory) {
+TEST_F(Report, RelativeProjectLiesBelowTheHostsCurrentDirectory) {
   useRecordingTool();
   const HostRun run = sandbox.runProcess([] { return Vestra::send("project", Vestra::KELVO); });
   EXPECT_EQ(run.answer, true);
   EXPECT_THAT(run.script, testing::StartsWith("vestra_init -vestra_dir " + sandbox.project() + "/vestra/\n"));
 }
 
-TEST_F(Report, OfAProjectWithAFinalSlashKeepsTheDoubledOne) {
+TEST_F(Report, ProjectWithAFinalSlashHasADoubledOneInItsPaths) {
   useRecordingTool();
   const std::string project = sandbox.project() + "/";
   const HostRun run = sandbox.runProcess([&] { return Vestra::send(project.c_str(), Vestra::KELVO); });
@@ -315,7 +315,7 @@ TEST_F(Report, OfAProjectWithAFinalSlashKeepsTheDoubledOne) {
               testing::StartsWith("vestra_init -vestra_dir " + sandbox.project() + "//vestra/\n"));
 }
 
-TEST_F(Report, TakesTheHostsProjectIdentifierInAnyLetterCase) {
+TEST_F(Report, HostsProjectIdentifierIsTakenInAnyLetterCase) {
   const HostRun run = sandbox.run(Vestra::KELVO, [] {
     Vestra::add("PROJECT_ID", "host-project", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
     Vestra::add("tool_flow", "first", Vestra::USER_ENVIRONMENT);
@@ -326,21 +326,21 @@ TEST_F(Report, TakesTheHostsProjectIdentifierInAnyLetterCase) {
   EXPECT_EQ(run.identity->orbeloFlow, true);
 }
 
-TEST_F(Report, MarksAHostsProjectForTheLabToolToo) {
+TEST_F(Report, ProjectWithAHostsIdentifierIsMarkedForTheLabToolToo) {
   const HostRun run = sandbox.run(Vestra::TAVLO, [] {
     Vestra::add("project_id", "host-project", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   });
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "tool_flow", "kelvo_orbelo"));
 }
 
-TEST_F(Report, LeavesOutAFactOfTheEnvironmentThatHasNoValue) {
+TEST_F(Report, EnvironmentFactWithoutAValueIsLeftOut) {
   answers.environment = std::string(ENVIRONMENT) + "#beta";
   sandbox.setSupportAnswers(answers);
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "beta", "not_applicable"));
 }
 
-TEST_F(Report, SurvivesAnEnvironmentTextThatIsTooShort) {
+TEST_F(Report, EnvironmentTextMayBeTooShort) {
   for (const char* text : {"", "#", "a", "a#1", "a#1#b", "a#1#b#2#c#3#d#4#e#5#f"}) {
     answers.environment = text;
     sandbox.setSupportAnswers(answers);
@@ -351,7 +351,7 @@ TEST_F(Report, SurvivesAnEnvironmentTextThatIsTooShort) {
   }
 }
 
-TEST_F(Report, FilesStayForInspectionUnderTheDebugVariable) {
+TEST_F(Report, ScriptAndRulesStayUnderTheDebugVariable) {
   useRecordingTool();
   for (const char* value : {"0", "1", " "}) {
     sandbox.setEnvironment("CALVIX_VESTRA_DEBUG_EXT", value);
@@ -365,7 +365,7 @@ TEST_F(Report, FilesStayForInspectionUnderTheDebugVariable) {
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
 }
 
-TEST_F(Report, NumbersAreOursInAHostThatGroupsDigits) {
+TEST_F(Report, NumbersAreNotGroupedInAHostThatGroupsDigits) {
   struct Grouping : std::numpunct<char> {
     std::string do_grouping() const override { return "\1"; }
     char do_thousands_sep() const override { return '.'; }
@@ -380,7 +380,7 @@ TEST_F(Report, NumbersAreOursInAHostThatGroupsDigits) {
   EXPECT_THAT(run.settings->text, MatchesRegex("RandomID=[0-9a-f-]{36}\n"));
 }
 
-TEST_F(Report, IsAnnouncedAsATestWhereTheHostIsInTheMakersNetwork) {
+TEST_F(Report, ReportFromTheMakersNetworkIsMarkedAsATest) {
   constexpr int NO_NAMESPACE = 77;
   const HostRun run = sandbox.runProcess([] {
     const std::string domain = "lab.CALVIX.example";

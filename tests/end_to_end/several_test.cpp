@@ -22,9 +22,9 @@ using vestra::testkit::contextOf;
 using vestra::testkit::HostRun;
 using vestra::testkit::Item;
 
-class Several : public Scenario {
+class SeveralSends : public Scenario {
  protected:
-  Several() { useRecordingTool(); }
+  SeveralSends() { useRecordingTool(); }
 };
 
 std::vector<std::string> keysOf(const std::vector<Item>& items, Vestra::SectionType section) {
@@ -37,7 +37,7 @@ std::vector<std::string> keysOf(const std::vector<Item>& items, Vestra::SectionT
   return keys;
 }
 
-TEST_F(Several, SendsInOneProcessKeepTheItemsAndTheFirstFacts) {
+TEST_F(SeveralSends, SecondSendInAProcessKeepsTheItemsAndTheFirstFacts) {
   const std::string project = sandbox.project();
   const HostRun run = sandbox.runProcess([&] {
     Vestra::add("runs", "1", Vestra::KELVO_USAGE);
@@ -57,7 +57,7 @@ TEST_F(Several, SendsInOneProcessKeepTheItemsAndTheFirstFacts) {
   EXPECT_EQ(run.identity->iteration, 3U);
 }
 
-TEST_F(Several, SendsThatAreDueOpenTheSupportLibraryAnew) {
+TEST_F(SeveralSends, EachDueSendOpensTheSupportLibraryAnew) {
   const std::string project = sandbox.project();
   const HostRun run = sandbox.runProcess([&] {
     return Vestra::send(project.c_str(), Vestra::KELVO) && Vestra::send(project.c_str(), Vestra::KELVO_ALT) &&
@@ -72,7 +72,7 @@ TEST_F(Several, SendsThatAreDueOpenTheSupportLibraryAnew) {
                           "oza_vestra_enviroment_data(\"KELVO\")", "oza_vestra_regid(\"Implementation\")"));
 }
 
-TEST_F(Several, ProjectsInOneProcessShareTheFirstOnesIdentifier) {
+TEST_F(SeveralSends, ProjectsInOneProcessShareTheFirstOnesIdentifier) {
   const std::string first = sandbox.project();
   const std::string second = sandbox.directory() + "/second";
   const HostRun run = sandbox.runProcess([&] {
@@ -85,7 +85,7 @@ TEST_F(Several, ProjectsInOneProcessShareTheFirstOnesIdentifier) {
   EXPECT_THAT(text, HasSubstr("\n0\n2\n1\n" + *run.identity->projectId + "\n"));
 }
 
-TEST_F(Several, ProcessesShareTheUsersIdentifierAndTheProjects) {
+TEST_F(SeveralSends, ProcessesShareTheUsersIdentifierAndTheProjects) {
   const HostRun first = sandbox.run(Vestra::KELVO, [] {});
   const HostRun second = sandbox.run(Vestra::TAVLO, [] {});
   const HostRun third = sandbox.run(Vestra::KELVO_ALT, [] {});
@@ -97,7 +97,7 @@ TEST_F(Several, ProcessesShareTheUsersIdentifierAndTheProjects) {
   EXPECT_EQ(second.answer, false);
 }
 
-TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
+TEST_F(SeveralSends, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
   const std::string project = sandbox.project();
   const std::vector<HostRun> runs = sandbox.runTogether(12, [&](int number) {
     Vestra::add("number", std::to_string(number).c_str(), Vestra::KELVO_USAGE);
@@ -115,7 +115,7 @@ TEST_F(Several, ProcessesAtOnceLeaveFilesThatTheNextCanRead) {
   EXPECT_THAT(next.settings->text, testing::MatchesRegex("(RandomID=[0-9a-f-]{36}\n)+"));
 }
 
-TEST_F(Several, ForkedHalvesOfAHostSendTheSameItems) {
+TEST_F(SeveralSends, ForkedHalvesOfAHostSendTheSameItems) {
   const std::string project = sandbox.project();
   const std::string other = sandbox.directory() + "/other";
   const HostRun run = sandbox.runProcess([&] {
@@ -134,7 +134,7 @@ TEST_F(Several, ForkedHalvesOfAHostSendTheSameItems) {
   EXPECT_THAT(run.toolRuns[1].script, HasSubstr("-key before -value \"fork\""));
 }
 
-TEST_F(Several, AHostMayChangeItsHomeAfterTheFirstCall) {
+TEST_F(SeveralSends, AHostMayChangeItsHomeAfterTheFirstCall) {
   const std::string elsewhere = sandbox.directory() + "/elsewhere";
   const HostRun run = sandbox.run(Vestra::KELVO, [&] {
     Vestra::add("first", "call", Vestra::KELVO_USAGE);
@@ -145,7 +145,7 @@ TEST_F(Several, AHostMayChangeItsHomeAfterTheFirstCall) {
   EXPECT_FALSE(exists(elsewhere));
 }
 
-TEST_F(Several, AHostMayUnsetItsHome) {
+TEST_F(SeveralSends, AHostMayUnsetItsHome) {
   const HostRun run = sandbox.runProcess([&] {
     unsetenv("HOME");
     return Vestra::getLogFileName() == "/vestra/tavlo_vestra.log" && !Vestra::internal();
@@ -154,7 +154,7 @@ TEST_F(Several, AHostMayUnsetItsHome) {
   EXPECT_FALSE(run.settings);
 }
 
-TEST_F(Several, AHostMayChangeItsDirectoryBetweenSends) {
+TEST_F(SeveralSends, AHostMayChangeItsDirectoryBetweenSends) {
   const std::string directory = sandbox.directory();
   boost::filesystem::create_directories(directory + "/a");
   boost::filesystem::create_directories(directory + "/b");
@@ -169,7 +169,7 @@ TEST_F(Several, AHostMayChangeItsDirectoryBetweenSends) {
   EXPECT_TRUE(exists(directory + "/b/project/vestra/.kelvo_vestrra.info"));
 }
 
-TEST_F(Several, ThreadsMayMakeTheFirstCallTogether) {
+TEST_F(SeveralSends, ThreadsMayMakeTheFirstCallTogether) {
   const HostRun run = sandbox.runProcess([] {
     std::vector<std::thread> threads;
     for (int i = 0; i < 8; ++i) {

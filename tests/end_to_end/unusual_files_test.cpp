@@ -146,7 +146,7 @@ TEST_F(UnusualFile, APipeInTheLogsPlaceIsReplaced) {
   EXPECT_EQ(readFile(inVestraDirectory("tavlo_vestra.log")), "");
 }
 
-TEST_F(UnusualFile, ADirectoryThatAnotherProcessRemovesDuringTheRunIsNoError) {
+TEST_F(UnusualFile, VestraDirectoryRemovedDuringTheRunIsNoError) {
   answers.execPath = "rm -rf " + inVestraDirectory("") + "; true";
   sandbox.setSupportAnswers(answers);
   const HostRun run = send();

@@ -47,7 +47,7 @@ class Disk : public WatchedHost {
   PrivateMounts mounts;
 };
 
-TEST_P(Disk, OfTheHomeThatIsFullLosesNoOlderLine) {
+TEST_P(Disk, FullHomeLosesNoOlderLine) {
   mountOver(workplace.home(), SMALL);
   fill(workplace.home());
   expectQuietAnswer(runHost(workplace.start()), "answer true");
@@ -57,7 +57,7 @@ TEST_P(Disk, OfTheHomeThatIsFullLosesNoOlderLine) {
   expectThatAReportIsSent();
 }
 
-TEST_P(Disk, OfTheHomeWithoutInodesLosesNoOlderLine) {
+TEST_P(Disk, HomeWithoutInodesLosesNoOlderLine) {
   mountOver(workplace.home(), "nr_inodes=6");
   for (int number = 0; number < 6; ++number) {
     boost::system::error_code full;
@@ -68,7 +68,7 @@ TEST_P(Disk, OfTheHomeWithoutInodesLosesNoOlderLine) {
               testing::StartsWith(workplace.settingsBefore()));
 }
 
-TEST_P(Disk, OfTheProjectThatIsFullIsNotNoticed) {
+TEST_P(Disk, FullProjectIsNotNoticed) {
   mountOver(workplace.project(), projectIsKnown() ? "size=24k" : SMALL);
   fill(workplace.project());
   expectQuietAnswer(runHost(workplace.start()), "answer true");
@@ -81,13 +81,13 @@ TEST_P(Disk, OfTheProjectThatIsFullIsNotNoticed) {
 /// A known project needs no new inode but the script's.
 class DiskOfANewProject : public Disk {};
 
-TEST_P(DiskOfANewProject, WithoutInodesGivesTheReportUp) {
+TEST_P(DiskOfANewProject, NewProjectWithoutInodesGivesTheReportUp) {
   mountOver(workplace.project(), "nr_inodes=1");
   expectQuietAnswer(runHost(workplace.start()), "answer false");
   EXPECT_TRUE(namesIn(workplace.project()).empty());
 }
 
-TEST_P(Disk, OfTheHomeThatIsReadOnlyGivesTheIdentifierThatIsThere) {
+TEST_P(Disk, ReadOnlyHomeGivesTheIdentifierThatIsThere) {
   mountOver(workplace.home(), "");
   mounts.makeReadOnly(workplace.home());
   const std::string before = contentOf(workplace.settingsFile()).value_or("no file");
@@ -100,7 +100,7 @@ TEST_P(Disk, OfTheHomeThatIsReadOnlyGivesTheIdentifierThatIsThere) {
               HasSubstr(isThere ? "-key random_id -value \"3f2a9c4e-" : "-key random_id -value \"\""));
 }
 
-TEST_P(Disk, OfTheProjectThatIsReadOnlyGivesTheReportUp) {
+TEST_P(Disk, ReadOnlyProjectGivesTheReportUp) {
   mountOver(workplace.project(), "");
   mounts.makeReadOnly(workplace.project());
   expectQuietAnswer(runHost(workplace.start()), "answer false");
@@ -109,7 +109,7 @@ TEST_P(Disk, OfTheProjectThatIsReadOnlyGivesTheReportUp) {
   expectThatAReportIsSent();
 }
 
-TEST_P(Disk, ThatIsGoneWithHomeAndProjectIsMadeAnew) {
+TEST_P(Disk, MissingHomeAndProjectAreMadeAnew) {
   fs::remove_all(workplace.home());
   fs::remove_all(workplace.project());
   expectQuietAnswer(runHost(workplace.start()), "answer true");
@@ -117,7 +117,7 @@ TEST_P(Disk, ThatIsGoneWithHomeAndProjectIsMadeAnew) {
   EXPECT_THAT(readFile(workplace.identityFile()), MatchesRegex("[0-9]{10}\n0\n2\n0\n[0-9a-f-]{36}\n"));
 }
 
-TEST_P(Disk, WithoutAShellCountsTheReportAsSentAndCleansUp) {
+TEST_P(Disk, MissingShellCountsTheReportAsSentAndCleansUp) {
   mounts.mountMemory(fs::canonical("/bin/sh").parent_path().string());
   expectQuietAnswer(runHost(workplace.start()), "answer true");
   EXPECT_FALSE(exists(workplace.scriptFile()));
@@ -125,10 +125,10 @@ TEST_P(Disk, WithoutAShellCountsTheReportAsSentAndCleansUp) {
   EXPECT_THAT(readFile(workplace.identityFile()), MatchesRegex("[0-9]{10}\n0\n[28]\n0\n[0-9a-f-]{36}\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAHost, Disk, testing::ValuesIn(allSituations()), situationName);
+INSTANTIATE_TEST_SUITE_P(EachSituation, Disk, testing::ValuesIn(allSituations()), situationName);
 
 INSTANTIATE_TEST_SUITE_P(
-    OfAHost, DiskOfANewProject,
+    NewProjects, DiskOfANewProject,
     testing::Values(Situation{Oza::Vestra::KELVO, Situation::NEW_PROJECT, Situation::NEW_HOME},
                     Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::KNOWN_HOME}),
     situationName);

@@ -117,7 +117,7 @@ class FailingCall : public WatchedHost {
   }
 };
 
-TEST_P(FailingCall, LeavesAnAnswerTheFilesAndTheNextRunInOrder) {
+TEST_P(FailingCall, EachFailureLeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   const std::vector<SystemCall> calls = callsOfARun();
   std::map<std::string, int> triedOf;
   int tried = 0;
@@ -137,7 +137,7 @@ TEST_P(FailingCall, LeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   EXPECT_GT(tried, triesAllErrors() ? 300 : 50);
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAHost, FailingCall, testing::ValuesIn(allSituations()), situationName);
+INSTANTIATE_TEST_SUITE_P(EachSituation, FailingCall, testing::ValuesIn(allSituations()), situationName);
 
 }  // namespace
 }  // namespace vestra_test

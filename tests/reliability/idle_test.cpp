@@ -40,13 +40,13 @@ class IdleHost : public testing::Test {
   }
 };
 
-TEST_F(IdleHost, MakesTheSystemCallsOfAHostWithoutTheLibrary) {
+TEST_F(IdleHost, SystemCallsAreThoseOfAHostWithoutTheLibrary) {
   const std::vector<std::string> calls = namesOfCalls(runIdly(IDLE_HOST));
   EXPECT_THAT(calls, testing::Contains("write"));
   EXPECT_EQ(calls, namesOfCalls(runIdly(IDLE_HOST_WITHOUT_LIBRARY)));
 }
 
-TEST_F(IdleHost, HasTheAllocationsThreadsAndFilesOfAHostWithoutTheLibrary) {
+TEST_F(IdleHost, AllocationsThreadsAndFilesAreThoseOfAHostWithoutTheLibrary) {
   const std::string counts = runIdly(IDLE_HOST).output;
   EXPECT_THAT(counts, testing::MatchesRegex("[0-9]+ [0-9]+ [0-9]+\n"));
   EXPECT_EQ(counts, runIdly(IDLE_HOST_WITHOUT_LIBRARY).output);

@@ -81,7 +81,7 @@ class KilledHost : public WatchedHost {
   }
 };
 
-TEST_P(KilledHost, LeavesFilesThatTheNextRunsReadAsTabulated) {
+TEST_P(KilledHost, FilesAfterEachKillAreReadAsTabulated) {
   const std::vector<SystemCall> calls = callsOfARun();
   for (std::size_t number = 0; number < calls.size(); number += SANITIZED ? 5 : 1) {
     killAt(number);
@@ -91,7 +91,7 @@ TEST_P(KilledHost, LeavesFilesThatTheNextRunsReadAsTabulated) {
   EXPECT_GT(stateCount(), SANITIZED ? 5U : 10U);
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAReport, KilledHost, testing::ValuesIn(allSituations()), situationName);
+INSTANTIATE_TEST_SUITE_P(EachSituation, KilledHost, testing::ValuesIn(allSituations()), situationName);
 
 }  // namespace
 }  // namespace vestra_test

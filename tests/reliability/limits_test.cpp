@@ -48,7 +48,7 @@ class LimitedHost : public WatchedHost {
   }
 };
 
-TEST_P(LimitedHost, IsNotEndedByAFileThatGrowsTooLarge) {
+TEST_P(LimitedHost, FileBeyondTheSizeLimitDoesNotEndTheHost) {
   for (rlim_t bytes = 0; bytes < 1200; bytes += bytes < 60 ? 3 : 60) {
     SCOPED_TRACE(std::to_string(bytes) + " bytes for each file");
     const HostEnd end = runWithin(RLIMIT_FSIZE, bytes);
@@ -61,13 +61,13 @@ TEST_P(LimitedHost, IsNotEndedByAFileThatGrowsTooLarge) {
   }
 }
 
-TEST_P(LimitedHost, IsNotDueAgainThoughItsFilesWereTooLarge) {
+TEST_P(LimitedHost, ReportCountsThoughItsFilesWereTooLarge) {
   runWithin(RLIMIT_FSIZE, 11);
   EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"), MatchesRegex("[0-9]{10}\n"));
   EXPECT_EQ(runHost(workplace.start()).outcome, "answer false");
 }
 
-TEST_P(LimitedHost, WithoutDescriptorsLosesNothing) {
+TEST_P(LimitedHost, LackOfDescriptorsLosesNothing) {
   if (SANITIZED) {
     GTEST_SKIP() << "a sanitizer's runtime opens pipes of its own";
   }
@@ -82,14 +82,14 @@ TEST_P(LimitedHost, WithoutDescriptorsLosesNothing) {
   expectThatAReportIsSent();
 }
 
-TEST_P(LimitedHost, HasEnoughWithOneDescriptor) {
+TEST_P(LimitedHost, OneDescriptorIsEnough) {
   if (SANITIZED) {
     GTEST_SKIP() << "a sanitizer's runtime opens pipes of its own";
   }
   EXPECT_EQ(runWithin(RLIMIT_NOFILE, 4).outcome, "answer true");
 }
 
-TEST_P(LimitedHost, WithoutMemoryThrowsOrGivesAnAnswer) {
+TEST_P(LimitedHost, LackOfMemoryThrowsOrGivesAnAnswer) {
   if (SANITIZED) {
     GTEST_SKIP() << "a sanitizer's runtime ends the process when it gets no memory";
   }
@@ -108,7 +108,7 @@ TEST_P(LimitedHost, WithoutMemoryThrowsOrGivesAnAnswer) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAReport, LimitedHost,
+INSTANTIATE_TEST_SUITE_P(EachSituation, LimitedHost,
                          testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT,
                                                    Situation::HOME_WITHOUT_IDENTIFIER},
                                          Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT,

@@ -68,7 +68,7 @@ class Link : public WatchedHost {
   }
 };
 
-TEST_P(Link, ToItselfStopsAReportOnlyWhereTheIdentityIs) {
+TEST_P(Link, LinkToItselfStopsAReportOnlyOnTheWayToTheIdentity) {
   for (const std::string& place : places()) {
     SCOPED_TRACE(place);
     const bool isOnTheWay = place == workplace.project() || place == workplace.project() + "/vestra" ||
@@ -77,7 +77,7 @@ TEST_P(Link, ToItselfStopsAReportOnlyWhereTheIdentityIs) {
   }
 }
 
-TEST_P(Link, ToNowhereIsWrittenThroughOrStopsTheReport) {
+TEST_P(Link, LinkToNowhereIsWrittenThroughOrStopsTheReport) {
   for (const std::string& place : places()) {
     SCOPED_TRACE(place);
     const bool isOnTheWay = place == workplace.project() || place == workplace.project() + "/vestra";
@@ -85,7 +85,7 @@ TEST_P(Link, ToNowhereIsWrittenThroughOrStopsTheReport) {
   }
 }
 
-TEST_P(Link, ToElsewhereIsFollowedWhereItIsOpenedAndRemovedWhereItIsRemoved) {
+TEST_P(Link, LinkToElsewhereIsFollowedByOpeningAndRemovedByRemoving) {
   for (const std::string& place : places()) {
     SCOPED_TRACE(place);
     EXPECT_EQ(runWith(place, Leads::ELSEWHERE).outcome, "answer true");
@@ -105,7 +105,7 @@ TEST_P(Link, ToElsewhereIsFollowedWhereItIsOpenedAndRemovedWhereItIsRemoved) {
 /// In the place of the log, which only the lab tool has.
 class LinkToTheLog : public Link {};
 
-TEST_P(LinkToTheLog, IsReplacedByTheLogAndItsTargetStays) {
+TEST_P(LinkToTheLog, LogReplacesALinkWhoseTargetStays) {
   const std::string place = workplace.inVestraDirectory("tavlo_vestra.log");
   put(place, Leads::ELSEWHERE);
   writeFile(workplace.home() + "/elsewhere", "somebody's");
@@ -114,10 +114,10 @@ TEST_P(LinkToTheLog, IsReplacedByTheLogAndItsTargetStays) {
   EXPECT_EQ(readFile(workplace.home() + "/elsewhere"), "somebody's");
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAHost, Link, testing::ValuesIn(allSituations()), situationName);
+INSTANTIATE_TEST_SUITE_P(EachSituation, Link, testing::ValuesIn(allSituations()), situationName);
 
 INSTANTIATE_TEST_SUITE_P(
-    OfTheLabTool, LinkToTheLog,
+    LabTools, LinkToTheLog,
     testing::Values(Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME},
                     Situation{Oza::Vestra::TAVLO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME}),
     situationName);

@@ -49,19 +49,19 @@ class MeddledHost : public WatchedHost {
   }
 };
 
-TEST_P(MeddledHost, OutlivesTheRemovalOfTheVestraDirectory) {
+TEST_P(MeddledHost, HostOutlivesTheRemovalOfTheVestraDirectory) {
   meddle([this] { removeAll(workplace.inVestraDirectory("")); }, [] {});
 }
 
-TEST_P(MeddledHost, OutlivesTheRemovalOfTheProject) {
+TEST_P(MeddledHost, HostOutlivesTheRemovalOfTheProject) {
   meddle([this] { removeAll(workplace.project()); }, [this] { fs::create_directories(workplace.project()); });
 }
 
-TEST_P(MeddledHost, OutlivesTheRemovalOfTheHome) {
+TEST_P(MeddledHost, HostOutlivesTheRemovalOfTheHome) {
   meddle([this] { removeAll(workplace.home()); }, [this] { fs::create_directories(workplace.home()); });
 }
 
-TEST_P(MeddledHost, OutlivesALinkToItselfInTheVestraDirectorysPlace) {
+TEST_P(MeddledHost, HostOutlivesALinkToItselfInTheVestraDirectorysPlace) {
   const std::string vestra = workplace.project() + "/vestra";
   meddle(
       [=] {
@@ -71,7 +71,7 @@ TEST_P(MeddledHost, OutlivesALinkToItselfInTheVestraDirectorysPlace) {
       [=] { fs::remove(vestra); });
 }
 
-TEST_P(MeddledHost, OutlivesDirectoriesInTheFilesPlaces) {
+TEST_P(MeddledHost, HostOutlivesDirectoriesInTheFilesPlaces) {
   const std::vector<std::string> files{workplace.identityFile(), workplace.scriptFile(),
                                        workplace.rulesFile(), workplace.settingsFile()};
   meddle(
@@ -89,7 +89,7 @@ TEST_P(MeddledHost, OutlivesDirectoriesInTheFilesPlaces) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    OfAReport, MeddledHost,
+    TwoSituations, MeddledHost,
     testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
                     Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
     situationName);

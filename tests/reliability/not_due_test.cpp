@@ -32,7 +32,7 @@ std::vector<std::string> callsAboutTheReport(const Workplace& workplace, const H
   return lines;
 }
 
-TEST(ReportNotDue, LooksAtEachFileOnceBeforeItIsOpenedAndWritesEachLineOnce) {
+TEST(ReportNotDue, SystemCallsAboutItsFilesAreThese) {
   if (const auto reason = whyNothingIsTraced()) {
     GTEST_SKIP() << *reason;
   }

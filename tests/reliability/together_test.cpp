@@ -88,21 +88,21 @@ class Together : public testing::TestWithParam<int> {
   vestra::testkit::Sandbox sandbox;
 };
 
-TEST_P(Together, OfTheSimulatorsNoneFails) {
+TEST_P(Together, SimulatorsDoNotFailEachOther) {
   expectThatAllEndedWell(runAll(Vestra::KELVO, Vestra::KELVO));
   expectThatNoSettingsLineIsTorn();
   expectThatTheNextRunsGoOn(Vestra::KELVO);
   expectThatAFreshProjectReports(Vestra::KELVO);
 }
 
-TEST_P(Together, OfTheLabToolsNoneFails) {
+TEST_P(Together, LabToolsDoNotFailEachOther) {
   expectThatAllEndedWell(runAll(Vestra::TAVLO, Vestra::TAVLO));
   expectThatNoSettingsLineIsTorn();
   expectThatTheNextRunsGoOn(Vestra::TAVLO);
   expectThatAFreshProjectReports(Vestra::TAVLO);
 }
 
-TEST_P(Together, OfBothProductsNoneFails) {
+TEST_P(Together, ProductsDoNotFailEachOther) {
   writeFile(sandbox.settingsFile(), "colour=blue\n");
   expectThatAllEndedWell(runAll(Vestra::KELVO_ALT, Vestra::TAVLO));
   expectThatNoSettingsLineIsTorn();
