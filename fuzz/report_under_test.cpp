@@ -5,10 +5,10 @@
 
 #include "diagnostic.h"
 #include "expect.h"
-#include "handler/stand_in_library.h"
 #include "handler/vestra_handler.h"
 #include "script_evaluation.h"
 #include "support/files.h"
+#include "support/stand_in_library.h"
 #include "support/temporary_directory.h"
 
 namespace vestra_fuzz {

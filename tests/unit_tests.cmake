@@ -26,6 +26,8 @@ foreach(tests unit_tests out_of_memory_tests first_use_tests first_use_thread_te
     vestra_objects vestra_test_support GTest::gtest_main Threads::Threads)
   gtest_discover_tests(${tests} PROPERTIES TIMEOUT 60 LABELS unit)
 endforeach()
+target_link_libraries(unit_tests PRIVATE vestra_stand_in_library)
+target_link_libraries(out_of_memory_tests PRIVATE vestra_stand_in_library)
 
 # ctest runs each test in a process of its own; they must not mind sharing one.
 add_test(NAME unit_tests.in_one_process COMMAND unit_tests --gtest_shuffle --gtest_brief)

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "data/zlib_crc32.h"
+#include "support/zlib_crc32.h"
 #include "handler/vestra_handler.h"
 
 namespace Oza {

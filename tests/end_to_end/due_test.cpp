@@ -1,8 +1,8 @@
 // At most one report a day for each project and product slot, while each attempt
 // counts.
 
-#include "end_to_end/scenario.h"
 #include "support/files.h"
+#include "support/scenario.h"
 
 namespace vestra_test {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <boost/filesystem.hpp>
 
-#include "end_to_end/scenario.h"
 #include "support/files.h"
+#include "support/scenario.h"
 
 namespace vestra_test {
 namespace {

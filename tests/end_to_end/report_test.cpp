@@ -9,8 +9,8 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "end_to_end/scenario.h"
 #include "support/files.h"
+#include "support/scenario.h"
 
 namespace vestra_test {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "handler/stand_in_library.h"
+#include "support/stand_in_library.h"
 #include "handler/vestra_handler.h"
 #include "support/files.h"
 #include "support/interposed/clock.h"

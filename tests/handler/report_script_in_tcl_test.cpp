@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "data/zlib_crc32.h"
 #include "handler/recording_interpreter.h"
 #include "handler/report_fixture.h"
+#include "support/zlib_crc32.h"
 
 namespace Oza {
 namespace {

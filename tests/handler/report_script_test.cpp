@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "data/zlib_crc32.h"
 #include "handler/report_fixture.h"
 #include "support/child_process.h"
 #include "support/error_of.h"
@@ -13,6 +12,7 @@
 #include "support/interposed/domain_name.h"
 #include "support/scoped_locale.h"
 #include "support/special_files.h"
+#include "support/zlib_crc32.h"
 
 namespace Oza {
 namespace {

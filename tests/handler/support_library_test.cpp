@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "handler/stand_in_library.h"
 #include "support/error_of.h"
+#include "support/stand_in_library.h"
 
 namespace Oza {
 namespace {

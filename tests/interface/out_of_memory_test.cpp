@@ -5,7 +5,6 @@
 #include <string>
 
 #include "handler/site_detection.h"
-#include "handler/stand_in_library.h"
 #include "handler/vestra_handler.h"
 #include "identity/vestra_project_info.h"
 #include "identity/vestra_setting.h"
@@ -13,6 +12,7 @@
 #include "interface/vestra_mgr.h"
 #include "support/files.h"
 #include "support/scoped_env.h"
+#include "support/stand_in_library.h"
 #include "support/temporary_directory.h"
 
 // Where the handler cannot be made, the manager leaves the settings that it has

@@ -1,4 +1,4 @@
-// A host as small as can be, for whoever watches its system calls:
+// A minimal host whose system calls are traced:
 //
 //     reliability_host OUTCOME_FILE PROJECT_DIRECTORY PRODUCT
 //

@@ -3,7 +3,7 @@
 //     idle_host [OUTCOME_FILE PROJECT_DIRECTORY PRODUCT]
 //
 // Marks where loading has ended by the system call `kill`: given arguments, it stops
-// itself there for who watches it, and else sends no signal. Writes the allocations
+// itself there for its tracer; otherwise it sends no signal. Writes the allocations
 // made until then, the threads and the open files that it has.
 
 #include <dirent.h>

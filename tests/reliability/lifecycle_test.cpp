@@ -8,8 +8,8 @@
 
 #include <boost/filesystem/operations.hpp>
 
-#include "end_to_end/scenario.h"
 #include "support/files.h"
+#include "support/scenario.h"
 #include "support/scoped_env.h"
 
 namespace vestra_test {

@@ -1,4 +1,4 @@
-// Somebody else changes the directories while a report is under way: before each of
+// Another process changes the directories while a report is under way: before each of
 // the host's system calls in turn.
 
 #include <boost/filesystem.hpp>

@@ -17,7 +17,7 @@ namespace {
 
 constexpr Situation KNOWN{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME};
 
-/// Calls about the files of the workplace, and those that hold a signal back.
+/// Calls about the files of the workplace, and those that block a signal.
 std::vector<std::string> callsAboutTheReport(const Workplace& workplace, const HostEnd& end) {
   const std::string base = workplace.home().substr(0, workplace.home().size() - std::string("home").size());
   std::vector<std::string> lines;

@@ -135,7 +135,7 @@ class Tracee {
  private:
   void wait() { succeed(waitpid(process, &status, 0) == process, "waitpid"); }
 
-  // A signal that stopped it on the way to the host is handed on, but for the
+  // A signal that stopped it on the way to the host is passed on, except the
   // host's own mark and the one that follows `exec`. What has ended goes nowhere.
   void goOn(__ptrace_request request) {
     if (!isAlive()) {

@@ -36,7 +36,7 @@ struct Disturbance {
     FAIL,
     /// The host is killed instead of entering the kernel.
     KILL,
-    /// The call is made, but somebody else's deed comes before it.
+    /// The call is made after `deed`, which stands for another process's doing.
     MEDDLE
   };
   Kind kind = NONE;

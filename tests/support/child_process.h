@@ -15,7 +15,7 @@ using Observation = std::function<std::string()>;
 /// Observes in a process of its own, whose changes to the process leave no trace.
 std::string inChildProcess(const Observation& observe);
 
-/// Observes as somebody whom permission bits stop: root does it as user 65534 in a
+/// Observes as a user whom permission bits stop: root does it as user 65534 in a
 /// process of its own, anybody else right here.
 std::string asOrdinaryUser(const Observation& observe);
 

@@ -12,7 +12,7 @@ namespace vestra_test {
 
 void makeDirectory(const std::string& path);
 void makeNamedPipe(const std::string& path);
-/// A Unix-domain socket that somebody listened on.
+/// A Unix-domain socket on which a process listened.
 void makeSocket(const std::string& path);
 void makeLink(const std::string& path, const std::string& target);
 

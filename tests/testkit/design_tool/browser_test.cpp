@@ -2,14 +2,16 @@
 #include <gtest/gtest.h>
 
 #include "golden.h"
-#include "process.h"
 #include "support/files.h"
+#include "support/process.h"
 #include "support/temporary_directory.h"
 
 namespace vestra::design_tool {
 namespace {
 
 using testing::HasSubstr;
+using vestra_test::isInstalled;
+using vestra_test::Outcome;
 
 const std::vector<std::string> CHROMIUM{"chromium",
                                         "--headless",
@@ -49,7 +51,7 @@ class Browser : public testing::TestWithParam<std::string> {
     words.push_back("--user-data-dir=" + (directory_ / "profile"));
     words.insert(words.end(), what.begin(), what.end());
     words.push_back("file://" + page_);
-    return run(words);
+    return vestra_test::run(words);
   }
 
   /// The page as the browser has understood it.

@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 
 #include "golden.h"
-#include "process.h"
 #include "sanitizers.h"
 #include "script_text.h"
 #include "support/files.h"
+#include "support/process.h"
 #include "support/temporary_directory.h"
 
 namespace vestra::design_tool {
@@ -18,6 +18,7 @@ using testing::EndsWith;
 using testing::IsEmpty;
 using testing::StartsWith;
 using vestra_test::namesIn;
+using vestra_test::Outcome;
 using vestra_test::readFile;
 using vestra_test::writeFile;
 
@@ -33,7 +34,7 @@ class Executable : public testing::Test {
                 const std::vector<std::string>& environment = {}) const {
     std::vector<std::string> words{VESTRA_DESIGN_TOOL};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    return run(words, environment, directory_.path());
+    return vestra_test::run(words, environment, directory_.path());
   }
 
   Outcome startOn(const std::string& script) const {

@@ -4,14 +4,17 @@
 
 #include <pugixml.hpp>
 
-#include "process.h"
 #include "script_evaluation.h"
 #include "script_text.h"
 #include "support/files.h"
+#include "support/process.h"
 #include "support/temporary_directory.h"
 
 namespace vestra::design_tool {
 namespace {
+
+using vestra_test::isInstalled;
+using vestra_test::Outcome;
 
 const Rule USAGE{"kelvo", "kelvo\\usage", "mapped\\usage", "html", HtmlStyle::Statistics};
 
@@ -84,7 +87,7 @@ TEST(XmlReport, EveryByteInEveryPlaceIsWellFormedForAnotherParser) {
   const vestra_test::TemporaryDirectory directory;
   for (const std::vector<Rule>& rules : {std::vector<Rule>{}, {rule}}) {
     vestra_test::writeFile(directory / "r.xml", renderXml(report, rules));
-    const Outcome outcome = run({"xmllint", "--noout", directory / "r.xml"});
+    const Outcome outcome = vestra_test::run({"xmllint", "--noout", directory / "r.xml"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
   }
 }

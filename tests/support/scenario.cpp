@@ -1,4 +1,4 @@
-#include "end_to_end/scenario.h"
+#include "support/scenario.h"
 
 #include <grp.h>
 #include <sys/stat.h>

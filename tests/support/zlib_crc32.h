@@ -1,5 +1,5 @@
-#ifndef VESTRA_TESTS_DATA_ZLIB_CRC32_H
-#define VESTRA_TESTS_DATA_ZLIB_CRC32_H
+#ifndef VESTRA_TESTS_SUPPORT_ZLIB_CRC32_H
+#define VESTRA_TESTS_SUPPORT_ZLIB_CRC32_H
 
 #include <zlib.h>
 
@@ -8,7 +8,7 @@
 
 namespace vestra_test {
 
-/// The CRC-32 of bytes, NUL included, by somebody else's hand.
+/// The CRC-32 of bytes, NUL included, by an implementation that is not ours.
 inline std::uint32_t zlibCrc32(const std::string& bytes) {
   return static_cast<std::uint32_t>(
       ::crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));

@@ -1,4 +1,4 @@
-#include "end_to_end/recording_tool.h"
+#include "support/recording_tool.h"
 
 #include <sstream>
 

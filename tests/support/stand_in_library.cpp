@@ -1,4 +1,4 @@
-#include "handler/stand_in_library.h"
+#include "support/stand_in_library.h"
 
 #include <dlfcn.h>
 

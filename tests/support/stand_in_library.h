@@ -1,5 +1,5 @@
-#ifndef VESTRA_TESTS_HANDLER_STAND_IN_LIBRARY_H
-#define VESTRA_TESTS_HANDLER_STAND_IN_LIBRARY_H
+#ifndef VESTRA_TESTS_SUPPORT_STAND_IN_LIBRARY_H
+#define VESTRA_TESTS_SUPPORT_STAND_IN_LIBRARY_H
 
 #include <optional>
 #include <string>
@@ -7,8 +7,8 @@
 namespace vestra_test {
 
 /// Makes a support library available under its real name for the life of this
-/// object: the loader gives whoever asks for that name the one that is in the
-/// process already. At the end it is forgotten and gone, whoever held it.
+/// object: for that name the loader gives the library that is in the process
+/// already. At the end it is unloaded, whatever references there are.
 class StandInLibrary {
  public:
   /// @param variant  "whole", "no_exec_path", "no_regid" or "no_environment".
