@@ -24,19 +24,15 @@ std::string nameOf(const Size& size, int count) {
   return "add, " + std::to_string(count) + " items of " + size.key + " + " + size.value + " bytes";
 }
 
-Spread compare(const char* floor, const char* first, const Size& size, int count) {
+Spread compare(const char* baseline, const char* first, const Size& size, int count) {
   const auto run = [&](const char* side) {
     return numbersOf({ADD_ITEMS, side, first, size.key, size.value, std::to_string(count)}).at(0);
   };
   std::vector<Pair> rounds;
   for (int round = 0; round < ROUNDS_OF_COUNT.at(count); ++round) {
-    rounds.push_back({run("library"), run(floor)});
+    rounds.push_back({run("library"), run(baseline)});
   }
   return ratiosOf(rounds);
-}
-
-double allocationsForEach(const Size& size) {
-  return numbersOf({COUNT_ALLOCATIONS, size.key, size.value}).at(0);
 }
 
 }  // namespace
@@ -60,8 +56,6 @@ void measureAdding(const Take& take) {
           {},
           compare("vector", "after-first", size, 100)});
   }
-  take({"allocations for each item of 16 + 24 bytes", "-", 3, spreadOf({allocationsForEach(SIZES[0])})});
-  take({"allocations for each item of 10 + 8 bytes", "-", 1, spreadOf({allocationsForEach(SIZES[1])})});
 }
 
 }  // namespace vestra_bench

@@ -35,14 +35,14 @@ void registerAs(const char* name, const std::function<void()>& work) {
 
 }  // namespace
 
-Spread compareInTurn(const std::function<void()>& ours, const std::function<void()>& floor) {
+Spread compareInTurn(const std::function<void()>& ours, const std::function<void()>& baseline) {
   registerAs("ours", ours);
-  registerAs("floor", floor);
+  registerAs("baseline", baseline);
   std::vector<Pair> rounds;
   for (int round = 0; round < ROUNDS; ++round) {
-    const double floorBefore = timeOf("floor");
+    const double baselineBefore = timeOf("baseline");
     const double oursBetween = timeOf("ours");
-    rounds.push_back({oursBetween, (floorBefore + timeOf("floor")) / 2});
+    rounds.push_back({oursBetween, (baselineBefore + timeOf("baseline")) / 2});
   }
   benchmark::ClearRegisteredBenchmarks();
   return ratiosOf(rounds);

@@ -8,9 +8,9 @@
 namespace vestra_bench {
 
 /// Times two pieces of work in turn, in this process, with Google Benchmark, which
-/// repeats each as often as it needs to. In each round the floor comes before ours and
+/// repeats each as often as it needs to. In each round the baseline comes before ours and
 /// once more behind it, so that neither gains by what the other left in the caches.
-Spread compareInTurn(const std::function<void()>& ours, const std::function<void()>& floor);
+Spread compareInTurn(const std::function<void()>& ours, const std::function<void()>& baseline);
 
 }  // namespace vestra_bench
 

@@ -4,22 +4,24 @@
 #include <string>
 #include <vector>
 
+#include "support/process.h"
+
 namespace vestra_bench {
 
-/// A program and its arguments. The program is a path, or found by PATH.
-using Command = std::vector<std::string>;
+using vestra_test::Command;
 
 /// Runs a command to its end and gives what it wrote on its standard output.
 ///
-/// @throws std::runtime_error when it cannot be started or ends with another status
-///         than 0.
+/// @throws std::runtime_error when it cannot be started, or ends with another status than 0.
 std::string outputOf(const Command& command);
 
 /// The same for a program that writes numbers, with white space between.
 std::vector<double> numbersOf(const Command& command);
 
 /// How long a command takes from its start to its end, in nanoseconds, as its parent
-/// sees it. Throws like `outputOf`.
+/// sees it.
+///
+/// @throws std::runtime_error as `outputOf` does.
 double lifetimeOf(const Command& command);
 
 }  // namespace vestra_bench

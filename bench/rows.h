@@ -22,8 +22,6 @@ void measureChecksum(const Take& take);
 void measureSending(const Take& take);
 /// Starting a program that is linked to the library, beside an empty library.
 void measureLoading(const Take& take);
-/// A host that is linked to the library and never calls it, beside one that is not.
-void measureIdleness(const Take& take);
 
 }  // namespace vestra_bench
 

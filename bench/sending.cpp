@@ -2,7 +2,6 @@
 
 #include "process.h"
 #include "rows.h"
-#include "traced_calls.h"
 #include "workplace.h"
 
 namespace vestra_bench {
@@ -27,25 +26,25 @@ Sending send(const Workplace& place, Report report, std::size_t items) {
   return {numbers.at(0), numbers.at(1), numbers.at(2)};
 }
 
-Command floorCommand(const Workplace& place, Report report) {
-  Command command{SEND_FLOOR, place.project()};
+Command baselineCommand(const Workplace& place, Report report) {
+  Command command{SEND_BASELINE, place.project()};
   if (report == Report::DUE) {
     command.emplace_back("true");
   }
   return command;
 }
 
-double sendFloor(const Workplace& place, Report report) {
+double sendBaseline(const Workplace& place, Report report) {
   place.restore(report);
-  return numbersOf(floorCommand(place, report)).at(0);
+  return numbersOf(baselineCommand(place, report)).at(0);
 }
 
-Spread compareWithFloor(Report report) {
+Spread compareWithBaseline(Report report) {
   Workplace place;
   place.makeReport(ITEMS);
   std::vector<Pair> rounds;
   for (int round = 0; round < ROUNDS; ++round) {
-    rounds.push_back({send(place, report, ITEMS).nanoseconds, sendFloor(place, report)});
+    rounds.push_back({send(place, report, ITEMS).nanoseconds, sendBaseline(place, report)});
   }
   return ratiosOf(rounds);
 }
@@ -77,21 +76,13 @@ Spread compareMemory(std::size_t items) {
   return ratiosOf(rounds);
 }
 
-Spread compareSystemCalls() {
-  Workplace place;
-  place.makeReport(ITEMS);
-  place.restore(Report::NOT_DUE);
-  const double ours = countCallsBetweenMarks({SEND_REPORT, std::to_string(ITEMS), place.project()});
-  return spreadOf({ours / countCallsBetweenMarks(floorCommand(place, Report::NOT_DUE))});
-}
-
 }  // namespace
 
 void measureSending(const Take& take) {
   take({"send that is not due, 100 items", "the same opens, reads, one write a file", 1.4,
-        compareWithFloor(Report::NOT_DUE)});
-  take({"its system calls", "the same program's", {}, compareSystemCalls()});
-  take({"send that is due, 100 items", "the same, and system(\"true\")", 1.1, compareWithFloor(Report::DUE)});
+        compareWithBaseline(Report::NOT_DUE)});
+  take({"send that is due, 100 items", "the same, and system(\"true\")", 1.1,
+        compareWithBaseline(Report::DUE)});
   take({"send that is not due, each of 1000000 items", "each of 10000 items", 1.6,
         compareCostOfEachItem(Report::NOT_DUE)});
   take({"send that is due, each of 1000000 items", "each of 10000 items", 1.6,

@@ -26,7 +26,7 @@ Spread ratiosOf(const std::vector<Pair>& rounds) {
   std::vector<double> ratios;
   ratios.reserve(rounds.size());
   for (const Pair& round : rounds) {
-    ratios.push_back(round.ours / round.floor);
+    ratios.push_back(round.ours / round.baseline);
   }
   return spreadOf(ratios);
 }

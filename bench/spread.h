@@ -20,7 +20,7 @@ Spread spreadOf(std::vector<double> values);
 /// What the two sides of one round took, in any unit.
 struct Pair {
   double ours = 0;
-  double floor = 0;
+  double baseline = 0;
 };
 
 /// The spread of the rounds' own ratios: what slows a machine down for a while slows
