@@ -1,4 +1,4 @@
-"""Finds the small faults that can be planted in a source file, from its syntax tree."""
+"""Finds the mutations that can be applied to a source file, from its syntax tree."""
 
 import json
 import random

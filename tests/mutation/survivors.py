@@ -1,4 +1,4 @@
-"""Reads why a fault that nobody notices is none."""
+"""Reads why a mutation that no test notices changes nothing that can be observed."""
 
 import re
 from pathlib import Path

@@ -1,4 +1,4 @@
-"""A copy of the sources in which faults are planted, built and tested."""
+"""A copy of the sources that is mutated, built and tested."""
 
 import os
 import resource
@@ -10,7 +10,7 @@ from pathlib import Path
 
 CONFIGURATION = [
     "-DCMAKE_BUILD_TYPE=Debug",
-    # A fault may well cost a warning, and nobody debugs it.
+    # A mutation may cause a warning, and its build is not debugged.
     "-DCMAKE_CXX_FLAGS=-w",
     "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
     "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
@@ -40,7 +40,7 @@ MEMCHECK = (
 )
 
 # The sweeps that fail or kill a host at each system call are left out: they take
-# minutes, and what they alone would notice is not of the kind that is planted.
+# minutes, and no mutation is of the kind that they alone would notice.
 CHECKS = (
     Check("unit_tests", ("unit_tests",), ("tests/unit_tests",), 90),
     Check("out_of_memory_tests", ("out_of_memory_tests",), ("tests/out_of_memory_tests",), 60),
@@ -87,7 +87,7 @@ DOES_NOT_COMPILE = "does not compile"
 
 
 class Workshop:
-    """Plants one fault at a time; each workshop has a directory of its own."""
+    """Applies one mutation at a time; each workshop has a directory of its own."""
 
     def __init__(self, root, directory):
         self.root = Path(root)
