@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "support/zlib_crc32.h"
 #include "handler/vestra_handler.h"
+#include "support/zlib_crc32.h"
 
 namespace Oza {
 namespace {

@@ -5,11 +5,11 @@
 
 #include <string>
 
-#include "support/stand_in_library.h"
 #include "handler/vestra_handler.h"
 #include "support/files.h"
 #include "support/interposed/clock.h"
 #include "support/scoped_env.h"
+#include "support/stand_in_library.h"
 #include "support/temporary_directory.h"
 #include "support/time_limit.h"
 
