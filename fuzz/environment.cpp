@@ -2,6 +2,7 @@
 // plain fields reaches the report field for field.
 
 #include <algorithm>
+#include <cstdint>
 #include <sstream>
 
 #include "expect.h"

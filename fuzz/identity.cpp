@@ -1,6 +1,7 @@
 // The identity text: it is refused as no number, or what is read can be written and
 // read again.
 
+#include <cstdint>
 #include <limits>
 #include <sstream>
 #include <stdexcept>

@@ -2,6 +2,7 @@
 // input is a line for each: a digit for the section, the key, a tab, the value.
 
 #include <algorithm>
+#include <cstdint>
 #include <sstream>
 
 #include "expect.h"

@@ -2,6 +2,7 @@
 // nor backslashes nor control characters is read as it stands.
 
 #include <algorithm>
+#include <cstdint>
 #include <libconfig.h++>
 
 #include <vestra/vestra_data.h>

@@ -1,6 +1,7 @@
 // The settings text: whatever it holds, each pair that is read can be written and read
 // again.
 
+#include <cstdint>
 #include <sstream>
 
 #include "expect.h"

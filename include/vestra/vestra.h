@@ -4,8 +4,11 @@
 #include <cstdint>
 #include <string>
 
-/// Marks what the shared library offers to its hosts.
+/// Marks what the shared library offers to its hosts. A tool that reads the headers and
+/// does not know attributes defines it before, as nothing.
+#ifndef VESTRA_EXPORT
 #define VESTRA_EXPORT __attribute__((visibility("default")))
+#endif
 
 namespace Oza {
 

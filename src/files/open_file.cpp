@@ -1,7 +1,5 @@
 #include "files/open_file.h"
 
-#include <boost/filesystem/operations.hpp>
-
 namespace Oza {
 
 boost::filesystem::file_status statusOf(const std::string& path) {

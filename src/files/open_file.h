@@ -5,7 +5,7 @@
 #include <locale>
 #include <string>
 
-#include <boost/filesystem/file_status.hpp>
+#include <boost/filesystem/operations.hpp>
 
 namespace Oza {
 

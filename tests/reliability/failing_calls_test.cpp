@@ -68,7 +68,7 @@ class FailingCall : public WatchedHost {
         holds(call.subject, "libqvzcommonvestrasupport.so")) {
       return AnyOf("answer true", "answer false");
     }
-    if (isReportFile(call.subject) && (call.number == SYS_unlink || isStatus(call.number))) {
+    if (isReportFile(call.subject) && (call.number == SYS_unlink || asksForStatus(call.number))) {
       return AnyOf("answer true", FILE_ERROR);
     }
     return "answer true";
@@ -79,18 +79,14 @@ class FailingCall : public WatchedHost {
            path == workplace.inVestraDirectory("tavlo_vestra.log");
   }
 
-  static bool isStatus(long number) {
-    return number == SYS_newfstatat || number == SYS_stat || number == SYS_lstat || number == SYS_statx;
-  }
-
   // An identity file that cannot be opened once, or written, is made anew: that is
   // how a project's identity ends. No other failure touches it.
   void expectNothingLost(const SystemCall& failed) {
     EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""),
                 AnyOf(workplace.settingsBefore(), AllOf(StartsWith(workplace.settingsBefore()),
                                                         MatchesRegex("(.|\n)*RandomID=[0-9a-f-]{36}\n"))));
-    const bool mayLose =
-        failed.subject == workplace.identityFile() && failed.number != SYS_read && !isStatus(failed.number);
+    const bool mayLose = failed.subject == workplace.identityFile() && failed.number != SYS_read &&
+                         !asksForStatus(failed.number);
     if (GetParam().project == Situation::KNOWN_PROJECT && !mayLose) {
       EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
                   MatchesRegex("[0-9]+\n0\n[78]\n0\n" + std::string(KNOWN_PROJECT_ID) + "\n"));

@@ -93,6 +93,10 @@ bool managesMemory(long number) {
          number == SYS_madvise;
 }
 
+bool asksForStatus(long number) {
+  return number == SYS_newfstatat || number == SYS_stat || number == SYS_lstat || number == SYS_statx;
+}
+
 const std::vector<int>& errorsOf(long number) { return lookUp(number).errors; }
 
 }  // namespace vestra_test

@@ -21,6 +21,10 @@ bool isKnown(long number);
 /// Whether it manages memory. A sanitizer ends the process when one of those fails.
 bool managesMemory(long number);
 
+/// Whether it asks for a file's status: which of several calls does is the C library's
+/// choice and Boost's.
+bool asksForStatus(long number);
+
 /// The errors that a machine in trouble gives, as errno values. None for what fails
 /// only when it is called wrongly.
 const std::vector<int>& errorsOf(long number);
