@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cctype>
 
-#include "diagnostic.h"
+#include "design_tool/diagnosis/diagnostic.h"
+#include "design_tool/script/script_evaluation.h"
 #include "expect.h"
 #include "handler/vestra_handler.h"
-#include "script_evaluation.h"
 #include "support/files.h"
 #include "support/stand_in_library.h"
 #include "support/temporary_directory.h"

@@ -7,7 +7,7 @@
 
 #include <vestra/vestra.h>
 
-#include "report.h"
+#include "design_tool/report/report.h"
 
 namespace vestra_fuzz {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <set>
 
-#include "diagnostic.h"
+#include "design_tool/diagnosis/diagnostic.h"
+#include "design_tool/rules/rules.h"
 #include "expect.h"
-#include "rules.h"
 
 // libconfig loses the text that it was reading when it meets an error in a quoted
 // text. The tool ends after one file. The name is LeakSanitizer's.

@@ -1,9 +1,9 @@
-#include "command_line.h"
-
-#include <fmt/format.h>
+#include "design_tool/command_line.h"
 
 #include <map>
 #include <optional>
+
+#include <fmt/format.h>
 
 #include "reading/visible_text.h"
 
@@ -31,7 +31,7 @@ reports it asks for. Nothing is transmitted.
   --version        print the version and exit
 
 Environment:
-  VESTRA_OUTBOX    the outbox when --outbox isn't given
+  VESTRA_OUTBOX    the outbox when --outbox is not given
 
 Exit status: 0 when the reports were written, 1 when the script, its rules or
 a file is at fault, 2 when the command line is.

@@ -29,8 +29,8 @@ using Request = std::variant<RunRequest, ShowRequest, HelpRequest, VersionReques
 /// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show SCRIPT`, or `--help`,
 /// or `--version`.
 ///
-/// \param arguments      without the program's own name
-/// \param default_outbox the outbox when the command line names none; may be null or empty
+/// @param arguments     without the program's own name
+/// @param defaultOutbox the outbox where the command line names none; may be null or empty
 Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox);
 
 /// What `--help` prints.

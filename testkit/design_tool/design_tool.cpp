@@ -1,21 +1,21 @@
-#include "design_tool.h"
-
-#include <fmt/format.h>
+#include "design_tool/design_tool.h"
 
 #include <filesystem>
 #include <ostream>
 
-#include "diagnostic.h"
-#include "html_page.h"
-#include "input_file.h"
-#include "outbox.h"
-#include "pending_file.h"
+#include <fmt/format.h>
+
+#include "design_tool/diagnosis/diagnostic.h"
+#include "design_tool/files/input_file.h"
+#include "design_tool/files/outbox.h"
+#include "design_tool/files/pending_file.h"
+#include "design_tool/pages/html_page.h"
+#include "design_tool/pages/report_record.h"
+#include "design_tool/pages/text_report.h"
+#include "design_tool/pages/xml_report.h"
+#include "design_tool/report/suspicions.h"
+#include "design_tool/rules/rules.h"
 #include "reading/visible_text.h"
-#include "report_record.h"
-#include "rules.h"
-#include "suspicions.h"
-#include "text_report.h"
-#include "xml_report.h"
 
 namespace vestra::design_tool {
 

@@ -1,11 +1,4 @@
-#include "guard.h"
-
-#include <fmt/format.h>
-#include <sys/mman.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "design_tool/guard.h"
 
 #include <cerrno>
 #include <csignal>
@@ -14,10 +7,17 @@
 #include <cstring>
 #include <system_error>
 
-#include "diagnostic.h"
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fmt/format.h>
+
+#include "design_tool/diagnosis/diagnostic.h"
 
 namespace vestra::design_tool {
-
 namespace {
 
 /// The sanitizers reserve far more address space than they use.

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "command_line.h"
-#include "design_tool.h"
-#include "guard.h"
+#include "design_tool/command_line.h"
+#include "design_tool/design_tool.h"
+#include "design_tool/guard.h"
 
 namespace {
 

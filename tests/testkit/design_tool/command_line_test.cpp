@@ -1,4 +1,4 @@
-#include "command_line.h"
+#include "design_tool/command_line.h"
 
 #include <gtest/gtest.h>
 
@@ -48,7 +48,7 @@ TEST(CommandLine, AScriptIsShownByItself) {
   EXPECT_EQ(errorFor({"--show", "s.tcl", "-mode", "batch"}), "--show goes with nothing else");
 }
 
-TEST(CommandLine, WhatIsWrongIsNamed) {
+TEST(CommandLine, AnErrorOfTheCommandLineIsNamed) {
   EXPECT_EQ(errorFor({}), "-mode is missing");
   EXPECT_EQ(errorFor({"-mode", "batch"}), "-source is missing");
   EXPECT_EQ(errorFor({"-mode", "gui", "-source", "s"}), "there is no mode \"gui\", only \"batch\"");

@@ -1,14 +1,14 @@
-#include "design_tool.h"
+#include "design_tool/design_tool.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "golden.h"
-#include "script_text.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
+#include "testkit/design_tool/golden.h"
+#include "testkit/design_tool/script/script_text.h"
 
 namespace vestra::design_tool {
 namespace {
@@ -24,110 +24,111 @@ using vestra_test::writeFile;
 class DesignTool : public testing::Test {
  protected:
   DesignTool() {
-    writeFile(script_, goldenIn(directory_.path(), "kelvo_vestra.tcl"));
-    writeFile(wdm_, goldenIn(directory_.path(), "usage_statistics_ext_kelvo.wdm"));
+    writeFile(scriptFile, goldenIn(directory.path(), "kelvo_vestra.tcl"));
+    writeFile(wdmFile, goldenIn(directory.path(), "usage_statistics_ext_kelvo.wdm"));
   }
 
-  int start(const std::string& outbox = "") { return runDesignTool({script_, outbox}, out_, err_); }
+  int start(const std::string& outbox = "") { return runDesignTool({scriptFile, outbox}, out, err); }
 
-  std::string vestra(const std::string& name) const { return directory_ / ("vestra/" + name); }
+  std::string vestra(const std::string& name) const { return directory / ("vestra/" + name); }
 
-  const vestra_test::TemporaryDirectory directory_;
-  const std::string script_ = vestra("kelvo_vestra.tcl");
-  const std::string wdm_ = vestra("usage_statistics_ext_kelvo.wdm");
-  const std::string xml_ = vestra("usage_statistics_ext_kelvo.xml");
-  const std::string html_ = vestra("usage_statistics_ext_kelvo.html");
-  std::ostringstream out_;
-  std::ostringstream err_;
+  const vestra_test::TemporaryDirectory directory;
+  const std::string scriptFile = vestra("kelvo_vestra.tcl");
+  const std::string wdmFile = vestra("usage_statistics_ext_kelvo.wdm");
+  const std::string xmlFile = vestra("usage_statistics_ext_kelvo.xml");
+  const std::string htmlFile = vestra("usage_statistics_ext_kelvo.html");
+  std::ostringstream out;
+  std::ostringstream err;
 };
 
-TEST_F(DesignTool, WritesBothReportsAndSaysSo) {
+TEST_F(DesignTool, ARunWritesBothReportsAndSaysSo) {
   EXPECT_EQ(start(), 0);
-  EXPECT_EQ(readFile(xml_), goldenIn(directory_.path(), "usage_statistics_ext_kelvo.xml"));
-  EXPECT_EQ(readFile(html_), goldenIn(directory_.path(), "usage_statistics_ext_kelvo.html"));
-  EXPECT_EQ(out_.str(), "vestra-design-tool: read 26 items from " + script_ + "\n" +
-                            "vestra-design-tool: read 4 rules from " + wdm_ + "\n" +
-                            "vestra-design-tool: wrote " + xml_ + "\n" + "vestra-design-tool: wrote " +
-                            html_ + "\n" +
-                            "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
-  EXPECT_EQ(err_.str(), "");
+  EXPECT_EQ(readFile(xmlFile), goldenIn(directory.path(), "usage_statistics_ext_kelvo.xml"));
+  EXPECT_EQ(readFile(htmlFile), goldenIn(directory.path(), "usage_statistics_ext_kelvo.html"));
+  EXPECT_EQ(out.str(), "vestra-design-tool: read 26 items from " + scriptFile + "\n" +
+                           "vestra-design-tool: read 4 rules from " + wdmFile + "\n" +
+                           "vestra-design-tool: wrote " + xmlFile + "\n" + "vestra-design-tool: wrote " +
+                           htmlFile + "\n" +
+                           "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
+  EXPECT_EQ(err.str(), "");
 }
 
-TEST_F(DesignTool, KeepsACopyInTheOutbox) {
-  EXPECT_EQ(start(directory_ / "outbox"), 0);
-  const std::string folder = directory_ / "outbox/0001-kelvo";
+TEST_F(DesignTool, ARunKeepsACopyInTheOutbox) {
+  EXPECT_EQ(start(directory / "outbox"), 0);
+  const std::string folder = directory / "outbox/0001-kelvo";
   EXPECT_THAT(namesIn(folder),
               ElementsAre("kelvo_vestra.tcl", "report.json", "usage_statistics_ext_kelvo.html",
                           "usage_statistics_ext_kelvo.wdm", "usage_statistics_ext_kelvo.xml"));
-  EXPECT_EQ(readFile(folder + "/kelvo_vestra.tcl"), readFile(script_));
-  EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.wdm"), readFile(wdm_));
-  EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.xml"), readFile(xml_));
-  EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.html"), readFile(html_));
-  EXPECT_THAT(out_.str(), HasSubstr("vestra-design-tool: kept a copy in " + folder + "\n"));
+  EXPECT_EQ(readFile(folder + "/kelvo_vestra.tcl"), readFile(scriptFile));
+  EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.wdm"), readFile(wdmFile));
+  EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.xml"), readFile(xmlFile));
+  EXPECT_EQ(readFile(folder + "/usage_statistics_ext_kelvo.html"), readFile(htmlFile));
+  EXPECT_THAT(out.str(), HasSubstr("vestra-design-tool: kept a copy in " + folder + "\n"));
 }
 
-TEST_F(DesignTool, WarnsAndGoesOn) {
-  std::string script = readFile(script_);
+TEST_F(DesignTool, AWarningDoesNotEndTheRun) {
+  std::string script = readFile(scriptFile);
   script.insert(script.find("vestra_transmit"), addData("tavlo", "k", "C:\\temp", "tavlo\\\\usage"));
-  writeFile(script_, script);
-  EXPECT_EQ(start(directory_ / "outbox"), 0);
-  EXPECT_EQ(err_.str(),
-            script_ + ":30: warning: Tcl has changed the value: \"C:\\temp\" became \"C:\\x09emp\"\n" +
-                script_ + ":30: warning: client \"tavlo\" has data but was never registered\n" + script_ +
-                ":30: warning: context \"tavlo\\usage\" of client \"tavlo\" has no rule\n");
-  EXPECT_THAT(readFile(directory_ / "outbox/0001-kelvo/report.json"),
-              HasSubstr(script_ + ":30: warning: client \\\"tavlo\\\" has data but was never registered\""));
+  writeFile(scriptFile, script);
+  EXPECT_EQ(start(directory / "outbox"), 0);
+  EXPECT_EQ(err.str(),
+            scriptFile + ":30: warning: Tcl has changed the value: \"C:\\temp\" became \"C:\\x09emp\"\n" +
+                scriptFile + ":30: warning: client \"tavlo\" has data but was never registered\n" +
+                scriptFile + ":30: warning: context \"tavlo\\usage\" of client \"tavlo\" has no rule\n");
+  EXPECT_THAT(
+      readFile(directory / "outbox/0001-kelvo/report.json"),
+      HasSubstr(scriptFile + ":30: warning: client \\\"tavlo\\\" has data but was never registered\""));
 }
 
-TEST_F(DesignTool, WritesNothingWhenTheScriptIsWrong) {
-  writeFile(script_, "vestra_terminate\n");
-  EXPECT_EQ(start(directory_ / "outbox"), 1);
-  EXPECT_EQ(out_.str(), "");
-  EXPECT_EQ(err_.str(), script_ + ":1: vestra_terminate comes before vestra_init\n" +
-                            "    vestra_terminate\n"
-                            "    ^~~~~~~~~~~~~~~~\n");
-  EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory_ / "vestra"),
+TEST_F(DesignTool, AWrongScriptHasNothingWritten) {
+  writeFile(scriptFile, "vestra_terminate\n");
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(err.str(), scriptFile + ":1: vestra_terminate comes before vestra_init\n" +
+                           "    vestra_terminate\n"
+                           "    ^~~~~~~~~~~~~~~~\n");
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
+  EXPECT_THAT(namesIn(directory / "vestra"),
               ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
-TEST_F(DesignTool, WritesNothingWhenTheRulesAreWrong) {
-  writeFile(wdm_, "version = \"1.0\";\nclients = 1\n;");
-  EXPECT_EQ(start(directory_ / "outbox"), 1);
-  EXPECT_EQ(err_.str(), wdm_ + ":2: setting clients is not a list in parentheses\n" +
-                            "    clients = 1\n"
-                            "    ^\n");
-  EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory_ / "vestra"),
+TEST_F(DesignTool, WrongRulesHaveNothingWritten) {
+  writeFile(wdmFile, "version = \"1.0\";\nclients = 1\n;");
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(err.str(), wdmFile + ":2: setting clients is not a list in parentheses\n" +
+                           "    clients = 1\n"
+                           "    ^\n");
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
+  EXPECT_THAT(namesIn(directory / "vestra"),
               ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
-TEST_F(DesignTool, WritesNothingWhenOneReportCantBeWritten) {
-  std::string script = goldenIn(directory_.path(), "kelvo_vestra.tcl");
-  script.replace(script.find(html_), html_.size(), directory_ / "none/page.html");
-  writeFile(script_, script);
-  EXPECT_EQ(start(directory_ / "outbox"), 1);
-  EXPECT_EQ(err_.str(), directory_ / "none/page.html: can't be written: No such file or directory\n");
-  EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory_ / "vestra"),
+TEST_F(DesignTool, AReportThatCannotBeWrittenHasNothingWritten) {
+  std::string script = goldenIn(directory.path(), "kelvo_vestra.tcl");
+  script.replace(script.find(htmlFile), htmlFile.size(), directory / "none/page.html");
+  writeFile(scriptFile, script);
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(err.str(), directory / "none/page.html: cannot be written: No such file or directory\n");
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
+  EXPECT_THAT(namesIn(directory / "vestra"),
               ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
-TEST_F(DesignTool, WritesNoReportWhenTheOutboxCantBeWritten) {
-  writeFile(directory_ / "outbox", "a file");
-  EXPECT_EQ(start(directory_ / "outbox"), 1);
-  EXPECT_EQ(err_.str(), directory_ / "outbox: the outbox can't be made: Not a directory\n");
-  EXPECT_THAT(namesIn(directory_ / "vestra"),
+TEST_F(DesignTool, AnOutboxThatCannotBeWrittenHasNoReportWritten) {
+  writeFile(directory / "outbox", "a file");
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(err.str(), directory / "outbox: the outbox cannot be made: Not a directory\n");
+  EXPECT_THAT(namesIn(directory / "vestra"),
               ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
 }
 
 TEST_F(DesignTool, AMissingScriptOrRulesFileIsNamed) {
-  std::ostringstream err;
-  EXPECT_EQ(runDesignTool({vestra("none.tcl"), ""}, out_, err), 1);
-  EXPECT_EQ(err.str(), vestra("none.tcl") + ": can't be read: No such file or directory\n");
-  std::remove(wdm_.c_str());
+  std::ostringstream unread;
+  EXPECT_EQ(runDesignTool({vestra("none.tcl"), ""}, out, unread), 1);
+  EXPECT_EQ(unread.str(), vestra("none.tcl") + ": cannot be read: No such file or directory\n");
+  std::remove(wdmFile.c_str());
   EXPECT_EQ(start(), 1);
-  EXPECT_EQ(err_.str(), wdm_ + ": can't be read: No such file or directory\n");
+  EXPECT_EQ(err.str(), wdmFile + ": cannot be read: No such file or directory\n");
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "golden.h"
-#include "sanitizers.h"
-#include "script_text.h"
 #include "support/files.h"
 #include "support/process.h"
 #include "support/temporary_directory.h"
+#include "testkit/design_tool/golden.h"
+#include "testkit/design_tool/sanitizers.h"
+#include "testkit/design_tool/script/script_text.h"
 
 namespace vestra::design_tool {
 namespace {
@@ -26,29 +26,29 @@ using vestra_test::writeFile;
 class Executable : public testing::Test {
  protected:
   Executable() {
-    writeFile(directory_ / "vestra/s.tcl", goldenIn(directory_.path(), "kelvo_vestra.tcl"));
-    writeFile(directory_ / "vestra/usage_statistics_ext_kelvo.wdm", golden("usage_statistics_ext_kelvo.wdm"));
+    writeFile(directory / "vestra/s.tcl", goldenIn(directory.path(), "kelvo_vestra.tcl"));
+    writeFile(directory / "vestra/usage_statistics_ext_kelvo.wdm", golden("usage_statistics_ext_kelvo.wdm"));
   }
 
   Outcome start(const std::vector<std::string>& arguments,
                 const std::vector<std::string>& environment = {}) const {
     std::vector<std::string> words{VESTRA_DESIGN_TOOL};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    return vestra_test::run(words, environment, directory_.path());
+    return vestra_test::run(words, environment, directory.path());
   }
 
   Outcome startOn(const std::string& script) const {
-    writeFile(directory_ / "vestra/s.tcl", script);
+    writeFile(directory / "vestra/s.tcl", script);
     return start({"-mode", "batch", "-source", "vestra/s.tcl", "-notrace"});
   }
 
-  const vestra_test::TemporaryDirectory directory_;
+  const vestra_test::TemporaryDirectory directory;
 };
 
-TEST_F(Executable, RunsAsTheRealOneIsStarted) {
+TEST_F(Executable, TheToolRunsAsTheRealOneIsStarted) {
   const Outcome outcome = start({"-mode", "batch", "-source", "vestra/s.tcl", "-notrace"});
   EXPECT_EQ(outcome.status, 0);
-  const std::string vestra = directory_ / "vestra/usage_statistics_ext_kelvo";
+  const std::string vestra = directory / "vestra/usage_statistics_ext_kelvo";
   EXPECT_EQ(outcome.out,
             "vestra-design-tool: read 26 items from vestra/s.tcl\n"
             "vestra-design-tool: read 4 rules from " +
@@ -59,7 +59,7 @@ TEST_F(Executable, RunsAsTheRealOneIsStarted) {
 }
 
 TEST_F(Executable, PathsInTheScriptAreAgainstTheWorkingDirectory) {
-  writeFile(directory_ / "r.wdm", "version = \"1.0\"; clients = ();");
+  writeFile(directory / "r.wdm", "version = \"1.0\"; clients = ();");
   const Outcome outcome = startOn(
       "vestra_init -vestra_dir .\n"
       "vestra_transmit -clientid 1 -regid R -xml r.xml -html r.html -wdm r.wdm -intro I\n"
@@ -71,31 +71,31 @@ TEST_F(Executable, PathsInTheScriptAreAgainstTheWorkingDirectory) {
             "vestra-design-tool: wrote r.xml\n"
             "vestra-design-tool: wrote r.html\n"
             "vestra-design-tool: report 1 is complete; nothing was transmitted\n");
-  EXPECT_THAT(namesIn(directory_.path()), ElementsAre("r.html", "r.wdm", "r.xml", "vestra"));
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("r.html", "r.wdm", "r.xml", "vestra"));
 }
 
 TEST_F(Executable, TheOutboxIsTakenFromTheCommandLineOrTheEnvironment) {
   EXPECT_EQ(
-      start({"-mode", "batch", "-source", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory_ / "a")}).status,
-      0);
-  EXPECT_THAT(namesIn(directory_ / "a"), ElementsAre("0001-kelvo"));
+      start({"-mode", "batch", "-source", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory / "a")}).status, 0);
+  EXPECT_THAT(namesIn(directory / "a"), ElementsAre("0001-kelvo"));
   EXPECT_EQ(start({"-mode", "batch", "-source", "vestra/s.tcl", "--outbox", "b"},
-                  {"VESTRA_OUTBOX=" + (directory_ / "a")})
+                  {"VESTRA_OUTBOX=" + (directory / "a")})
                 .status,
             0);
-  EXPECT_THAT(namesIn(directory_ / "a"), ElementsAre("0001-kelvo"));
-  EXPECT_THAT(namesIn(directory_ / "b"), ElementsAre("0001-kelvo"));
+  EXPECT_THAT(namesIn(directory / "a"), ElementsAre("0001-kelvo"));
+  EXPECT_THAT(namesIn(directory / "b"), ElementsAre("0001-kelvo"));
 }
 
 TEST_F(Executable, EveryByteReachesTheRecord) {
   std::string bytes;
   for (int value = 0; value < 256; ++value) {
-    if (std::string("\"\\$[").find(static_cast<char>(value)) == std::string::npos)
+    if (std::string("\"\\$[").find(static_cast<char>(value)) == std::string::npos) {
       bytes += static_cast<char>(value);
+    }
   }
-  std::string script = readFile(directory_ / "vestra/s.tcl");
+  std::string script = readFile(directory / "vestra/s.tcl");
   script.insert(script.find("vestra_transmit"), addData("kelvo", "bytes", bytes, "kelvo\\\\usage"));
-  writeFile(directory_ / "vestra/s.tcl", script);
+  writeFile(directory / "vestra/s.tcl", script);
   const Outcome outcome = start({"-mode", "batch", "-source", "vestra/s.tcl", "--outbox", "o"});
   ASSERT_EQ(outcome.status, 0) << outcome.err;
   std::string hex;
@@ -104,19 +104,19 @@ TEST_F(Executable, EveryByteReachesTheRecord) {
     hex += digits[static_cast<unsigned char>(byte) >> 4];
     hex += digits[static_cast<unsigned char>(byte) & 15];
   }
-  const auto record = nlohmann::json::parse(readFile(directory_ / "o/0001-kelvo/report.json"));
+  const auto record = nlohmann::json::parse(readFile(directory / "o/0001-kelvo/report.json"));
   EXPECT_EQ(record["items"].back()["value"]["hex"], hex);
-  EXPECT_EQ(readFile(directory_ / "o/0001-kelvo/s.tcl"), script);
+  EXPECT_EQ(readFile(directory / "o/0001-kelvo/s.tcl"), script);
 }
 
-TEST_F(Executable, ShowsAScriptAndWritesNothing) {
-  const Outcome outcome = start({"--show", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory_ / "o")});
+TEST_F(Executable, AScriptIsShownAndNothingIsWritten) {
+  const Outcome outcome = start({"--show", "vestra/s.tcl"}, {"VESTRA_OUTBOX=" + (directory / "o")});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out, testing::HasSubstr("\n  kelvo\\usage (kelvo)\n"));
   EXPECT_EQ(outcome.err, "");
-  EXPECT_FALSE(vestra_test::exists(directory_ / "vestra/usage_statistics_ext_kelvo.xml"));
-  EXPECT_FALSE(vestra_test::exists(directory_ / "o"));
-  writeFile(directory_ / "bad.tcl", "exec true\n");
+  EXPECT_FALSE(vestra_test::exists(directory / "vestra/usage_statistics_ext_kelvo.xml"));
+  EXPECT_FALSE(vestra_test::exists(directory / "o"));
+  writeFile(directory / "bad.tcl", "exec true\n");
   EXPECT_EQ(start({"--show", "bad.tcl"}).status, 1);
   EXPECT_EQ(start({"--show", "bad.tcl"}).err,
             "bad.tcl:1: invalid command name \"exec\"\n"
@@ -154,12 +154,13 @@ TEST_F(Executable, AnErrorInTheScriptIsStatusOne) {
             "vestra/s.tcl:2: invalid command name \"exec\"\n"
             "    exec touch hacked\n"
             "    ^~~~\n");
-  EXPECT_THAT(namesIn(directory_.path()), ElementsAre("vestra"));
+  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
 }
 
 TEST_F(Executable, AnInterpreterThatDiesIsReportedWithItsLine) {
-  if (IS_SANITIZED)
+  if (IS_SANITIZED) {
     GTEST_SKIP() << "the sanitizer reports an exhausted stack before the system does";
+  }
   const Outcome outcome = startOn(
       "set x {}\nset i 0\n"
       "while {$i < 1000000} {set x [list $x]; incr i}\n"
@@ -170,8 +171,9 @@ TEST_F(Executable, AnInterpreterThatDiesIsReportedWithItsLine) {
 }
 
 TEST_F(Executable, ATextThatOutgrowsTheInterpreterIsReportedWithItsLine) {
-  if (IS_SANITIZED)
+  if (IS_SANITIZED) {
     GTEST_SKIP() << "takes gigabytes under the sanitizer";
+  }
   const Outcome outcome = startOn("set x ab\nwhile 1 {append x $x}\n");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.err,
@@ -180,10 +182,11 @@ TEST_F(Executable, ATextThatOutgrowsTheInterpreterIsReportedWithItsLine) {
 
 TEST_F(Executable, ALargeReportPasses) {
   constexpr int ITEMS = IS_SANITIZED ? 20'000 : 200'000;
-  std::string script = goldenIn(directory_.path(), "kelvo_vestra.tcl");
+  std::string script = goldenIn(directory.path(), "kelvo_vestra.tcl");
   std::string lines;
-  for (int i = 0; i < ITEMS; ++i)
+  for (int i = 0; i < ITEMS; ++i) {
     lines += addData("kelvo", "k" + std::to_string(i), "value", "kelvo\\\\usage");
+  }
   const Outcome outcome = startOn(script.insert(script.find("vestra_transmit"), lines));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out,

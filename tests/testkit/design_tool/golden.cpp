@@ -1,4 +1,4 @@
-#include "golden.h"
+#include "testkit/design_tool/golden.h"
 
 #include "support/files.h"
 

@@ -24,11 +24,11 @@ std::string contentOf(const std::string& text) {
   return text.substr(content.begin, content.length);
 }
 
-TEST(TclCommand, ItsWordsKeepTheirQuotesAndBraces) {
+TEST(TclCommand, WordsOfACommandKeepTheirQuotesAndBraces) {
   EXPECT_THAT(wordsOf("set a \"b c\" {d e}\n"), ElementsAre("set", "a", "\"b c\"", "{d e}"));
 }
 
-TEST(TclCommand, TheNextOneBeginsWhereItEnds) {
+TEST(TclCommand, ACommandBeginsWhereTheOneBeforeEnds) {
   const std::string text = "first 1\n# between\n\nsecond 2; third 3";
   const std::size_t second = parseTclCommand(text, 0).end();
   EXPECT_THAT(wordsOf(text, second), ElementsAre("second", "2"));
@@ -55,7 +55,7 @@ TEST(TclCommand, AWordWithoutSubstitutionIsLiteral) {
   EXPECT_FALSE(onlyWord("a\\n").isLiteral);
 }
 
-TEST(TclCommand, SubstitutionsAreTold) {
+TEST(TclCommand, SubstitutionsInAWordAreTold) {
   EXPECT_TRUE(onlyWord("a$b").readsVariable);
   EXPECT_TRUE(onlyWord("\"a[b]\"").runsCommand);
   EXPECT_TRUE(onlyWord("{*}$b").isExpanded);
@@ -74,7 +74,7 @@ std::string errorIn(const std::string& text, Cause cause, std::size_t position) 
   }
 }
 
-TEST(TclCommand, ATextThatIsNoneSaysWhyAndWhere) {
+TEST(TclCommand, ATextThatIsNoCommandSaysWhyAndWhere) {
   EXPECT_EQ(errorIn("a \"b\"c", Cause::Quote, 5), "extra characters after close-quote");
   EXPECT_EQ(errorIn("a \"b", Cause::Quote, 2), "missing \"");
   EXPECT_EQ(errorIn("a {b}c", Cause::Brace, 5), "extra characters after close-brace");

@@ -5,14 +5,15 @@
 namespace vestra::reading {
 namespace {
 
-TEST(TclText, EveryByteComesBack) {
+TEST(TclText, EveryByteComesBackFromTclText) {
   std::string bytes;
-  for (int value = 0; value < 256; ++value)
+  for (int value = 0; value < 256; ++value) {
     bytes += static_cast<char>(value);
+  }
   EXPECT_EQ(toBytes(toTclText(bytes)), bytes);
 }
 
-TEST(TclText, NulAndHighBytesTakeTwo) {
+TEST(TclText, NulAndHighBytesTakeTwoBytesOfTclText) {
   EXPECT_EQ(toTclText(std::string("\0\x7F\x80\xFF", 4)), "\xC0\x80\x7F\xC2\x80\xC3\xBF");
 }
 

@@ -18,14 +18,14 @@ TEST(VisibleText, XmlHoldsNoOtherControlCharacterNoNonCharacterAndNoStrayByte) {
   }
 }
 
-TEST(VisibleText, EscapedForXmlCanBeUndone) {
+TEST(VisibleText, EscapingForXmlCanBeUndone) {
   EXPECT_EQ(escapedForXml("a\\x07\x07\xFF\xEF\xBF\xBE"
                           "b\n"),
             "a\\\\x07\\x07\\xff\\xef\\xbf\\xbe"
             "b\n");
 }
 
-TEST(VisibleText, ATerminalGetsNothingItWouldObey) {
+TEST(VisibleText, ATerminalGetsNothingThatItWouldObey) {
   EXPECT_EQ(forTerminal("\x1B[31mred\a\n\t\x7F\xC2\x9B caf\xC3\xA9 \xFF"),
             "\\x1b[31mred\\x07\\x0a\\x09\\x7f\\xc2\\x9b caf\xC3\xA9 \\xff");
 }

@@ -35,7 +35,7 @@ std::string scriptOf(const std::string& items) { return INIT + items + TRANSMIT;
 
 std::vector<WrittenItem> itemsIn(const std::string& items) { return itemsWrittenIn(scriptOf(items)); }
 
-TEST(WrittenItems, EachHasItsTextsAndItsLine) {
+TEST(WrittenItems, AWrittenItemHasItsTextsAndItsLine) {
   EXPECT_THAT(
       itemsIn(added("a", "1") + added("b", "two\nlines") + added("c", "", "project", "user_environment")),
       ElementsAre(WrittenItem{"kelvo", "kelvo\\usage", "a", "1", 2},
@@ -67,7 +67,7 @@ TEST(WrittenItems, AScriptThatIsCutKeepsThoseThatAreWhole) {
   EXPECT_THAT(itemsWrittenIn(""), IsEmpty());
 }
 
-TEST(WrittenItems, AnUnknownClientOrContextHasNone) {
+TEST(WrittenItems, AnUnknownClientOrContextHasNoItems) {
   EXPECT_THAT(itemsIn(added("k", "v", "other")), IsEmpty());
   EXPECT_THAT(itemsIn(added("k", "v", "tavlo", "kelvo\\\\usage")), IsEmpty());
 }
@@ -85,7 +85,7 @@ double secondsToRead(const std::string& script) {
   return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-TEST(WrittenItems, AHundredThousandAreReadInLittleTimeHoweverTheyAreDamaged) {
+TEST(WrittenItems, AHundredThousandItemsAreReadInLittleTimeHoweverTheyAreDamaged) {
   std::string whole;
   std::string withoutEnd;
   std::string withoutValue;

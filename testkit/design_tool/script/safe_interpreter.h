@@ -1,0 +1,44 @@
+#ifndef VESTRA_DESIGN_TOOL_SAFE_INTERPRETER_H
+#define VESTRA_DESIGN_TOOL_SAFE_INTERPRETER_H
+
+#include <memory>
+#include <string>
+
+#include <tcl.h>
+
+#include "design_tool/script/script_limits.h"
+
+namespace vestra::design_tool {
+
+/// An interpreter that can compute and nothing else: no files, channels, processes, sockets, packages,
+/// events, other interpreters or namespaces, and no library of its own on disk.
+class SafeInterpreter {
+ public:
+  explicit SafeInterpreter(const Limits& scriptLimits);
+
+  Tcl_Interp* get() const { return interpreter.get(); }
+
+  /// Gives the next command its time.
+  void restartClock();
+
+  /// Whether a limit has stopped the script, and which, in words; empty where none has.
+  std::string exceededLimit() const;
+
+  /// The interpreter's result, as the bytes it stands for.
+  std::string result() const;
+
+ private:
+  struct Deleter {
+    void operator()(Tcl_Interp* interpreter) const { Tcl_DeleteInterp(interpreter); }
+  };
+
+  void keepOnlyComputation();
+  void limitCommands();
+
+  std::unique_ptr<Tcl_Interp, Deleter> interpreter;
+  Limits limits;
+};
+
+}  // namespace vestra::design_tool
+
+#endif

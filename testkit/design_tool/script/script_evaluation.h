@@ -1,0 +1,29 @@
+#ifndef VESTRA_DESIGN_TOOL_SCRIPT_EVALUATION_H
+#define VESTRA_DESIGN_TOOL_SCRIPT_EVALUATION_H
+
+#include <string>
+#include <string_view>
+
+#include "design_tool/report/report.h"
+#include "design_tool/script/script_limits.h"
+
+namespace vestra::design_tool {
+
+/// Called with the number of each line on which a command is about to run, for a process that outlives the
+/// interpreter.
+using LineObserver = void (*)(std::size_t line);
+
+/// Runs a report script and gives back what it said.
+///
+/// @param file     the script's name, for messages
+/// @param bytes    its content, read as bytes: the report gets them unchanged, NUL included
+/// @param limits   end a script that goes on for ever
+/// @param observer may be null
+/// @throws DiagnosedError for all that the interpreter or the protocol refuses. The first error ends the
+///                        run; an error against the protocol cannot be caught by the script.
+Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits = {},
+                      LineObserver observer = nullptr);
+
+}  // namespace vestra::design_tool
+
+#endif

@@ -1,0 +1,95 @@
+#include "design_tool/pages/xml_report.h"
+
+#include <gtest/gtest.h>
+
+#include <pugixml.hpp>
+
+#include "design_tool/script/script_evaluation.h"
+#include "support/files.h"
+#include "support/process.h"
+#include "support/temporary_directory.h"
+#include "testkit/design_tool/script/script_text.h"
+
+namespace vestra::design_tool {
+namespace {
+
+const Rule USAGE{"kelvo", "kelvo\\usage", "mapped\\usage", "html", HtmlStyle::Statistics};
+
+/// The document as another program reads it.
+pugi::xml_document parsed(const std::string& xml) {
+  pugi::xml_document document;
+  EXPECT_TRUE(document.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_ws_pcdata));
+  return document;
+}
+
+Report reportWith(const std::vector<Item>& items) {
+  Report report;
+  report.sections = {{"kelvo", "kelvo\\usage"}};
+  report.items = items;
+  return report;
+}
+
+TEST(XmlReport, AnItemStandsInTheSectionThatItsRuleNames) {
+  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {USAGE}));
+  const pugi::xml_node section = document.child("usage_statistics").child("section");
+  EXPECT_STREQ(section.attribute("client").value(), "kelvo");
+  EXPECT_STREQ(section.attribute("context").value(), "kelvo\\usage");
+  EXPECT_STREQ(section.attribute("name").value(), "mapped\\usage");
+  EXPECT_STREQ(section.child("item").attribute("key").value(), "runs");
+  EXPECT_STREQ(section.child("item").child_value(), "2");
+}
+
+TEST(XmlReport, ASectionWithoutARuleHasNoName) {
+  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {}));
+  const pugi::xml_node section = document.child("usage_statistics").child("section");
+  EXPECT_STREQ(section.attribute("context").value(), "kelvo\\usage");
+  EXPECT_FALSE(section.attribute("name"));
+}
+
+TEST(XmlReport, ARuleWithoutDataHasAnEmptySection) {
+  const auto document = parsed(renderXml(Report(), {USAGE}));
+  EXPECT_TRUE(document.child("usage_statistics").child("section"));
+  EXPECT_FALSE(document.child("usage_statistics").child("section").child("item"));
+}
+
+TEST(XmlReport, MarkupWhiteSpaceAndLineFeedsComeBackExactly) {
+  const std::string text = " <a href=\"x\">&amp; 'q'</a>\t]]> \n\n end\n ";
+  const auto document = parsed(renderXml(reportWith({{0, text, text, 3}}), {USAGE}));
+  const pugi::xml_node item = document.child("usage_statistics").child("section").child("item");
+  EXPECT_EQ(item.attribute("key").value(), text);
+  EXPECT_EQ(item.child_value(), text);
+  EXPECT_FALSE(item.attribute("escaped"));
+}
+
+TEST(XmlReport, BytesThatXmlCannotHoldAreVisibleAndMarked) {
+  const auto document =
+      parsed(renderXml(reportWith({{0, "k\x01", "a\\" + std::string("\0\xFF\r", 3), 3}}), {USAGE}));
+  const pugi::xml_node item = document.child("usage_statistics").child("section").child("item");
+  EXPECT_STREQ(item.attribute("key").value(), "k\\x01");
+  EXPECT_STREQ(item.child_value(), "a\\\\\\x00\\xff\\x0d");
+  EXPECT_STREQ(item.attribute("escaped").value(), "key text");
+}
+
+TEST(XmlReport, EveryByteInEveryPlaceIsWellFormedForAnotherParser) {
+  if (!vestra_test::isInstalled("xmllint")) {
+    GTEST_SKIP() << "xmllint (Debian package libxml2-utils) is not installed";
+  }
+  std::string bytes;
+  for (int value = 0; value < 256; ++value) {
+    bytes += static_cast<char>(value);
+  }
+  Report report = reportWith({{0, bytes, bytes, 3}});
+  report.vestraDir = report.transmission.intro = report.transmission.registrationId = bytes;
+  report.registrations = {{bytes, 2}};
+  report.sections = {{bytes, bytes}};
+  Rule rule{bytes, bytes, bytes, bytes, HtmlStyle::Statistics};
+  const vestra_test::TemporaryDirectory directory;
+  for (const std::vector<Rule>& rules : {std::vector<Rule>{}, {rule}}) {
+    vestra_test::writeFile(directory / "r.xml", renderXml(report, rules));
+    const vestra_test::Outcome outcome = vestra_test::run({"xmllint", "--noout", directory / "r.xml"});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+  }
+}
+
+}  // namespace
+}  // namespace vestra::design_tool
