@@ -12,7 +12,7 @@ set(for_each_item
   data/item_renderer.cpp
   data/vestra_add_data.cpp
   handler/vestra_handler_items.cpp
-  interface/vestra_add.cpp)
+  interface/vestra.cpp)
 set(tuned vestra_objects)
 if(TARGET vestra_private_boost)
   list(APPEND tuned vestra_private_boost)

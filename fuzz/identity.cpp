@@ -7,20 +7,12 @@
 #include <stdexcept>
 
 #include "expect.h"
-#include "identity/vestra_project_info.h"
+#include "identity/project_identity.h"
 
 using Oza::ProjectIdentity;
 using vestra_fuzz::expect;
 
 namespace {
-
-std::string textOf(const ProjectIdentity& identity) {
-  std::string text;
-  for (const std::string& line : Oza::formatProjectIdentity(identity)) {
-    text += line + "\n";
-  }
-  return text;
-}
 
 // Kept unsigned, read signed: a negative iteration comes back as a number too large.
 bool canBeReadAgain(const ProjectIdentity& identity) {
@@ -39,12 +31,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } catch (const std::out_of_range&) {
     return 0;
   }
-  Oza::isReportDue(1542786245, identity.lastSendTimeDefault);
+  Oza::isReportDue(identity, Oza::Vestra::KELVO, 1542786245);
   if (canBeReadAgain(identity)) {
-    std::istringstream again(textOf(identity));
+    std::istringstream again(Oza::formatProjectIdentity(identity));
     ProjectIdentity readAgain;
     Oza::readProjectIdentity(again, readAgain);
-    expect(textOf(readAgain) == textOf(identity), "what was read can be written and read again");
+    expect(Oza::formatProjectIdentity(readAgain) == Oza::formatProjectIdentity(identity),
+           "what was read can be written and read again");
   }
   return 0;
 }

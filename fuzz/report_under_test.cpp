@@ -2,29 +2,64 @@
 
 #include <algorithm>
 #include <cctype>
+#include <memory>
 
+#include "data/contexts.h"
+#include "data/crc32.h"
 #include "design_tool/diagnosis/diagnostic.h"
 #include "design_tool/script/script_evaluation.h"
-#include "expect.h"
-#include "handler/vestra_handler.h"
-#include "support/files.h"
-#include "support/stand_in_library.h"
-#include "support/temporary_directory.h"
+#include "handler/product_profile.h"
+#include "handler/project_facts.h"
+#include "handler/report_script.h"
+#include "identity/environment_pairs.h"
 
 namespace vestra_fuzz {
+namespace {
+
+/// The six contexts of a report.
+class Contexts {
+ public:
+  Contexts() {
+    for (const Oza::ContextProfile& profile : Oza::CONTEXTS) {
+      contexts.push_back(
+          std::make_unique<Oza::VestraParentData>(profile.path, profile.client, profile.userEnvStyle));
+    }
+  }
+
+  Oza::VestraParentData& at(Oza::Vestra::SectionType section) { return *contexts.at(section); }
+
+  void add(const std::string& key, const std::string& value, Oza::Vestra::SectionType section) {
+    at(section).addChild(std::make_unique<Oza::VestraAddData>(key, value, &at(section)).release());
+  }
+
+  std::vector<Oza::VestraDataInterface*> all() const {
+    std::vector<Oza::VestraDataInterface*> nodes;
+    for (const auto& context : contexts) {
+      nodes.push_back(context.get());
+    }
+    return nodes;
+  }
+
+ private:
+  std::vector<std::unique_ptr<Oza::VestraParentData>> contexts;
+};
+
+}  // namespace
 
 std::string scriptOf(const std::vector<Item>& items, const std::string& environment) {
-  static const vestra_test::TemporaryDirectory directory;
-  // Never unloaded: the fuzzer counts in its code too, and goes on counting.
-  static auto* library = new vestra_test::StandInLibrary;
-  library->describeEnvironment(environment);
-  Oza::VestraHandler handler;
-  handler.setProjectDirectory(directory / "project");
+  Contexts contexts;
   for (const Item& item : items) {
-    handler.addData(item.key, item.value, item.section);
+    contexts.add(item.key, item.value, item.section);
   }
-  expect(handler.prepareVestraData(), "the report is prepared");
-  return vestra_test::readFile(directory / "project/vestra/kelvo_vestra.tcl");
+  for (const Oza::EnvironmentPair& pair : Oza::environmentPairs(environment)) {
+    contexts.add(pair.key, pair.value, pair.section);
+  }
+  Oza::orderProjectFacts(contexts.at(Oza::Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE));
+  const std::string directory = Oza::vestraDirectoryOf("/project");
+  Oza::CollectedText text{Oza::initLine(directory), "325201808"};
+  Oza::appendContexts(contexts.all(), text);
+  const std::uint32_t clientId = Oza::crc32(text.checksumText.c_str());
+  return text.lines + Oza::transmitLines(clientId, "registration", directory, Oza::Vestra::KELVO);
 }
 
 std::optional<vestra::design_tool::Report> reportOf(const std::string& script) {

@@ -17,8 +17,7 @@ struct Item {
   Oza::Vestra::SectionType section;
 };
 
-/// Prepares a report of these items with this environment text, for the simulator, in
-/// a directory of the process's own, and gives the script.
+/// The simulator's script of these items and this environment text.
 std::string scriptOf(const std::vector<Item>& items, const std::string& environment);
 
 /// What the stand-in design tool reads in a script, in a real interpreter that stops

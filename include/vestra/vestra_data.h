@@ -8,9 +8,7 @@
 
 namespace Oza {
 
-class ItemRenderer;
-class VestraHandler;
-struct key_compare;
+struct NodeAccess;
 
 /// A node of the report's tree: a context, or an item filed under one.
 ///
@@ -71,7 +69,7 @@ class VESTRA_EXPORT VestraParentData : public VestraDataInterface {
   std::string getCRCContext();
 
   /// One block of a rules file that maps this context to a section of its own
-  /// name. Ends without a line end or a comma: who joins blocks adds those.
+  /// name. Ends without a line end or a comma; the caller adds them between blocks.
   std::string getWdmString();
 
   /// Appends a node and takes ownership of it. Neither null nor a repeated node
@@ -79,8 +77,7 @@ class VESTRA_EXPORT VestraParentData : public VestraDataInterface {
   void addChild(VestraDataInterface* child);
 
  private:
-  friend class ItemRenderer;
-  friend class VestraHandler;
+  friend struct NodeAccess;
 
   std::string context;
   std::string client;
@@ -111,13 +108,19 @@ class VESTRA_EXPORT VestraAddData : public VestraDataInterface {
   std::string getClient() override;
 
  private:
-  friend class ItemRenderer;
-  friend class VestraHandler;
-  friend struct key_compare;
+  friend struct NodeAccess;
 
   std::string key;
   std::string value;
   VestraParentData* parent;
+};
+
+/// The library's own access to the fields of nodes. Not for hosts.
+struct NodeAccess {
+  static std::vector<VestraDataInterface*>& children(VestraParentData& context) { return context.children; }
+  static std::string& key(VestraAddData& item) { return item.key; }
+  static const std::string& value(const VestraAddData& item) { return item.value; }
+  static const VestraParentData* parent(const VestraAddData& item) { return item.parent; }
 };
 
 /// Orders items by key: byte by byte, the shorter first on a tie. Both nodes must
@@ -125,7 +128,8 @@ class VESTRA_EXPORT VestraAddData : public VestraDataInterface {
 struct key_compare {
   /// Whether the key of `a` comes before that of `b`.
   bool operator()(VestraDataInterface* a, VestraDataInterface* b) const {
-    return static_cast<VestraAddData*>(a)->key < static_cast<VestraAddData*>(b)->key;
+    return NodeAccess::key(static_cast<VestraAddData&>(*a)) <
+           NodeAccess::key(static_cast<VestraAddData&>(*b));
   }
 };
 

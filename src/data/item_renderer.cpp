@@ -3,10 +3,22 @@
 #include <typeinfo>
 
 namespace Oza {
+namespace {
+
+/// The child as an item of this context; null when it is anything else.
+VestraAddData* itemOf(const VestraParentData& context, VestraDataInterface* child) {
+  if (child == nullptr || typeid(*child) != typeid(VestraAddData)) {
+    return nullptr;
+  }
+  auto* item = static_cast<VestraAddData*>(child);
+  return NodeAccess::parent(*item) == &context ? item : nullptr;
+}
+
+}  // namespace
 
 // The client and the key stand bare, the value and the context between quotes.
 ItemRenderer ItemRenderer::forScript(const std::string& client, const std::string& formattedContext) {
-  ItemRenderer lines;
+  ItemRenderer lines(Form::SCRIPT);
   lines.beforeKey.append(TYPE_ADD_DATA).append(SPACE);
   lines.beforeKey.append(PARAM_CLIENT).append(SPACE).append(client).append(SPACE);
   lines.beforeKey.append(PARAM_KEY).append(SPACE);
@@ -17,57 +29,53 @@ ItemRenderer ItemRenderer::forScript(const std::string& client, const std::strin
 }
 
 ItemRenderer ItemRenderer::forChecksum(const std::string& client, const std::string& crcContext) {
-  ItemRenderer segments;
+  ItemRenderer segments(Form::CHECKSUM);
   segments.afterValue = client + crcContext;
   return segments;
 }
 
-std::string ItemRenderer::render(const VestraAddData& item) const {
+std::string ItemRenderer::render(VestraAddData& item) const {
   std::string text;
   text.reserve(sizeOf(item));
   append(item, text);
   return text;
 }
 
-std::string ItemRenderer::renderChildren(const VestraParentData& context,
-                                         std::string (VestraDataInterface::*operation)()) const {
+std::string ItemRenderer::renderChildren(VestraParentData& context) const {
   std::string text;
   text.reserve(sizeOfItemsIn(context));
-  for (VestraDataInterface* child : context.children) {
-    if (const VestraAddData* item = itemOf(context, child)) {
+  for (VestraDataInterface* child : NodeAccess::children(context)) {
+    if (VestraAddData* item = itemOf(context, child)) {
       append(*item, text);
     } else if (child != nullptr) {
-      text += (child->*operation)();
+      text += renderForeign(*child);
     }
   }
   return text;
 }
 
-const VestraAddData* ItemRenderer::itemOf(const VestraParentData& context, VestraDataInterface* child) {
-  if (child == nullptr || typeid(*child) != typeid(VestraAddData)) {
-    return nullptr;
-  }
-  const auto* item = static_cast<VestraAddData*>(child);
-  return item->parent == &context ? item : nullptr;
+std::size_t ItemRenderer::sizeOf(VestraAddData& item) const {
+  return beforeKey.size() + NodeAccess::key(item).size() + betweenKeyAndValue.size() +
+         NodeAccess::value(item).size() + afterValue.size();
 }
 
-std::size_t ItemRenderer::sizeOf(const VestraAddData& item) const {
-  return beforeKey.size() + item.key.size() + betweenKeyAndValue.size() + item.value.size() +
-         afterValue.size();
-}
-
-std::size_t ItemRenderer::sizeOfItemsIn(const VestraParentData& context) const {
+std::size_t ItemRenderer::sizeOfItemsIn(VestraParentData& context) const {
   std::size_t size = 0;
-  for (VestraDataInterface* child : context.children) {
-    if (const VestraAddData* item = itemOf(context, child)) {
+  for (VestraDataInterface* child : NodeAccess::children(context)) {
+    if (VestraAddData* item = itemOf(context, child)) {
       size += sizeOf(*item);
     }
   }
   return size;
 }
 
-void ItemRenderer::append(const VestraAddData& item, std::string& text) const {
-  text.append(beforeKey).append(item.key).append(betweenKeyAndValue).append(item.value).append(afterValue);
+void ItemRenderer::append(VestraAddData& item, std::string& text) const {
+  text.append(beforeKey).append(NodeAccess::key(item)).append(betweenKeyAndValue);
+  text.append(NodeAccess::value(item)).append(afterValue);
+}
+
+std::string ItemRenderer::renderForeign(VestraDataInterface& node) const {
+  return form == Form::SCRIPT ? node.toTclString() : node.toCRCSegment();
 }
 
 }  // namespace Oza

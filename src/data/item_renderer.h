@@ -21,20 +21,23 @@ class ItemRenderer {
   static ItemRenderer forChecksum(const std::string& client, const std::string& crcContext);
 
   /// One item's text.
-  std::string render(const VestraAddData& item) const;
+  std::string render(VestraAddData& item) const;
 
   /// The texts of a context's children, in order. Its own items are written here; any
-  /// other node, of a host's own class perhaps, renders itself through `operation`.
-  std::string renderChildren(const VestraParentData& context,
-                             std::string (VestraDataInterface::*operation)()) const;
+  /// other node, of a host's own class perhaps, renders itself.
+  std::string renderChildren(VestraParentData& context) const;
 
  private:
-  /// The child as an item of this context; null when it is anything else.
-  static const VestraAddData* itemOf(const VestraParentData& context, VestraDataInterface* child);
-  std::size_t sizeOf(const VestraAddData& item) const;
-  std::size_t sizeOfItemsIn(const VestraParentData& context) const;
-  void append(const VestraAddData& item, std::string& text) const;
+  enum class Form { SCRIPT, CHECKSUM };
 
+  explicit ItemRenderer(Form textForm) : form(textForm) {}
+
+  std::size_t sizeOf(VestraAddData& item) const;
+  std::size_t sizeOfItemsIn(VestraParentData& context) const;
+  void append(VestraAddData& item, std::string& text) const;
+  std::string renderForeign(VestraDataInterface& node) const;
+
+  Form form;
   std::string beforeKey;
   std::string betweenKeyAndValue;
   std::string afterValue;

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include <boost/algorithm/string/replace.hpp>
+
+#include "data/contexts.h"
 #include "data/item_renderer.h"
 
 namespace Oza {
@@ -10,18 +13,6 @@ namespace {
 /// One line of a rules block.
 std::string setting(const std::string& name, const std::string& value) {
   return name + "=\"" + value + "\";\n";
-}
-
-/// Each pair of backslashes as one, from left to right: three become two.
-std::string withSingleBackslashes(const std::string& path) {
-  std::string text;
-  for (std::size_t i = 0; i < path.size(); ++i) {
-    text += path[i];
-    if (path.compare(i, 2, "\\\\") == 0) {
-      ++i;
-    }
-  }
-  return text;
 }
 
 }  // namespace
@@ -36,13 +27,11 @@ VestraParentData::~VestraParentData() {
 }
 
 std::string VestraParentData::toTclString() {
-  const ItemRenderer lines = ItemRenderer::forScript(getClient(), getFormattedContext());
-  return lines.renderChildren(*this, &VestraDataInterface::toTclString);
+  return ItemRenderer::forScript(getClient(), getFormattedContext()).renderChildren(*this);
 }
 
 std::string VestraParentData::toCRCSegment() {
-  const ItemRenderer segments = ItemRenderer::forChecksum(getClient(), getCRCContext());
-  return segments.renderChildren(*this, &VestraDataInterface::toCRCSegment);
+  return ItemRenderer::forChecksum(getClient(), getCRCContext()).renderChildren(*this);
 }
 
 std::string VestraParentData::getClient() { return client; }
@@ -55,13 +44,15 @@ std::string VestraParentData::getFormattedContext() { return getContext(); }
 
 std::string VestraParentData::getWdmContext() { return getFormattedContext(); }
 
-std::string VestraParentData::getCRCContext() { return withSingleBackslashes(getFormattedContext()); }
+std::string VestraParentData::getCRCContext() {
+  return boost::algorithm::replace_all_copy(getFormattedContext(), "\\\\", "\\");
+}
 
 std::string VestraParentData::getWdmString() {
   const std::string path = getWdmContext();
-  const std::string style = userEnvStyle ? "UserEnvStyle" : "FennoxStatsStyle";
   return "        {\n" + setting("            context", path) + setting("            xml_map", path) +
-         setting("            html_map", path) + setting("                html_format", style) + "        }";
+         setting("            html_map", path) +
+         setting("                html_format", htmlFormat(userEnvStyle)) + "        }";
 }
 
 void VestraParentData::addChild(VestraDataInterface* child) { children.push_back(child); }

@@ -1,5 +1,7 @@
 #include "handler/site_detection.h"
 
+#include <unistd.h>
+
 #include <fstream>
 #include <locale>
 
@@ -10,16 +12,20 @@
 #include "files/read_line.h"
 
 namespace Oza {
-namespace {
 
-bool saysNothing(const std::string& domainName) {
+const char* makerDomain() { return VESTRA_MAKER_DOMAIN; }
+
+std::optional<std::string> machineDomainName() {
+  char name[4096] = "";
+  return getdomainname(name, sizeof name) == 0 ? std::optional<std::string>(name) : std::nullopt;
+}
+
+bool leavesSiteOpen(const std::string& domainName) {
   return domainName.empty() || boost::algorithm::iequals(domainName, "(none)", std::locale::classic());
 }
 
-}  // namespace
-
 std::string siteText(const std::string& domainName, const std::string& resolverFile) {
-  if (!saysNothing(domainName)) {
+  if (!leavesSiteOpen(domainName)) {
     return domainName;
   }
   std::ifstream in;
@@ -32,9 +38,9 @@ std::string siteText(const std::string& domainName, const std::string& resolverF
   return text;
 }
 
-bool namesMakerDomain(std::string text, const std::string& makerDomain) {
+bool namesMakerDomain(std::string text, const std::string& domain) {
   boost::algorithm::to_lower(text);
-  return text.find(makerDomain) != std::string::npos;
+  return text.find(domain) != std::string::npos;
 }
 
 }  // namespace Oza

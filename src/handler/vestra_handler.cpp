@@ -4,27 +4,23 @@
 
 #include <boost/filesystem/operations.hpp>
 
+#include "data/contexts.h"
+#include "handler/command_line.h"
+#include "handler/product_profile.h"
 #include "identity/vestra_project_info.h"
 
 namespace Oza {
 
-// The two contexts of a client stand side by side: the script writer counts on it.
-// The delegation makes the destructor free them when one of them cannot be made.
+// The delegation makes the destructor free the contexts when one of them cannot be made.
 VestraHandler::VestraHandler() : VestraHandler(Vestra::KELVO) {
-  contexts.reserve(CONTEXT_COUNT);
-  addData(new VestraParentData("software_version_and_target_device", "project", true));
-  addData(new VestraParentData("user_environment", "project", true));
-  addData(new VestraParentData("kelvo\\\\command_line_options", "kelvo", false));
-  addData(new VestraParentData("kelvo\\\\usage", "kelvo", false));
-  addData(new VestraParentData("tavlo\\\\command_line_options", "tavlo", false));
-  addData(new VestraParentData("tavlo\\\\usage", "tavlo", false));
+  contexts.reserve(CONTEXTS.size());
+  for (const ContextProfile& context : CONTEXTS) {
+    addData(new VestraParentData(context.path, context.client, context.userEnvStyle));
+  }
 }
 
 VestraHandler::VestraHandler(Vestra::ProductType product)
-    : projectInfo(nullptr),
-      productType(product),
-      supportLibrary(nullptr),
-      internalSite(SITE_NOT_YET_DETERMINED) {}
+    : projectInfo(nullptr), productType(product), supportLibrary(nullptr), site(Site::NOT_YET_DETERMINED) {}
 
 VestraHandler::~VestraHandler() {
   delete projectInfo;
@@ -41,27 +37,21 @@ void VestraHandler::setProductType(Vestra::ProductType product) { productType = 
 
 Vestra::ProductType VestraHandler::getProductType() { return productType; }
 
-bool VestraHandler::isKelvo() const { return productType <= Vestra::KELVO_ALT; }
+bool VestraHandler::isKelvo() const { return isSimulator(productType); }
 
-std::string VestraHandler::getProductName() const { return isKelvo() ? "KELVO" : "TAVLO"; }
+std::string VestraHandler::getProductName() const { return profile().name; }
 
-std::string VestraHandler::getProductNameL() const { return isKelvo() ? "kelvo" : "tavlo"; }
+std::string VestraHandler::getProductNameL() const { return profile().lowerCaseName; }
 
-std::string VestraHandler::getVestraCommandTcl() const { return getProductNameL() + "_vestra.tcl"; }
+std::string VestraHandler::getVestraCommandTcl() const { return profile().script; }
 
-std::string VestraHandler::getVestraWdm() const {
-  return "usage_statistics_ext_" + getProductNameL() + ".wdm";
-}
+std::string VestraHandler::getVestraWdm() const { return profile().rules; }
 
-std::string VestraHandler::getVestraXml() const {
-  return "usage_statistics_ext_" + getProductNameL() + ".xml";
-}
+std::string VestraHandler::getVestraXml() const { return profile().xml; }
 
-std::string VestraHandler::getVestraHtml() const {
-  return "usage_statistics_ext_" + getProductNameL() + ".html";
-}
+std::string VestraHandler::getVestraHtml() const { return profile().html; }
 
-std::string VestraHandler::getLogFileName() const { return pathInVestraDirectory("tavlo_vestra.log"); }
+std::string VestraHandler::getLogFileName() const { return pathInVestraDirectory(LOG_FILE); }
 
 std::string VestraHandler::getVestraMsgFilter() const {
   if (isKelvo()) {
@@ -69,11 +59,13 @@ std::string VestraHandler::getVestraMsgFilter() const {
   }
   const std::string log = getLogFileName();
   boost::filesystem::remove(log);
-  return " > " + log + " 2>&1";
+  return redirectionTo(log);
 }
 
+const ProductProfile& VestraHandler::profile() const { return profileOf(productType); }
+
 std::string VestraHandler::pathInVestraDirectory(const std::string& name) const {
-  return projectDirectory + "/vestra/" + name;
+  return vestraDirectoryOf(projectDirectory) + name;
 }
 
 }  // namespace Oza

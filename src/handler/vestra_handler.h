@@ -2,7 +2,6 @@
 #define VESTRA_HANDLER_VESTRA_HANDLER_H
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -12,14 +11,14 @@
 namespace Oza {
 
 class VestraProjectInfo;
+struct ProductProfile;
 
 /// The report handler: holds what was collected, writes the report and runs the
 /// main design tool on it.
 ///
 /// It is never reset. Items, project directory and product stay until they are
 /// added to or set again. The files of a report lie in the project directory's
-/// vestra/ directory; paths are joined as texts, without a look for doubled
-/// slashes.
+/// vestra/ directory; paths are joined as texts, and doubled slashes are kept.
 class VestraHandler {
  public:
   /// Starts with the six contexts, all empty, for product KELVO and without a
@@ -42,9 +41,7 @@ class VestraHandler {
   void addData(VestraDataInterface* item);
   /// Whether nothing is filed under the context at position `index`, 0 to 5.
   bool isParentEmpty(unsigned int index);
-  /// Leaves section 0 with the fifteen fixed keys in their fixed order: keys are
-  /// lower-cased by the global locale, the first item with a key is kept, missing
-  /// ones get "not_applicable", others are freed.
+  /// Leaves section 0 with the fifteen facts of a project, as `orderProjectFacts` says.
   void uniqueAndReorderData();
 
   // Whose report it is.
@@ -84,9 +81,8 @@ class VestraHandler {
   /// file. Run it after the project directory is set and the host's items are in.
   /// @return Whether the record can be used.
   bool setupVestraInfo();
-  /// The value of the first item of section 0 whose key is "project_id" in any
-  /// letter case; empty without one. The keys that were looked at are lower-cased
-  /// in place.
+  /// The project identifier that the host gave as an item of section 0, as
+  /// `hostProjectId` finds it.
   std::string getOrbeloProjectId() const;
   /// Adds the environment data of the support library, "project_id" and
   /// "project_iteration", and puts section 0 into its order. Needs the identity
@@ -131,21 +127,17 @@ class VestraHandler {
   bool execVestraData();
 
  private:
-  static constexpr unsigned int CONTEXT_COUNT = 6;
-  static constexpr std::uint32_t SITE_NOT_YET_DETERMINED = 0xFFFFFFFFU;
+  /// Whether the machine belongs to the maker's network.
+  enum class Site : std::uint32_t { EXTERNAL = 0, INTERNAL = 1, NOT_YET_DETERMINED = 0xFFFFFFFF };
 
   explicit VestraHandler(Vestra::ProductType product);
 
-  VestraParentData* contextAt(unsigned int index) const;
+  VestraParentData& contextAt(unsigned int index) const;
+  const ProductProfile& profile() const;
   std::string pathInVestraDirectory(const std::string& name) const;
-  void addEnvironmentPairs(const std::string& environment);
   bool openSupportLibrary();
   void closeSupportLibrary();
   void writeScript();
-  std::string writeContexts(std::ostream& script);
-  std::string registrationText();
-  void writeTransmitLine(std::ostream& script, const std::string& checksumText);
-  std::string commandLine() const;
   void removeReportFiles() const;
 
   VestraProjectInfo* projectInfo;
@@ -153,7 +145,7 @@ class VestraHandler {
   std::string projectDirectory;
   Vestra::ProductType productType;
   void* supportLibrary;
-  std::uint32_t internalSite;
+  Site site;
 };
 
 }  // namespace Oza

@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/operations.hpp>
 
+#include "handler/command_line.h"
 #include "handler/environment_switch.h"
 #include "handler/support_library.h"
 #include "handler/vestra_handler.h"
@@ -17,21 +18,17 @@ bool VestraHandler::sendVestraData() {
   return due;
 }
 
+// The tool is asked for first: without one, the previous log stays.
 bool VestraHandler::execVestraData() {
-  const bool succeeded = std::system(commandLine().c_str()) == 0;
+  const std::string tool = support_library::execPath();
+  const std::string line =
+      commandLine(tool, pathInVestraDirectory(getVestraCommandTcl()), getVestraMsgFilter());
+  const bool succeeded = std::system(line.c_str()) == 0;
   closeSupportLibrary();
   if (!isSwitchedOn("CALVIX_VESTRA_DEBUG_EXT")) {
     removeReportFiles();
   }
   return succeeded;
-}
-
-// The tool is asked for first: without one, the previous log stays.
-std::string VestraHandler::commandLine() const {
-  std::string line = support_library::execPath();
-  line += " -mode batch -source " + pathInVestraDirectory(getVestraCommandTcl()) + " -notrace ";
-  line += getVestraMsgFilter();
-  return line;
 }
 
 void VestraHandler::closeSupportLibrary() {

@@ -1,6 +1,5 @@
-#include <unistd.h>
-
 #include <ctime>
+#include <optional>
 
 #include "handler/environment_switch.h"
 #include "handler/site_detection.h"
@@ -10,28 +9,22 @@
 namespace Oza {
 namespace {
 
-constexpr std::uint32_t EXTERNAL_SITE = 0;
-constexpr std::uint32_t INTERNAL_SITE = 1;
-
 // Where the domain name cannot be told, the resolver file is not asked either.
 bool isMakersMachine() {
-  char domainName[4096] = "";
-  if (getdomainname(domainName, sizeof domainName) != 0) {
-    return false;
-  }
-  return namesMakerDomain(siteText(domainName, "/etc/resolv.conf"), VESTRA_MAKER_DOMAIN);
+  const std::optional<std::string> domainName = machineDomainName();
+  return domainName && namesMakerDomain(siteText(*domainName, RESOLVER_FILE), makerDomain());
 }
 
 }  // namespace
 
 bool VestraHandler::isInternal() {
-  if (internalSite == SITE_NOT_YET_DETERMINED) {
-    internalSite = isMakersMachine() ? INTERNAL_SITE : EXTERNAL_SITE;
+  if (site == Site::NOT_YET_DETERMINED) {
+    site = isMakersMachine() ? Site::INTERNAL : Site::EXTERNAL;
   }
-  if (internalSite == INTERNAL_SITE && isSwitchedOn("CALVIX_VESTRA_INTERNAL_TRANSMIT")) {
-    internalSite = EXTERNAL_SITE;
+  if (site == Site::INTERNAL && isSwitchedOn("CALVIX_VESTRA_INTERNAL_TRANSMIT")) {
+    site = Site::EXTERNAL;
   }
-  return internalSite == INTERNAL_SITE;
+  return site == Site::INTERNAL;
 }
 
 // The host may have threads and a time zone that it changes: its own localtime

@@ -10,48 +10,10 @@
 #include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/path_text.h"
-#include "files/read_line.h"
 #include "handler/vestra_handler.h"
 #include "identity/random_uuid.h"
 
 namespace Oza {
-namespace {
-
-constexpr std::size_t FILE_NAME_LENGTH = 19;
-constexpr std::int64_t SECONDS_PER_DAY = 86400;
-
-/// Reads one line and, unless it is empty, makes a number of it.
-template <typename Number, typename Convert>
-void readNumber(std::istream& in, Number& number, Convert convert) {
-  std::string line;
-  if (readLine(in, line) && !line.empty()) {
-    number = static_cast<Number>(convert(line));
-  }
-}
-
-}  // namespace
-
-void readProjectIdentity(std::istream& in, ProjectIdentity& identity) {
-  const auto longNumber = [](const std::string& line) { return std::stoll(line); };
-  const auto number = [](const std::string& line) { return std::stoi(line); };
-  readNumber(in, identity.lastSendTimeDefault, longNumber);
-  readNumber(in, identity.lastSendTimeType1, longNumber);
-  readNumber(in, identity.iteration, longNumber);
-  readNumber(in, identity.orbeloFlow, number);
-  std::string line;
-  if (readLine(in, line)) {
-    identity.projectId = line;
-  }
-}
-
-std::array<std::string, 5> formatProjectIdentity(const ProjectIdentity& identity) {
-  return {std::to_string(identity.lastSendTimeDefault), std::to_string(identity.lastSendTimeType1),
-          std::to_string(identity.iteration), std::to_string(identity.orbeloFlow), identity.projectId};
-}
-
-// Compared without a difference of the two, which a stored time near the edge of
-// its type would overflow.
-bool isReportDue(std::int64_t now, std::int64_t lastSendTime) { return lastSendTime < now - SECONDS_PER_DAY; }
 
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}
@@ -74,12 +36,7 @@ bool VestraProjectInfo::loadOrCreate() {
 }
 
 bool VestraProjectInfo::recordSendAttempt() {
-  const std::int64_t now = std::time(nullptr);
-  const bool due = isReportDue(now, lastSendTime());
-  if (due) {
-    lastSendTime() = now;
-  }
-  ++identity.iteration;
+  const bool due = countAttempt(identity, owner->getProductType(), std::time(nullptr));
   writeFile();
   return due;
 }
@@ -91,7 +48,7 @@ std::uint64_t VestraProjectInfo::getIteration() const { return identity.iteratio
 std::int32_t VestraProjectInfo::getOrbeloFlow() const { return identity.orbeloFlow; }
 
 void VestraProjectInfo::startNewProject() {
-  boost::filesystem::create_directories(directoryOf(filePath, FILE_NAME_LENGTH));
+  boost::filesystem::create_directories(directoryOf(filePath, PROJECT_IDENTITY_FILE_LENGTH));
   const std::string hostProjectId = owner->getOrbeloProjectId();
   identity.orbeloFlow = hostProjectId.empty() ? 0 : 1;
   identity.projectId = hostProjectId.empty() ? randomUuid() : hostProjectId;
@@ -120,20 +77,13 @@ bool VestraProjectInfo::makeEmptyFile() const {
   return file.is_open();
 }
 
-// The lines are made first: once the file is opened, what stood in it is gone.
+// The text is made first: once the file is opened, what stood in it is gone.
 void VestraProjectInfo::writeFile() const {
-  const std::array<std::string, 5> lines = formatProjectIdentity(identity);
+  const std::string text = formatProjectIdentity(identity);
   FileSizeSignalHold hold;
   std::ofstream file;
   openFile(file, filePath, std::ios_base::trunc);
-  for (const std::string& line : lines) {
-    file << line << std::endl;
-  }
-}
-
-std::int64_t& VestraProjectInfo::lastSendTime() {
-  return owner->getProductType() == Vestra::KELVO_ALT ? identity.lastSendTimeType1
-                                                      : identity.lastSendTimeDefault;
+  file << text;
 }
 
 }  // namespace Oza

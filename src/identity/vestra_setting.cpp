@@ -5,10 +5,11 @@
 #include <fstream>
 #include <vector>
 
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/operations.hpp>
 
-#include "data/fields.h"
 #include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/path_text.h"
@@ -25,9 +26,10 @@ constexpr const char* FILE_NAME = "vestra";
 
 void readSettings(std::istream& in, std::map<std::string, std::string>& properties) {
   std::string line;
+  std::vector<std::string> fields;
   while (readLine(in, line)) {
     boost::algorithm::trim(line);
-    const std::vector<std::string> fields = fieldsOf(line, '=');
+    boost::algorithm::split(fields, line, boost::algorithm::is_any_of("="));
     if (fields.size() == 2) {
       properties.emplace(fields[0], fields[1]);
     }

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "identity/vestra_project_info.h"
+#include "identity/project_identity.h"
 
 namespace Oza {
 namespace {
@@ -28,11 +28,22 @@ ProjectIdentity read(const std::string& text) {
   return identity;
 }
 
-/// The five lines that a text's record is written as.
-Lines rewritten(const std::string& text) { return formatProjectIdentity(read(text)); }
+/// The five lines that a record is written as.
+Lines written(const ProjectIdentity& identity) {
+  std::istringstream in(formatProjectIdentity(identity));
+  Lines lines;
+  for (std::string& line : lines) {
+    EXPECT_TRUE(std::getline(in, line));
+  }
+  EXPECT_FALSE(in.eof());
+  EXPECT_EQ(in.peek(), std::istringstream::traits_type::eof());
+  return lines;
+}
+
+Lines rewritten(const std::string& text) { return written(read(text)); }
 
 TEST(ProjectIdentity, OfANewProjectIsWrittenAsFiveLines) {
-  EXPECT_EQ(formatProjectIdentity(ProjectIdentity()), (Lines{"0", "0", "1", "0", ""}));
+  EXPECT_EQ(written(ProjectIdentity()), (Lines{"0", "0", "1", "0", ""}));
 }
 
 TEST(ProjectIdentity, IsWrittenInPlainDecimal) {
@@ -42,7 +53,7 @@ TEST(ProjectIdentity, IsWrittenInPlainDecimal) {
   identity.iteration = 42;
   identity.orbeloFlow = 1;
   identity.projectId = "an id = anything";
-  EXPECT_EQ(formatProjectIdentity(identity), (Lines{"1700000000", "-1", "42", "1", "an id = anything"}));
+  EXPECT_EQ(written(identity), (Lines{"1700000000", "-1", "42", "1", "an id = anything"}));
 }
 
 TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
@@ -51,8 +62,8 @@ TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
   identity.lastSendTimeType1 = INT64_MOST;
   identity.iteration = std::numeric_limits<std::uint64_t>::max();
   identity.orbeloFlow = std::numeric_limits<std::int32_t>::min();
-  EXPECT_EQ(formatProjectIdentity(identity), (Lines{"-9223372036854775808", "9223372036854775807",
-                                                    "18446744073709551615", "-2147483648", ""}));
+  EXPECT_EQ(written(identity), (Lines{"-9223372036854775808", "9223372036854775807", "18446744073709551615",
+                                      "-2147483648", ""}));
 }
 
 TEST(ProjectIdentity, IsReadFromFiveLines) {
@@ -255,14 +266,6 @@ TEST(ProjectIdentity, EveryTruncationOfAGoodTextIsReadToItsEnd) {
   }
 }
 
-std::string joined(const Lines& lines) {
-  std::string text;
-  for (const std::string& line : lines) {
-    text += line + "\n";
-  }
-  return text;
-}
-
 RC_GTEST_PROP(ProjectIdentity, ComesBackAsItWasWritten,
               (std::int64_t defaultTime, std::int64_t type1Time, std::int64_t iteration, std::int32_t flow)) {
   ProjectIdentity identity;
@@ -271,7 +274,7 @@ RC_GTEST_PROP(ProjectIdentity, ComesBackAsItWasWritten,
   identity.iteration = static_cast<std::uint64_t>(iteration) & 0x7FFFFFFFFFFFFFFFU;
   identity.orbeloFlow = flow;
   identity.projectId = *rc::gen::container<std::string>(rc::gen::distinctFrom('\n'));
-  const ProjectIdentity back = read(joined(formatProjectIdentity(identity)));
+  const ProjectIdentity back = read(formatProjectIdentity(identity));
   RC_ASSERT(back.lastSendTimeDefault == identity.lastSendTimeDefault);
   RC_ASSERT(back.lastSendTimeType1 == identity.lastSendTimeType1);
   RC_ASSERT(back.iteration == identity.iteration);
@@ -286,30 +289,53 @@ RC_GTEST_PROP(ProjectIdentity, OfAnyTextIsReadOrRefusedWithALogicError, (const s
   }
 }
 
-TEST(OnceADay, MoreThanADayMustHavePassed) {
-  EXPECT_FALSE(isReportDue(1700000000, 1700000000));
-  EXPECT_FALSE(isReportDue(1700000000 + 86399, 1700000000));
-  EXPECT_FALSE(isReportDue(1700000000 + 86400, 1700000000));
-  EXPECT_TRUE(isReportDue(1700000000 + 86401, 1700000000));
+/// Whether the simulator's report is due.
+bool isDue(std::int64_t now, std::int64_t lastSendTime) {
+  ProjectIdentity identity;
+  identity.lastSendTimeDefault = lastSendTime;
+  identity.lastSendTimeType1 = now;
+  return isReportDue(identity, Vestra::KELVO, now);
 }
 
-TEST(OnceADay, AProjectThatNeverSentIsDue) { EXPECT_TRUE(isReportDue(1700000000, 0)); }
-
-TEST(OnceADay, ATimeInTheFutureIsNotDue) {
-  EXPECT_FALSE(isReportDue(1700000000, 1700000001));
-  EXPECT_FALSE(isReportDue(1700000000, INT64_MOST));
+TEST(OnceADay, SecondReportIsDueAfterMoreThanADay) {
+  EXPECT_FALSE(isDue(1700000000, 1700000000));
+  EXPECT_FALSE(isDue(1700000000 + 86399, 1700000000));
+  EXPECT_FALSE(isDue(1700000000 + 86400, 1700000000));
+  EXPECT_TRUE(isDue(1700000000 + 86401, 1700000000));
 }
 
-TEST(OnceADay, AVeryOldTimeIsDue) {
-  EXPECT_TRUE(isReportDue(1700000000, -1));
-  EXPECT_TRUE(isReportDue(1700000000, INT64_LEAST));
-  EXPECT_TRUE(isReportDue(0, INT64_LEAST));
+TEST(OnceADay, FirstReportIsDue) { EXPECT_TRUE(isDue(1700000000, 0)); }
+
+TEST(OnceADay, TimeInTheFutureHoldsReportsBack) {
+  EXPECT_FALSE(isDue(1700000000, 1700000001));
+  EXPECT_FALSE(isDue(1700000000, INT64_MOST));
 }
 
-TEST(OnceADay, AClockAtTheEpochIsNotDueYet) {
-  EXPECT_FALSE(isReportDue(0, 0));
-  EXPECT_FALSE(isReportDue(86400, 0));
-  EXPECT_TRUE(isReportDue(86401, 0));
+TEST(OnceADay, ReportIsDueAfterAVeryOldOne) {
+  EXPECT_TRUE(isDue(1700000000, -1));
+  EXPECT_TRUE(isDue(1700000000, INT64_LEAST));
+  EXPECT_TRUE(isDue(0, INT64_LEAST));
+}
+
+TEST(OnceADay, FirstReportIsNotDueOnTheEpochsFirstDay) {
+  EXPECT_FALSE(isDue(0, 0));
+  EXPECT_FALSE(isDue(86400, 0));
+  EXPECT_TRUE(isDue(86401, 0));
+}
+
+TEST(OnceADay, AlternativeSimulatorHasATimeOfItsOwn) {
+  ProjectIdentity identity;
+  EXPECT_TRUE(countAttempt(identity, Vestra::KELVO_ALT, 1700000000));
+  EXPECT_EQ(written(identity), (Lines{"0", "1700000000", "2", "0", ""}));
+  EXPECT_TRUE(countAttempt(identity, Vestra::TAVLO, 1700000001));
+  EXPECT_EQ(written(identity), (Lines{"1700000001", "1700000000", "3", "0", ""}));
+}
+
+TEST(OnceADay, EveryAttemptIsCounted) {
+  ProjectIdentity identity;
+  identity.lastSendTimeDefault = 1700000000;
+  EXPECT_FALSE(countAttempt(identity, Vestra::KELVO, 1700000000));
+  EXPECT_EQ(written(identity), (Lines{"1700000000", "0", "2", "0", ""}));
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
+#include "handler/project_facts.h"
+
+#include <memory>
 #include <set>
 #include <vector>
 
 #include <boost/algorithm/string/case_conv.hpp>
-
-#include "handler/vestra_handler.h"
 
 namespace Oza {
 namespace {
@@ -17,16 +18,23 @@ constexpr const char* PROJECT_KEYS[] = {"date_generated", "product_version", "bu
 
 constexpr const char* MISSING_VALUE = "not_applicable";
 
+/// Lower-cases an item's key in place.
+const std::string& lowerCasedKey(VestraDataInterface& item) {
+  std::string& key = NodeAccess::key(static_cast<VestraAddData&>(item));
+  boost::algorithm::to_lower(key);
+  return key;
+}
+
 }  // namespace
 
 // Until everything is found or made, the context keeps all that it had: running
 // out of memory on the way loses no item and frees none twice.
-void VestraHandler::uniqueAndReorderData() {
-  VestraParentData* context = contextAt(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+void orderProjectFacts(VestraParentData& context) {
+  std::vector<VestraDataInterface*>& children = NodeAccess::children(context);
   std::set<VestraDataInterface*, key_compare> items;
   std::vector<VestraDataInterface*> unwanted;
-  for (VestraDataInterface* child : context->children) {
-    boost::algorithm::to_lower(static_cast<VestraAddData*>(child)->key);
+  for (VestraDataInterface* child : children) {
+    lowerCasedKey(*child);
     if (!items.insert(child).second) {
       unwanted.push_back(child);
     }
@@ -34,11 +42,11 @@ void VestraHandler::uniqueAndReorderData() {
 
   std::vector<VestraDataInterface*> ordered;
   for (const char* key : PROJECT_KEYS) {
-    VestraAddData probe(key, "", context);
-    const auto found = items.find(&probe);
+    auto missing = std::make_unique<VestraAddData>(key, MISSING_VALUE, &context);
+    const auto found = items.find(missing.get());
     if (found == items.end()) {
-      addData(key, MISSING_VALUE, Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-      ordered.push_back(context->children.back());
+      context.addChild(missing.get());
+      ordered.push_back(missing.release());
     } else {
       ordered.push_back(*found);
       items.erase(found);
@@ -47,10 +55,19 @@ void VestraHandler::uniqueAndReorderData() {
 
   // What is left in the set has a key that the report does not know.
   unwanted.insert(unwanted.end(), items.begin(), items.end());
-  context->children.swap(ordered);
+  children.swap(ordered);
   for (VestraDataInterface* item : unwanted) {
     delete item;
   }
+}
+
+std::string hostProjectId(VestraParentData& context) {
+  for (VestraDataInterface* child : NodeAccess::children(context)) {
+    if (lowerCasedKey(*child) == "project_id") {
+      return NodeAccess::value(static_cast<VestraAddData&>(*child));
+    }
+  }
+  return {};
 }
 
 }  // namespace Oza

@@ -1,0 +1,70 @@
+#include "handler/report_script.h"
+
+#include "handler/product_profile.h"
+
+namespace Oza {
+namespace {
+
+bool isFirstOfItsClient(std::size_t context) { return context % 2 == 0; }
+
+std::array<bool, CONTEXT_COUNT> emptyOnes(const std::vector<VestraDataInterface*>& contexts) {
+  std::array<bool, CONTEXT_COUNT> isEmpty{};
+  for (std::size_t i = 0; i < CONTEXT_COUNT; ++i) {
+    isEmpty[i] = NodeAccess::children(static_cast<VestraParentData&>(*contexts[i])).empty();
+  }
+  return isEmpty;
+}
+
+void appendRegistration(VestraDataInterface& context, CollectedText& text) {
+  text.lines += "vestra_register_client -client " + context.getClient() + "\n";
+  text.checksumText += context.getClient();
+}
+
+}  // namespace
+
+std::string initLine(const std::string& vestraDirectory) {
+  return "vestra_init -vestra_dir " + vestraDirectory + "\n";
+}
+
+std::array<bool, CONTEXT_COUNT> visitedContexts(const std::array<bool, CONTEXT_COUNT>& isEmpty) {
+  std::array<bool, CONTEXT_COUNT> visited{};
+  for (std::size_t i = 0; i < CONTEXT_COUNT; ++i) {
+    if (i + 1 < CONTEXT_COUNT && isEmpty[i] && isEmpty[i + 1]) {
+      ++i;
+    } else {
+      visited[i] = true;
+    }
+  }
+  return visited;
+}
+
+void appendContexts(const std::vector<VestraDataInterface*>& contexts, CollectedText& text) {
+  const std::array<bool, CONTEXT_COUNT> visited = visitedContexts(emptyOnes(contexts));
+  for (std::size_t i = 0; i < CONTEXT_COUNT; ++i) {
+    if (!visited[i]) {
+      continue;
+    }
+    if (isFirstOfItsClient(i)) {
+      appendRegistration(*contexts[i], text);
+    }
+    text.lines += contexts[i]->toTclString();
+    text.checksumText += contexts[i]->toCRCSegment();
+  }
+}
+
+std::string registrationText(bool isInternal, Vestra::ProductType product,
+                             const std::string& registrationId) {
+  return isInternal ? std::string("VESTRA_TEST_") + profileOf(product).name + "_" + registrationId
+                    : registrationId;
+}
+
+std::string transmitLines(std::uint32_t clientId, const std::string& registration,
+                          const std::string& vestraDirectory, Vestra::ProductType product) {
+  const ProductProfile& profile = profileOf(product);
+  return "vestra_transmit -clientid " + std::to_string(clientId) + " -regid \"" + registration + "\" -xml " +
+         vestraDirectory + profile.xml + " -html " + vestraDirectory + profile.html + " -wdm " +
+         vestraDirectory + profile.rules + " -intro \"<H3>" + profile.name +
+         " Usage Report</H3><BR>\"\nvestra_terminate\n";
+}
+
+}  // namespace Oza

@@ -1,0 +1,28 @@
+#include "identity/environment_pairs.h"
+
+#include <cstddef>
+#include <utility>
+
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
+
+namespace Oza {
+namespace {
+
+constexpr std::size_t USER_ENVIRONMENT_FIELDS = 12;
+
+}  // namespace
+
+std::vector<EnvironmentPair> environmentPairs(const std::string& text) {
+  std::vector<std::string> fields;
+  boost::algorithm::split(fields, text, boost::algorithm::is_any_of("#"));
+  std::vector<EnvironmentPair> pairs;
+  for (std::size_t i = 0; i + 1 < fields.size(); i += 2) {
+    const auto section =
+        i < USER_ENVIRONMENT_FIELDS ? Vestra::USER_ENVIRONMENT : Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+    pairs.push_back({std::move(fields[i]), std::move(fields[i + 1]), section});
+  }
+  return pairs;
+}
+
+}  // namespace Oza
