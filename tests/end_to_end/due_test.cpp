@@ -2,7 +2,7 @@
 // counts.
 
 #include "support/files.h"
-#include "support/scenario.h"
+#include "support/scenario/scenario.h"
 
 namespace vestra_test {
 namespace {

@@ -10,7 +10,7 @@
 #include <ctime>
 
 #include "support/files.h"
-#include "support/scenario.h"
+#include "support/scenario/scenario.h"
 
 namespace vestra_test {
 namespace {

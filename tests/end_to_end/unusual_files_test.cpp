@@ -6,7 +6,7 @@
 #include <boost/filesystem.hpp>
 
 #include "support/files.h"
-#include "support/scenario.h"
+#include "support/scenario/scenario.h"
 
 namespace vestra_test {
 namespace {

@@ -9,7 +9,7 @@
 #include "support/files.h"
 #include "support/interposed/clock.h"
 #include "support/scoped_env.h"
-#include "support/stand_in_library.h"
+#include "support/stand_in/stand_in_library.h"
 #include "support/temporary_directory.h"
 #include "support/time_limit.h"
 

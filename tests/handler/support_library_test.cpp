@@ -7,7 +7,7 @@
 #include <string>
 
 #include "support/error_of.h"
-#include "support/stand_in_library.h"
+#include "support/stand_in/stand_in_library.h"
 
 namespace Oza {
 namespace {

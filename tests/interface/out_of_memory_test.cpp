@@ -12,7 +12,7 @@
 #include "interface/vestra_mgr.h"
 #include "support/files.h"
 #include "support/scoped_env.h"
-#include "support/stand_in_library.h"
+#include "support/stand_in/stand_in_library.h"
 #include "support/temporary_directory.h"
 
 // Where the handler cannot be made, the manager leaves the settings that it has

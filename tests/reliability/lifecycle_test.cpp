@@ -9,7 +9,7 @@
 #include <boost/filesystem/operations.hpp>
 
 #include "support/files.h"
-#include "support/scenario.h"
+#include "support/scenario/scenario.h"
 #include "support/scoped_env.h"
 
 namespace vestra_test {

@@ -1,4 +1,4 @@
-#include "support/recording_tool.h"
+#include "support/scenario/recording_tool.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "support/scenario.h"
+#include "support/scenario/scenario.h"
 
 #include <grp.h>
 #include <sys/stat.h>

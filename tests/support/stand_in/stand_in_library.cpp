@@ -1,4 +1,4 @@
-#include "support/stand_in_library.h"
+#include "support/stand_in/stand_in_library.h"
 
 #include <dlfcn.h>
 

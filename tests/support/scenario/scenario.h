@@ -1,5 +1,5 @@
-#ifndef VESTRA_TESTS_SUPPORT_SCENARIO_H
-#define VESTRA_TESTS_SUPPORT_SCENARIO_H
+#ifndef VESTRA_TESTS_SUPPORT_SCENARIO_SCENARIO_H
+#define VESTRA_TESTS_SUPPORT_SCENARIO_SCENARIO_H
 
 #include <string>
 #include <vector>
@@ -9,7 +9,7 @@
 #include <vestra/testkit/sandbox.h>
 #include <vestra/vestra.h>
 
-#include "support/recording_tool.h"
+#include "support/scenario/recording_tool.h"
 
 namespace vestra_test {
 

@@ -1,0 +1,28 @@
+#ifndef VESTRA_TESTS_SUPPORT_FARMS_REPORT_CHECK_H
+#define VESTRA_TESTS_SUPPORT_FARMS_REPORT_CHECK_H
+
+#include <ctime>
+#include <string>
+
+namespace vestra_test {
+
+/// How often each host of a farm adds the item by which its reports are known.
+inline constexpr int MARKS_OF_A_HOST = 60;
+/// That item's key. Its value is the host's number.
+inline constexpr const char* MARK = "host";
+
+/// What is wrong with a report script as the design tool finds it: "empty"; "torn" when
+/// lines are cut, lacking or repeated; "mixed" when it has items of several hosts;
+/// "checksum" when that is another than its items'. Nothing is wrong: the empty text.
+///
+/// @param script  Its bytes.
+/// @param now     The time, since the checksum has the hour in it; that of an hour ago is
+///                right as well.
+std::string faultOf(const std::string& script, std::time_t now);
+
+/// The value of the script's first item with a key; empty without one.
+std::string valueOf(const std::string& script, const std::string& key);
+
+}  // namespace vestra_test
+
+#endif
