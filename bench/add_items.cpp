@@ -1,14 +1,14 @@
-// Adds items in a process that has done nothing else, and writes the nanoseconds that
-// it took:
+// Adds items in a process that has done nothing else, and writes how many nanoseconds
+// that took:
 //
 //     add_items SIDE FIRST KEY_LENGTH VALUE_LENGTH COUNT
 //
-// SIDE is where the items go: `library`; `vector`, which does what any owner of two
-// strings and a number must do; or `vector-and-file`, which reads the user's settings
-// file besides, as the library must before its first item. FIRST says whether the
-// process's very first item, and that file, count: `with-first`, `after-first`, or
-// `with-first-and-locale`, when the process has used a locale before, as every one that
-// includes <iostream> has.
+// SIDE is the destination of the items: `library`; `vector`, the least that an owner of
+// two strings and a number must do; or `vector-and-file`, which also reads the user's
+// settings file, as the library must before its first item. FIRST says whether the time
+// includes the process's first item, and that file: `with-first`, `after-first`, or
+// `with-first-and-locale`, which uses a locale before, as every process that includes
+// <iostream> does.
 
 #include <fcntl.h>
 #include <unistd.h>

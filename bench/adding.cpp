@@ -17,7 +17,7 @@ struct Size {
 
 constexpr Size SIZES[] = {{"long", "16", "24"}, {"short", "10", "8"}};
 
-// Short runs are the noisier ones.
+// Short runs are noisier.
 const std::map<int, int> ROUNDS_OF_COUNT = {{100, 101}, {10000, 31}, {1000000, 31}};
 
 std::string nameOf(const Size& size, int count) {

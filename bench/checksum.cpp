@@ -13,13 +13,13 @@
 namespace vestra_bench {
 namespace {
 
-// As fast as the textbook's, but for the noise of the machine.
+// As fast as the textbook's, with room for the machine's noise.
 constexpr double GOAL = 1.05;
 
 constexpr std::pair<std::size_t, const char*> SIZES[] = {
     {1000, "1 KB"}, {1000000, "1 MB"}, {100000000, "100 MB"}};
 
-/// As textbooks have it: one table look-up for each byte, over a known length.
+/// The textbook algorithm: one table look-up for each byte, over a known length.
 class Textbook {
  public:
   Textbook() {

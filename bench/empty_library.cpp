@@ -1,1 +1,1 @@
-// Of all that a library brings, only what it is linked to.
+// A library without code, linked to the same libraries as ours.

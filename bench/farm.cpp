@@ -81,7 +81,7 @@ void writeRow(const Farm& farm, const char* fileSystem, const Sums& shared, cons
             << " |" << std::endl;
 }
 
-/// Fails when the hosts alone are not as they should be: then the measuring is wrong.
+/// Throws when even the hosts that share nothing go wrong: then the measurement is at fault.
 void expectRight(const Farm& farm, const Sums& alone) {
   const int due = farm.age == Age::YOUNG ? 0 : farm.hosts * alone.rounds;
   if (alone.all.toolStarts != due ||
@@ -129,7 +129,7 @@ void crossAll(const Place& disk, const Place& memory, const Measure& measureAges
   }
 }
 
-/// A round of many hosts or over many seconds shows by itself what several show.
+/// Fewer rounds suffice where one takes long.
 bool takesLong(const Farm& farm) { return farm.hosts > 200 || farm.spread >= SPREADS[2]; }
 
 }  // namespace

@@ -6,13 +6,13 @@
 
 namespace vestra_bench {
 
-/// Texts of one length that differ: a letter and a number, filled up with zeros. Making
-/// the next one allocates nothing and takes next to no time.
+/// Distinct texts of one length: a letter and a number, padded with zeros. Making the next
+/// one allocates nothing and takes almost no time.
 class NumberedText {
  public:
   NumberedText(char letter, std::size_t length) : text(length, '0') { text[0] = letter; }
 
-  /// The next one, from 1 on. Valid until the next call.
+  /// The next text, from 1 on. Valid until the next call.
   const char* next() {
     std::size_t digit = text.size() - 1;
     for (; digit > 0 && text[digit] == '9'; --digit) {

@@ -18,8 +18,7 @@ std::string outputOf(const Command& command);
 /// The same for a program that writes numbers, with white space between.
 std::vector<double> numbersOf(const Command& command);
 
-/// How long a command takes from its start to its end, in nanoseconds, as its parent
-/// sees it.
+/// The nanoseconds from a command's start to its end, as its parent measures them.
 ///
 /// @throws std::runtime_error as `outputOf` does.
 double lifetimeOf(const Command& command);

@@ -13,9 +13,9 @@ namespace vestra_bench {
 /// One row of the table: a ratio, or a count that is compared as one.
 struct Row {
   std::string what;
-  /// What it was measured beside.
+  /// The baseline.
   std::string beside;
-  /// What the median should not exceed. Without one, the row only tells.
+  /// The limit of the median; a row without one is only informative.
   std::optional<double> goal;
   Spread figure;
 

@@ -10,7 +10,7 @@ namespace vestra_bench {
 /// Takes a row as soon as it is measured.
 using Take = std::function<void(const Row&)>;
 
-// Each measures one thing, beside what it cannot do without.
+// Each measures one subject beside its baseline.
 
 /// `Vestra::add` beside a vector, each in a process of its own.
 void measureAdding(const Take& take);

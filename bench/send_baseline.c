@@ -1,4 +1,4 @@
-/* What a sending cannot do without, in C: the same files opened in the same ways, read,
+/* The least that `send` must do, in C: the same files opened in the same ways, read,
    written and closed, with one write for each, and the support library opened and asked:
 
        send_baseline PROJECT_DIRECTORY [COMMAND]
@@ -40,7 +40,7 @@ static void read_whole(const char* path) {
   close(descriptor);
 }
 
-/* Its last line is known when it comes: no end of the file has to be looked for. */
+/* The record has five lines, so its end is known without another read. */
 static void read_identity(const char* path) {
   char bytes[8191];
   const int descriptor = open(path, O_RDWR);

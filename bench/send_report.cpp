@@ -2,8 +2,8 @@
 //
 //     send_report COUNT PROJECT_DIRECTORY
 //
-// Writes the nanoseconds of the sending, the memory that the items hold, and by how much
-// the process's memory had grown, from before the items, at its largest: both in bytes.
+// Writes the nanoseconds that `send` took, the bytes of memory that the items hold, and
+// the bytes by which the process's peak memory exceeds that before the items.
 
 #include <unistd.h>
 
@@ -36,7 +36,7 @@ long residentBytes() {
   return resident * sysconf(_SC_PAGESIZE);
 }
 
-// Not asked of `getrusage`, which counts what the process was before it became a host.
+// `getrusage` would include the memory of the process before `exec`.
 long largestBytes() {
   std::ifstream status("/proc/self/status");
   long kilobytes = 0;

@@ -13,7 +13,7 @@ constexpr std::size_t ITEMS = 100;
 constexpr std::size_t MANY = 10000;
 constexpr std::size_t VERY_MANY = 1000000;
 
-/// What one host says of itself.
+/// The measurements that one host prints.
 struct Sending {
   double nanoseconds;
   double itemBytes;
@@ -49,7 +49,7 @@ Spread compareWithBaseline(Report report) {
   return ratiosOf(rounds);
 }
 
-/// What an item costs among very many beside what it costs among many.
+/// The cost of one item among very many beside that among many.
 Spread compareCostOfEachItem(Report report) {
   Workplace many;
   Workplace veryMany;
@@ -63,7 +63,7 @@ Spread compareCostOfEachItem(Report report) {
   return ratiosOf(rounds);
 }
 
-/// The largest size of the process beside twice the script's text and the items.
+/// The process's peak memory beside twice the script's text and the items.
 Spread compareMemory(std::size_t items) {
   Workplace place;
   place.makeReport(items);

@@ -5,8 +5,7 @@
 namespace vestra_bench {
 namespace {
 
-/// The value below which a share of the sorted values lies, between two neighbours
-/// where need be.
+/// The quantile of sorted values, interpolated between neighbours.
 double quantile(const std::vector<double>& sorted, double share) {
   const double position = share * static_cast<double>(sorted.size() - 1);
   const auto below = static_cast<std::size_t>(position);

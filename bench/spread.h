@@ -6,7 +6,7 @@
 
 namespace vestra_bench {
 
-/// The middle of what several rounds gave, and how far apart they were.
+/// Median and quartiles of several rounds.
 struct Spread {
   double lowerQuartile = 0;
   double median = 0;
@@ -14,17 +14,17 @@ struct Spread {
   std::size_t rounds = 0;
 };
 
-/// At least one value.
+/// @param values  At least one.
 Spread spreadOf(std::vector<double> values);
 
-/// What the two sides of one round took, in any unit.
+/// The two sides of one round, in any unit.
 struct Pair {
   double ours = 0;
   double baseline = 0;
 };
 
-/// The spread of the rounds' own ratios: what slows a machine down for a while slows
-/// both sides of a round.
+/// The spread of the rounds' ratios: a disturbance of the machine slows both sides of a
+/// round.
 Spread ratiosOf(const std::vector<Pair>& rounds);
 
 }  // namespace vestra_bench

@@ -11,8 +11,8 @@ namespace vestra_bench {
 /// Whether a project's next report is due.
 enum class Report { NOT_DUE, DUE };
 
-/// A user's home with known settings, a project, and the stand-in support library where
-/// the loader finds it, with answers that take no time. What is started finds them. The
+/// A user's home with known settings, a project, and the stand-in support library on the
+/// loader's path, with answers that take no time, for the programs that are started. The
 /// main design tool is `true`.
 class Workplace {
  public:
@@ -20,10 +20,10 @@ class Workplace {
 
   const std::string& project() const { return projectDirectory.path(); }
 
-  /// Has a host report so many items and keeps the files that it leaves.
+  /// Has a host report that many items and keeps its files.
   void makeReport(std::size_t items);
 
-  /// Puts the project's files back as they were after `makeReport`, with an identity
+  /// Restores the project's files as they were after `makeReport`, with an identity
   /// whose next report is due or not.
   void restore(Report report) const;
 
