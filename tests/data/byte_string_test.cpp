@@ -8,13 +8,13 @@
 namespace Oza {
 namespace {
 
-TEST(ByteString, CopiesTheText) { EXPECT_EQ(byteString("one two"), "one two"); }
+TEST(ByteString, CopyCopiesTheText) { EXPECT_EQ(byteString("one two"), "one two"); }
 
-TEST(ByteString, OfTheEmptyTextIsEmpty) { EXPECT_EQ(byteString(""), ""); }
+TEST(ByteString, CopyOfTheEmptyTextIsEmpty) { EXPECT_EQ(byteString(""), ""); }
 
-TEST(ByteString, KeepsBytesAbove127) { EXPECT_EQ(byteString("\x80\xff\xc3\xa9"), "\x80\xff\xc3\xa9"); }
+TEST(ByteString, CopyKeepsBytesAbove127) { EXPECT_EQ(byteString("\x80\xff\xc3\xa9"), "\x80\xff\xc3\xa9"); }
 
-TEST(ByteString, OfNullThrowsTheTextThatHostsKnow) {
+TEST(ByteString, NullThrowsTheTextThatHostsKnow) {
   try {
     byteString(nullptr);
     FAIL() << "nothing was thrown";

@@ -26,7 +26,7 @@ static_assert(std::has_virtual_destructor_v<VestraDataInterface>);
 static_assert(std::is_same_v<std::underlying_type_t<Vestra::SectionType>, std::uint32_t>);
 static_assert(std::is_same_v<std::underlying_type_t<Vestra::ProductType>, std::uint32_t>);
 
-TEST(Enumerations, HaveTheirNumbers) {
+TEST(Enumerations, EnumerationsHaveTheirNumbers) {
   EXPECT_EQ(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, 0U);
   EXPECT_EQ(Vestra::USER_ENVIRONMENT, 1U);
   EXPECT_EQ(Vestra::KELVO_COMMAND_LINE_OPTIONS, 2U);
@@ -48,7 +48,7 @@ Operation slot(VestraDataInterface* node, std::size_t position) {
   return (*reinterpret_cast<Operation**>(node))[position];
 }
 
-TEST(VirtualOperations, OfAnItemStandInTheirOrder) {
+TEST(VirtualOperations, ItemsOperationsStandInTheirOrder) {
   VestraParentData context("context", "client", true);
   VestraAddData item("k", "v", &context);
   EXPECT_EQ(slot<TextOperation>(&item, 0)(&item),
@@ -57,7 +57,7 @@ TEST(VirtualOperations, OfAnItemStandInTheirOrder) {
   EXPECT_EQ(slot<TextOperation>(&item, 2)(&item), "client");
 }
 
-TEST(VirtualOperations, OfAContextStandInTheirOrder) {
+TEST(VirtualOperations, ContextsOperationsStandInTheirOrder) {
   VestraParentData context("context", "client", true);
   context.addChild(new VestraAddData("k", "v", &context));
   EXPECT_EQ(slot<TextOperation>(&context, 0)(&context),
@@ -76,7 +76,7 @@ class NotedItem : public VestraAddData {
   bool& ended;
 };
 
-TEST(VirtualOperations, EndWithTheDeletingDestructor) {
+TEST(VirtualOperations, VirtualOperationsEndWithTheDeletingDestructor) {
   VestraParentData context("context", "client", true);
   bool ended = false;
   VestraDataInterface* node = new NotedItem(&context, ended);
@@ -89,7 +89,7 @@ const Field& fieldAt(const void* object, std::size_t offset) {
   return *reinterpret_cast<const Field*>(static_cast<const char*>(object) + offset);
 }
 
-TEST(Fields, OfAContextStandInTheirPlaces) {
+TEST(Fields, ContextsFieldsStandInTheirPlaces) {
   VestraParentData context("context", "client", true);
   auto* child = new VestraAddData("k", "v", &context);
   context.addChild(child);
@@ -102,7 +102,7 @@ TEST(Fields, OfAContextStandInTheirPlaces) {
             std::vector<VestraDataInterface*>{child});
 }
 
-TEST(Fields, OfAnItemStandInTheirPlaces) {
+TEST(Fields, ItemsFieldsStandInTheirPlaces) {
   VestraParentData context("context", "client", true);
   VestraAddData item("key", "value", &context);
   EXPECT_EQ(fieldAt<std::string>(&item, 8), "key");

@@ -13,28 +13,28 @@ namespace {
 
 using vestra_test::zlibCrc32;
 
-TEST(Crc32, OfTheEmptyTextIsZero) { EXPECT_EQ(crc32(""), 0U); }
+TEST(Crc32, ChecksumOfTheEmptyTextIsZero) { EXPECT_EQ(crc32(""), 0U); }
 
-TEST(Crc32, GivesThePublishedCheckValue) { EXPECT_EQ(crc32("123456789"), 3421780262U); }
+TEST(Crc32, ChecksumGivesThePublishedCheckValue) { EXPECT_EQ(crc32("123456789"), 3421780262U); }
 
-TEST(Crc32, OfAReportsFirstContext) {
+TEST(Crc32, ChecksumOfAReportsFirstContextIsKnown) {
   EXPECT_EQ(crc32("tool_flowkelvo_orbeloprojectsoftware_version_and_target_device"), 3600604488U);
 }
 
-TEST(Crc32, OfSingleBytes) {
+TEST(Crc32, ChecksumsOfSingleBytesAreKnown) {
   EXPECT_EQ(crc32("a"), 0xE8B7BE43U);
   EXPECT_EQ(crc32("\x01"), 0xA505DF1BU);
   EXPECT_EQ(crc32("\xff"), 0xFF000000U);
 }
 
-TEST(Crc32, OfEverySingleByteIsThatOfZlib) {
+TEST(Crc32, ChecksumOfEverySingleByteIsThatOfZlib) {
   for (int byte = 1; byte < 256; ++byte) {
     const std::string text(1, static_cast<char>(byte));
     EXPECT_EQ(crc32(text.c_str()), zlibCrc32(text)) << "byte " << byte;
   }
 }
 
-TEST(Crc32, OfAMegabyteIsThatOfZlib) {
+TEST(Crc32, ChecksumOfAMegabyteIsThatOfZlib) {
   std::string text;
   for (std::size_t i = 0; i < 1048576; ++i) {
     text += static_cast<char>(1 + i * 7919 % 255);
@@ -42,19 +42,19 @@ TEST(Crc32, OfAMegabyteIsThatOfZlib) {
   EXPECT_EQ(crc32(text.c_str()), zlibCrc32(text));
 }
 
-TEST(Crc32, OfTheHandlerEndsAtTheFirstNul) {
+TEST(Crc32, ChecksumOfTheHandlerEndsAtTheFirstNul) {
   VestraHandler handler;
   EXPECT_EQ(handler.getCrc32(std::string("123456789\0abc", 13)), 3421780262U);
   EXPECT_EQ(handler.getCrc32(std::string("\0abc", 4)), 0U);
 }
 
-TEST(Crc32, OfTheHandlerIsThatOfTheText) {
+TEST(Crc32, ChecksumOfTheHandlerIsThatOfTheText) {
   VestraHandler handler;
   EXPECT_EQ(handler.getCrc32(""), 0U);
   EXPECT_EQ(handler.getCrc32("123456789"), 3421780262U);
 }
 
-RC_GTEST_PROP(Crc32, OfAnyTextIsThatOfZlib, (const std::string& text)) {
+RC_GTEST_PROP(Crc32, ChecksumOfAnyTextIsThatOfZlib, (const std::string& text)) {
   RC_ASSERT(crc32(text.c_str()) == zlibCrc32(text));
 }
 

@@ -15,7 +15,7 @@ bool sortsBefore(const std::string& a, const std::string& b) {
   return key_compare()(&first, &second);
 }
 
-TEST(KeyCompare, OrdersByteByByte) {
+TEST(KeyCompare, ComparisonOrdersByteByByte) {
   EXPECT_TRUE(sortsBefore("abc", "abd"));
   EXPECT_FALSE(sortsBefore("abd", "abc"));
 }
@@ -30,13 +30,13 @@ TEST(KeyCompare, BytesAreUnsigned) {
   EXPECT_FALSE(sortsBefore("\xff", "a"));
 }
 
-TEST(KeyCompare, APrefixComesFirst) {
+TEST(KeyCompare, PrefixComesFirst) {
   EXPECT_TRUE(sortsBefore("project", "project_id"));
   EXPECT_FALSE(sortsBefore("project_id", "project"));
   EXPECT_TRUE(sortsBefore("", "a"));
 }
 
-TEST(KeyCompare, ANulByteIsAByteLikeAnother) {
+TEST(KeyCompare, NulByteIsAByteLikeAnother) {
   EXPECT_TRUE(sortsBefore(std::string("a\0", 2), std::string("a\0b", 3)));
   EXPECT_TRUE(sortsBefore("a", std::string("a\0", 2)));
 }

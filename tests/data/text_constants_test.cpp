@@ -33,7 +33,7 @@ static_assert(std::is_same_v<decltype(PARAM_KEY), const char*>);
 static_assert(std::is_same_v<decltype(PARAM_CLIENT), const char*>);
 static_assert(std::is_same_v<decltype(TYPE_ADD_DATA), const char*>);
 
-TEST(TextConstants, AreTheWordsOfAnItemsLine) {
+TEST(TextConstants, TextConstantsAreTheWordsOfAnItemsLine) {
   EXPECT_STREQ(NEW_LINE, "\n");
   EXPECT_STREQ(SPACE, " ");
   EXPECT_STREQ(PARAM_CONTEXT, "-context");
@@ -43,7 +43,7 @@ TEST(TextConstants, AreTheWordsOfAnItemsLine) {
   EXPECT_STREQ(TYPE_ADD_DATA, "vestra_add_data");
 }
 
-TEST(TextConstants, AreReadAnewForEachLine) {
+TEST(TextConstants, TextConstantsAreReadAnewForEachLine) {
   VestraParentData context("c", "p", true);
   VestraAddData item("k", "v", &context);
   {

@@ -23,13 +23,13 @@ class NotedNode : public VestraDataInterface {
   std::string& endsSeen;
 };
 
-TEST(Context, WithoutChildrenRendersAsNothing) {
+TEST(Context, ContextWithoutChildrenRendersAsNothing) {
   VestraParentData context("user_environment", "project", true);
   EXPECT_EQ(context.toTclString(), "");
   EXPECT_EQ(context.toCRCSegment(), "");
 }
 
-TEST(Context, RendersItsItemsInFilingOrderAndNothingElse) {
+TEST(Context, ContextRendersItsItemsInFilingOrderAndNothingElse) {
   VestraParentData context("user_environment", "project", true);
   context.addChild(new VestraAddData("c", "3", &context));
   context.addChild(new VestraAddData("a", "1", &context));
@@ -42,7 +42,7 @@ TEST(Context, RendersItsItemsInFilingOrderAndNothingElse) {
             "c3projectuser_environmenta1projectuser_environmentb2projectuser_environment");
 }
 
-TEST(Context, KeepsItemsWithTheSameKey) {
+TEST(Context, ContextKeepsItemsWithTheSameKey) {
   VestraParentData context("user_environment", "project", true);
   context.addChild(new VestraAddData("k", "1", &context));
   context.addChild(new VestraAddData("k", "2", &context));
@@ -51,7 +51,7 @@ TEST(Context, KeepsItemsWithTheSameKey) {
             "vestra_add_data -client project -key k -value \"2\" -context \"user_environment\"\n");
 }
 
-TEST(Context, AmongAnothersChildrenContributesItsOwnLines) {
+TEST(Context, ContextAmongAnothersChildrenContributesItsOwnLines) {
   VestraParentData outer("outer", "o", true);
   auto* inner = new VestraParentData("inner", "i", true);
   outer.addChild(inner);
@@ -60,7 +60,7 @@ TEST(Context, AmongAnothersChildrenContributesItsOwnLines) {
   EXPECT_EQ(outer.toCRCSegment(), "kviinner");
 }
 
-TEST(Context, AsksItsChildrenThroughTheirInterface) {
+TEST(Context, ContextAsksItsChildrenThroughTheirInterface) {
   std::string ends;
   VestraParentData context("c", "p", true);
   context.addChild(new NotedNode("a", ends));
@@ -69,7 +69,7 @@ TEST(Context, AsksItsChildrenThroughTheirInterface) {
   EXPECT_EQ(context.toCRCSegment(), "(a)(b)");
 }
 
-TEST(Context, SkipsANullChildWhenItRenders) {
+TEST(Context, ContextSkipsANullChildWhenItRenders) {
   VestraParentData context("user_environment", "project", true);
   context.addChild(nullptr);
   context.addChild(new VestraAddData("k", "v", &context));
@@ -79,7 +79,7 @@ TEST(Context, SkipsANullChildWhenItRenders) {
   EXPECT_EQ(context.toCRCSegment(), "kvprojectuser_environment");
 }
 
-TEST(Context, RendersAnItemOfAnotherContextAsThatOnes) {
+TEST(Context, ContextRendersAnItemOfAnotherContextAsThatOnes) {
   VestraParentData other("usage", "kelvo", false);
   VestraParentData context("user_environment", "project", true);
   context.addChild(new VestraAddData("k", "v", &other));
@@ -87,9 +87,11 @@ TEST(Context, RendersAnItemOfAnotherContextAsThatOnes) {
   EXPECT_EQ(context.toCRCSegment(), "kvkelvousage");
 }
 
-TEST(Context, TellsItsClient) { EXPECT_EQ(VestraParentData("c", "kelvo", false).getClient(), "kelvo"); }
+TEST(Context, ContextTellsItsClient) {
+  EXPECT_EQ(VestraParentData("c", "kelvo", false).getClient(), "kelvo");
+}
 
-TEST(Context, FreesItsChildrenInFilingOrder) {
+TEST(Context, ContextFreesItsChildrenInFilingOrder) {
   std::string ends;
   {
     VestraParentData context("c", "p", true);
@@ -101,7 +103,7 @@ TEST(Context, FreesItsChildrenInFilingOrder) {
   EXPECT_EQ(ends, "123");
 }
 
-TEST(Context, SkipsANullChildWhenItEnds) {
+TEST(Context, ContextSkipsANullChildWhenItEnds) {
   std::string ends;
   {
     VestraParentData context("c", "p", true);
@@ -112,7 +114,7 @@ TEST(Context, SkipsANullChildWhenItEnds) {
   EXPECT_EQ(ends, "1");
 }
 
-TEST(Context, FreesItsChildrenWhenFreedThroughTheInterface) {
+TEST(Context, ContextFreesItsChildrenWhenFreedThroughTheInterface) {
   std::string ends;
   auto* context = new VestraParentData("c", "p", true);
   context->addChild(new NotedNode("1", ends));
@@ -121,14 +123,14 @@ TEST(Context, FreesItsChildrenWhenFreedThroughTheInterface) {
   EXPECT_EQ(ends, "1");
 }
 
-TEST(ContextPath, IsTheContextItWasMadeWith) {
+TEST(ContextPath, PathIsTheContextItWasMadeWith) {
   VestraParentData context("kelvo\\\\usage", "kelvo", false);
   EXPECT_EQ(context.getContext(), "kelvo\\\\usage");
   EXPECT_EQ(context.getFormattedContext(), "kelvo\\\\usage");
   EXPECT_EQ(context.getWdmContext(), "kelvo\\\\usage");
 }
 
-TEST(ContextPath, TakesASuffixAndLosesItAgain) {
+TEST(ContextPath, PathTakesASuffixAndLosesItAgain) {
   VestraParentData context("kelvo\\\\usage", "kelvo", false);
   context.setVestraId("7");
   EXPECT_EQ(context.getContext(), "kelvo\\\\usage/7");
@@ -140,14 +142,14 @@ TEST(ContextPath, TakesASuffixAndLosesItAgain) {
   EXPECT_EQ(context.getWdmContext(), "kelvo\\\\usage");
 }
 
-TEST(ContextPath, ASecondSuffixReplacesTheFirst) {
+TEST(ContextPath, SecondSuffixReplacesTheFirst) {
   VestraParentData context("c", "p", true);
   context.setVestraId("7");
   context.setVestraId("8/9");
   EXPECT_EQ(context.getContext(), "c/8/9");
 }
 
-TEST(ContextPath, AnEmptyContextStillTakesASuffix) {
+TEST(ContextPath, EmptyContextStillTakesASuffix) {
   VestraParentData context("", "p", true);
   context.setVestraId("7");
   EXPECT_EQ(context.getContext(), "/7");
@@ -157,7 +159,7 @@ std::string checksumFormOf(const std::string& path) {
   return VestraParentData(path, "p", true).getCRCContext();
 }
 
-TEST(ContextPathInTheChecksum, ReadsTwoBackslashesAsOne) {
+TEST(ContextPathInTheChecksum, PathReadsTwoBackslashesAsOne) {
   EXPECT_EQ(checksumFormOf("kelvo\\\\usage"), "kelvo\\usage");
 }
 
@@ -169,19 +171,19 @@ TEST(ContextPathInTheChecksum, PairsNeverOverlap) {
   EXPECT_EQ(checksumFormOf("\\\\\\\\\\"), "\\\\\\");
 }
 
-TEST(ContextPathInTheChecksum, WithoutAPairIsThePath) {
+TEST(ContextPathInTheChecksum, PathWithoutAPairIsThePath) {
   EXPECT_EQ(checksumFormOf("software_version_and_target_device"), "software_version_and_target_device");
   EXPECT_EQ(checksumFormOf("a\\b\\c"), "a\\b\\c");
   EXPECT_EQ(checksumFormOf(""), "");
 }
 
-TEST(ContextPathInTheChecksum, CarriesTheSuffix) {
+TEST(ContextPathInTheChecksum, PathCarriesTheSuffix) {
   VestraParentData context("kelvo\\\\usage", "kelvo", false);
   context.setVestraId("\\\\7");
   EXPECT_EQ(context.getCRCContext(), "kelvo\\usage/\\7");
 }
 
-TEST(RulesBlock, OfAUserEnvironmentContext) {
+TEST(RulesBlock, UserEnvironmentContextHasItsStyle) {
   EXPECT_EQ(VestraParentData("software_version_and_target_device", "project", true).getWdmString(),
             "        {\n"
             "            context=\"software_version_and_target_device\";\n"
@@ -191,7 +193,7 @@ TEST(RulesBlock, OfAUserEnvironmentContext) {
             "        }");
 }
 
-TEST(RulesBlock, OfAProductContext) {
+TEST(RulesBlock, ProductContextHasItsStyle) {
   EXPECT_EQ(VestraParentData("tavlo\\\\usage", "tavlo", false).getWdmString(),
             "        {\n"
             "            context=\"tavlo\\\\usage\";\n"
@@ -201,7 +203,7 @@ TEST(RulesBlock, OfAProductContext) {
             "        }");
 }
 
-TEST(RulesBlock, CarriesTheSuffix) {
+TEST(RulesBlock, BlockCarriesTheSuffix) {
   VestraParentData context("tavlo\\\\usage", "tavlo", false);
   context.setVestraId("7");
   EXPECT_EQ(context.getWdmString(),
@@ -213,7 +215,7 @@ TEST(RulesBlock, CarriesTheSuffix) {
             "        }");
 }
 
-TEST(RulesBlock, DoesNotDependOnTheItems) {
+TEST(RulesBlock, BlockDoesNotDependOnTheItems) {
   VestraParentData context("c", "p", true);
   context.addChild(new VestraAddData("k", "v", &context));
   EXPECT_EQ(context.getWdmString(),

@@ -56,11 +56,11 @@ class FileSizeSignal : public testing::Test {
   vestra_test::TemporaryDirectory directory;
 };
 
-TEST_F(FileSizeSignal, EndsTheProcessWithoutAHold) {
+TEST_F(FileSizeSignal, SignalEndsTheProcessWithoutAHold) {
   EXPECT_THROW(inChildProcess([&] { return writeBeyondTheLimit(); }), std::runtime_error);
 }
 
-TEST_F(FileSizeSignal, IsHeldBackSoThatTheWriteOnlyFails) {
+TEST_F(FileSizeSignal, SignalIsHeldBackSoThatTheWriteOnlyFails) {
   EXPECT_EQ(inChildProcess([&] {
               FileSizeSignalHold hold;
               return writeBeyondTheLimit();
@@ -68,7 +68,7 @@ TEST_F(FileSizeSignal, IsHeldBackSoThatTheWriteOnlyFails) {
             "three bytes, then EFBIG");
 }
 
-TEST_F(FileSizeSignal, DoesNotComeAfterTheHoldAndTheMaskIsPutBack) {
+TEST_F(FileSizeSignal, SignalDoesNotComeAfterTheHoldAndTheMaskIsPutBack) {
   EXPECT_EQ(inChildProcess([&] {
               {
                 FileSizeSignalHold hold;
@@ -79,7 +79,7 @@ TEST_F(FileSizeSignal, DoesNotComeAfterTheHoldAndTheMaskIsPutBack) {
             "open");
 }
 
-TEST_F(FileSizeSignal, StaysBlockedForAHostThatBlocksIt) {
+TEST_F(FileSizeSignal, SignalStaysBlockedForAHostThatBlocksIt) {
   EXPECT_EQ(inChildProcess([&] {
               block();
               {
@@ -91,7 +91,7 @@ TEST_F(FileSizeSignal, StaysBlockedForAHostThatBlocksIt) {
             "blocked");
 }
 
-TEST_F(FileSizeSignal, ThatWasPendingBeforeStaysTheHosts) {
+TEST_F(FileSizeSignal, SignalThatWasPendingBeforeStaysTheHosts) {
   EXPECT_EQ(inChildProcess([&] {
               block();
               raise(SIGXFSZ);
@@ -104,7 +104,7 @@ TEST_F(FileSizeSignal, ThatWasPendingBeforeStaysTheHosts) {
             "pending");
 }
 
-TEST_F(FileSizeSignal, LeavesTheHostsHandlerAloneAndInPlace) {
+TEST_F(FileSizeSignal, SignalLeavesTheHostsHandlerAloneAndInPlace) {
   EXPECT_EQ(inChildProcess([&] {
               static volatile std::sig_atomic_t calls = 0;
               struct sigaction action {};

@@ -47,7 +47,7 @@ class OpenFile : public testing::Test {
   vestra_test::TimeLimit limit{10};
 };
 
-TEST_F(OpenFile, ARegularFileOpensEveryWay) {
+TEST_F(OpenFile, RegularFileOpensEveryWay) {
   writeFile(directory / "file", "text");
   EXPECT_TRUE(opens("file", FOR_READING));
   EXPECT_TRUE(opens("file", FOR_BOTH));
@@ -57,14 +57,14 @@ TEST_F(OpenFile, ARegularFileOpensEveryWay) {
   EXPECT_EQ(readFile(directory / "file"), "");
 }
 
-TEST_F(OpenFile, ALinkToARegularFileOpens) {
+TEST_F(OpenFile, LinkToARegularFileOpens) {
   writeFile(directory / "file", "text");
   makeLink(directory / "link", directory / "file");
   EXPECT_TRUE(opens("link", FOR_READING));
   EXPECT_TRUE(opens("link", FOR_APPENDING));
 }
 
-TEST_F(OpenFile, AMissingFileIsMadeForWritingOnly) {
+TEST_F(OpenFile, MissingFileIsMadeForWritingOnly) {
   EXPECT_FALSE(opens("reading", FOR_READING));
   EXPECT_FALSE(opens("both", FOR_BOTH));
   EXPECT_TRUE(opens("writing", FOR_WRITING));
@@ -72,12 +72,12 @@ TEST_F(OpenFile, AMissingFileIsMadeForWritingOnly) {
   EXPECT_EQ(vestra_test::namesIn(directory.path()), (std::vector<std::string>{"appending", "writing"}));
 }
 
-TEST_F(OpenFile, AMissingDirectoryOpensNoWay) {
+TEST_F(OpenFile, MissingDirectoryOpensNoWay) {
   EXPECT_FALSE(opens("missing/file", FOR_READING));
   EXPECT_FALSE(opens("missing/file", FOR_WRITING));
 }
 
-TEST_F(OpenFile, ADirectoryOpensNoWay) {
+TEST_F(OpenFile, DirectoryOpensNoWay) {
   makeDirectory(directory / "directory");
   EXPECT_FALSE(opens("directory", FOR_READING));
   EXPECT_FALSE(opens("directory", FOR_BOTH));
@@ -85,7 +85,7 @@ TEST_F(OpenFile, ADirectoryOpensNoWay) {
   EXPECT_FALSE(opens("directory", FOR_APPENDING));
 }
 
-TEST_F(OpenFile, ANamedPipeIsNotWaitedFor) {
+TEST_F(OpenFile, NamedPipeIsNotWaitedFor) {
   makeNamedPipe(directory / "pipe");
   EXPECT_FALSE(opens("pipe", FOR_READING));
   EXPECT_FALSE(opens("pipe", FOR_BOTH));
@@ -93,33 +93,33 @@ TEST_F(OpenFile, ANamedPipeIsNotWaitedFor) {
   EXPECT_FALSE(opens("pipe", FOR_APPENDING));
 }
 
-TEST_F(OpenFile, ALinkToANamedPipeIsNotWaitedFor) {
+TEST_F(OpenFile, LinkToANamedPipeIsNotWaitedFor) {
   makeNamedPipe(directory / "pipe");
   makeLink(directory / "link", "pipe");
   EXPECT_FALSE(opens("link", FOR_READING));
   EXPECT_FALSE(opens("link", FOR_WRITING));
 }
 
-TEST_F(OpenFile, ASocketOpensNoWay) {
+TEST_F(OpenFile, SocketOpensNoWay) {
   makeSocket(directory / "socket");
   EXPECT_FALSE(opens("socket", FOR_READING));
   EXPECT_FALSE(opens("socket", FOR_WRITING));
 }
 
-TEST_F(OpenFile, ADanglingLinkIsFilledByWriting) {
+TEST_F(OpenFile, DanglingLinkIsFilledByWriting) {
   makeLink(directory / "link", directory / "target");
   EXPECT_FALSE(opens("link", FOR_READING));
   EXPECT_TRUE(opens("link", FOR_WRITING));
   EXPECT_EQ(readFile(directory / "target"), "");
 }
 
-TEST_F(OpenFile, ALinkToItselfOpensNoWay) {
+TEST_F(OpenFile, LinkToItselfOpensNoWay) {
   makeLink(directory / "loop", "loop");
   EXPECT_FALSE(opens("loop", FOR_READING));
   EXPECT_FALSE(opens("loop", FOR_WRITING));
 }
 
-TEST_F(OpenFile, ADeviceIsWrittenToAndNotRead) {
+TEST_F(OpenFile, DeviceIsWrittenToAndNotRead) {
   makeLink(directory / "null", "/dev/null");
   makeLink(directory / "zero", "/dev/zero");
   EXPECT_FALSE(opens("null", FOR_READING));
@@ -129,21 +129,21 @@ TEST_F(OpenFile, ADeviceIsWrittenToAndNotRead) {
   EXPECT_TRUE(opens("zero", FOR_WRITING));
 }
 
-TEST_F(OpenFile, AFileWithoutPermissionsOpensNoWay) {
+TEST_F(OpenFile, FileWithoutPermissionsOpensNoWay) {
   writeFile(directory / "file", "text");
   const ScopedMode none(directory / "file", 0000);
   EXPECT_EQ(opensForAnOrdinaryUser("file", FOR_READING), "closed");
   EXPECT_EQ(opensForAnOrdinaryUser("file", FOR_WRITING), "closed");
 }
 
-TEST_F(OpenFile, AFileInADirectoryThatNobodyMayEnterOpensNoWay) {
+TEST_F(OpenFile, FileInADirectoryThatNobodyMayEnterOpensNoWay) {
   writeFile(directory / "shut/file", "text");
   const ScopedMode none(directory / "shut", 0000);
   EXPECT_EQ(opensForAnOrdinaryUser("shut/file", FOR_READING), "closed");
   EXPECT_EQ(opensForAnOrdinaryUser("shut/file", FOR_WRITING), "closed");
 }
 
-TEST_F(OpenFile, TheHostsLocaleGroupsNoDigits) {
+TEST_F(OpenFile, HostsLocaleGroupsNoDigits) {
   const ScopedLocale grouping(vestra_test::digitGroupingLocale());
   {
     std::ofstream file;
@@ -153,7 +153,7 @@ TEST_F(OpenFile, TheHostsLocaleGroupsNoDigits) {
   EXPECT_EQ(readFile(directory / "file"), "1234567");
 }
 
-TEST_F(OpenFile, TheHostsLocaleConvertsNoBytes) {
+TEST_F(OpenFile, HostsLocaleConvertsNoBytes) {
   const ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
   {
     std::ofstream file;

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(ReadLine, ReadsLineByLine) {
+TEST(ReadLine, ReadingReadsLineByLine) {
   std::istringstream in("one\n\ntwo");
   std::string line;
   EXPECT_TRUE(readLine(in, line));
@@ -25,14 +25,14 @@ TEST(ReadLine, ReadsLineByLine) {
   EXPECT_FALSE(readLine(in, line));
 }
 
-TEST(ReadLine, ReadsToTheEndThatIsAskedFor) {
+TEST(ReadLine, ReadingReadsToTheEndThatIsAskedFor) {
   std::istringstream in("one\ntwo\0three"s);
   std::string line;
   EXPECT_TRUE(readLine(in, line, '\0'));
   EXPECT_EQ(line, "one\ntwo");
 }
 
-TEST(ReadLine, OfAnEmptyTextGivesNothing) {
+TEST(ReadLine, ReadingOfAnEmptyTextGivesNothing) {
   std::istringstream in("");
   std::string line;
   EXPECT_FALSE(readLine(in, line));
@@ -61,7 +61,7 @@ struct ReadError : std::ios_base::failure {
   ReadError() : failure("error reading the file") {}
 };
 
-TEST(ReadLine, AReadErrorEndsTheTextAndLeavesTheStreamBad) {
+TEST(ReadLine, ReadErrorEndsTheTextAndLeavesTheStreamBad) {
   FailingSource<ReadError> source;
   std::istream in(&source);
   std::string line;

@@ -15,18 +15,18 @@ bool isOnWith(const std::optional<std::string>& value) {
   return isSwitchedOn("VESTRA_TEST_SWITCH");
 }
 
-TEST(EnvironmentSwitch, IsOffWhenUnset) { EXPECT_FALSE(isOnWith(std::nullopt)); }
+TEST(EnvironmentSwitch, SwitchIsOffWhenUnset) { EXPECT_FALSE(isOnWith(std::nullopt)); }
 
-TEST(EnvironmentSwitch, IsOffWhenEmpty) { EXPECT_FALSE(isOnWith("")); }
+TEST(EnvironmentSwitch, SwitchIsOffWhenEmpty) { EXPECT_FALSE(isOnWith("")); }
 
-TEST(EnvironmentSwitch, IsOnWithAnyText) {
+TEST(EnvironmentSwitch, SwitchIsOnWithAnyText) {
   EXPECT_TRUE(isOnWith("1"));
   EXPECT_TRUE(isOnWith("0"));
   EXPECT_TRUE(isOnWith("false"));
   EXPECT_TRUE(isOnWith(" "));
 }
 
-TEST(EnvironmentSwitch, IsReadAnewEachTime) {
+TEST(EnvironmentSwitch, SwitchIsReadAnewEachTime) {
   const vestra_test::ScopedEnv on("VESTRA_TEST_SWITCH", "1");
   EXPECT_TRUE(isSwitchedOn("VESTRA_TEST_SWITCH"));
   {

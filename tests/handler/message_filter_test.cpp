@@ -43,7 +43,7 @@ class MessageFilter : public testing::Test {
   vestra_test::TimeLimit limit{20};
 };
 
-TEST_F(MessageFilter, OfTheSimulatorIsEmptyAndLeavesTheLog) {
+TEST_F(MessageFilter, MessageFilterOfTheSimulatorIsEmptyAndLeavesTheLog) {
   writeFile(log(), "old");
   handler.setProductType(Vestra::KELVO);
   EXPECT_EQ(handler.getVestraMsgFilter(), "");
@@ -52,77 +52,77 @@ TEST_F(MessageFilter, OfTheSimulatorIsEmptyAndLeavesTheLog) {
   EXPECT_EQ(readFile(log()), "old");
 }
 
-TEST_F(MessageFilter, OfTheLabToolDeletesTheOldLogEachTime) {
+TEST_F(MessageFilter, MessageFilterOfTheLabToolDeletesTheOldLogEachTime) {
   writeFile(log(), "old");
   expectRemoval();
   writeFile(log(), "newer");
   expectRemoval();
 }
 
-TEST_F(MessageFilter, OfAnyOtherProductIsTheLabTools) {
+TEST_F(MessageFilter, MessageFilterOfAnyOtherProductIsTheLabTools) {
   handler.setProductType(static_cast<Vestra::ProductType>(7));
   writeFile(log(), "old");
   expectRemoval();
 }
 
-TEST_F(MessageFilter, DoesNotMindAMissingLog) {
+TEST_F(MessageFilter, MessageFilterDoesNotMindAMissingLog) {
   makeDirectory(project / "vestra");
   expectRemoval();
 }
 
-TEST_F(MessageFilter, DoesNotMindAMissingDirectory) { expectRemoval(); }
+TEST_F(MessageFilter, MessageFilterDoesNotMindAMissingDirectory) { expectRemoval(); }
 
-TEST_F(MessageFilter, DoesNotMindAFileForTheVestraDirectory) {
+TEST_F(MessageFilter, MessageFilterDoesNotMindAFileForTheVestraDirectory) {
   writeFile(project / "vestra", "");
   EXPECT_EQ(handler.getVestraMsgFilter(), " > " + log() + " 2>&1");
   EXPECT_EQ(readFile(project / "vestra"), "");
 }
 
-TEST_F(MessageFilter, DeletesAnEmptyDirectory) {
+TEST_F(MessageFilter, MessageFilterDeletesAnEmptyDirectory) {
   makeDirectory(log());
   expectRemoval();
 }
 
-TEST_F(MessageFilter, ThrowsAFilesystemErrorOnAFullDirectory) {
+TEST_F(MessageFilter, MessageFilterThrowsAFilesystemErrorOnAFullDirectory) {
   writeFile(log() + "/file", "");
   EXPECT_THROW(handler.getVestraMsgFilter(), boost::filesystem::filesystem_error);
   EXPECT_TRUE(exists(log() + "/file"));
 }
 
-TEST_F(MessageFilter, DeletesANamedPipeWithoutWaiting) {
+TEST_F(MessageFilter, MessageFilterDeletesANamedPipeWithoutWaiting) {
   makeNamedPipe(log());
   expectRemoval();
 }
 
-TEST_F(MessageFilter, DeletesASocket) {
+TEST_F(MessageFilter, MessageFilterDeletesASocket) {
   makeSocket(log());
   expectRemoval();
 }
 
-TEST_F(MessageFilter, DeletesALinkAndLeavesItsTarget) {
+TEST_F(MessageFilter, MessageFilterDeletesALinkAndLeavesItsTarget) {
   writeFile(project / "target", "kept");
   makeLink(log(), project / "target");
   expectRemoval();
   EXPECT_EQ(readFile(project / "target"), "kept");
 }
 
-TEST_F(MessageFilter, DeletesALinkToADeviceAndLeavesTheDevice) {
+TEST_F(MessageFilter, MessageFilterDeletesALinkToADeviceAndLeavesTheDevice) {
   makeLink(log(), "/dev/null");
   expectRemoval();
   EXPECT_TRUE(exists("/dev/null"));
 }
 
-TEST_F(MessageFilter, DeletesALinkToNowhere) {
+TEST_F(MessageFilter, MessageFilterDeletesALinkToNowhere) {
   makeLink(log(), project / "missing");
   expectRemoval();
 }
 
-TEST_F(MessageFilter, DeletesALinkToItself) {
+TEST_F(MessageFilter, MessageFilterDeletesALinkToItself) {
   makeLink(log(), "tavlo_vestra.log");
   expectRemoval();
 }
 
-TEST_F(MessageFilter, DeletesAReadOnlyLog) {
+TEST_F(MessageFilter, MessageFilterDeletesAReadOnlyLog) {
   writeFile(log(), "old");
   const vestra_test::ScopedMode anybody(project / "vestra", 0777);
   chmod(log().c_str(), 0444);
@@ -131,7 +131,7 @@ TEST_F(MessageFilter, DeletesAReadOnlyLog) {
   EXPECT_FALSE(exists(log()));
 }
 
-TEST_F(MessageFilter, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
+TEST_F(MessageFilter, MessageFilterThrowsAFilesystemErrorInAReadOnlyDirectory) {
   writeFile(log(), "old");
   const vestra_test::ScopedMode readOnly(project / "vestra", 0555);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&]() -> std::string {

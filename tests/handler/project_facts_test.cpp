@@ -57,7 +57,7 @@ class ProjectFacts : public testing::Test {
   std::unique_ptr<VestraHandler> handler = std::make_unique<VestraHandler>();
 };
 
-TEST_F(ProjectFacts, TheFirstItemWithAKeyIsKept) {
+TEST_F(ProjectFacts, FirstItemWithAKeyIsKept) {
   add("tool_flow", "a");
   add("tool_flow", "b");
   add("tool_flow", "c");
@@ -87,7 +87,7 @@ TEST_F(ProjectFacts, KeysThatTheReportDoesNotKnowAreFreed) {
   EXPECT_EQ(ends.find('f'), std::string::npos);
 }
 
-TEST_F(ProjectFacts, ThatComeAtTheEndOfAnotherAreKept) {
+TEST_F(ProjectFacts, FactThatComesAtTheEndOfAnotherIsKept) {
   auto* late = new NotedItem("beta", "late", &context, ends);
   handler->addData(new BequeathingItem("unknown", &context, *handler, late), PROJECT);
   handler->uniqueAndReorderData();
@@ -96,7 +96,7 @@ TEST_F(ProjectFacts, ThatComeAtTheEndOfAnotherAreKept) {
   EXPECT_EQ(ends, "late");
 }
 
-TEST_F(ProjectFacts, StandInTheReportsOrder) {
+TEST_F(ProjectFacts, FactsStandInTheReportsOrder) {
   add("project_iteration", "o");
   add("project_id", "n");
   add("random_id", "m");
@@ -118,14 +118,14 @@ TEST_F(ProjectFacts, StandInTheReportsOrder) {
   EXPECT_EQ(ends, "abcdefghijklmno");
 }
 
-TEST_F(ProjectFacts, KeepTheVeryItems) {
+TEST_F(ProjectFacts, FactsKeepTheVeryItems) {
   VestraAddData* item = add("BETA", "value");
   handler->uniqueAndReorderData();
   EXPECT_EQ(item->toTclString(),
             "vestra_add_data -client client -key beta -value \"value\" -context \"context\"\n");
 }
 
-TEST_F(ProjectFacts, AreTheSameAfterASecondTime) {
+TEST_F(ProjectFacts, FactsAreTheSameAfterASecondTime) {
   add("beta", "b");
   add("os_platform", "a");
   handler->uniqueAndReorderData();
@@ -145,7 +145,7 @@ TEST_F(ProjectFacts, AddedAfterTheFirstTimeFollowTheSameRules) {
   EXPECT_EQ(ends, "xzy") << "os_platform has been filled in by the first time";
 }
 
-TEST_F(ProjectFacts, OfOtherSectionsAreUntouched) {
+TEST_F(ProjectFacts, FactsOfOtherSectionsAreUntouched) {
   for (const auto section : {Vestra::USER_ENVIRONMENT, Vestra::KELVO_COMMAND_LINE_OPTIONS,
                              Vestra::KELVO_USAGE, Vestra::TAVLO_COMMAND_LINE_OPTIONS, Vestra::TAVLO_USAGE}) {
     auto* item = new NotedItem("Key", "k", &context, ends);
@@ -157,7 +157,7 @@ TEST_F(ProjectFacts, OfOtherSectionsAreUntouched) {
   }
 }
 
-TEST_F(ProjectFacts, AreTheSameForBothProducts) {
+TEST_F(ProjectFacts, FactsAreTheSameForBothProducts) {
   handler->setProductType(Vestra::TAVLO);
   add("unknown", "u");
   add("beta", "b");
@@ -168,7 +168,7 @@ TEST_F(ProjectFacts, AreTheSameForBothProducts) {
   EXPECT_EQ(ends, "uab");
 }
 
-TEST_F(ProjectFacts, AreLoweredByTheGlobalLocale) {
+TEST_F(ProjectFacts, FactsAreLoweredByTheGlobalLocale) {
   VestraAddData* item = add("Qroject_Id", "value");
   const vestra_test::ScopedLocale odd(vestra_test::oddLettersLocale());
   handler->uniqueAndReorderData();
@@ -204,7 +204,7 @@ TEST_F(ProjectFactsInTheScript, MissingOnesAreNotApplicable) {
             "project_iteration=7\n");
 }
 
-TEST_F(ProjectFactsInTheScript, ThatTheHostAddedAreKept) {
+TEST_F(ProjectFactsInTheScript, FactsThatTheHostAddedAreKept) {
   writeIdentity("0\n0\n7\n0\nid\n");
   add("Target_Speed", "-2", PROJECT);
   add("unknown", "x", PROJECT);
@@ -229,7 +229,7 @@ TEST_F(ProjectFactsInTheScript, ThatTheHostAddedAreKept) {
             "project_iteration=7\n");
 }
 
-TEST_F(ProjectFactsInTheScript, TheHostsIdentifierAndIterationComeFirst) {
+TEST_F(ProjectFactsInTheScript, HostsIdentifierAndIterationComeFirst) {
   writeIdentity("0\n0\n7\n0\nid\n");
   add("Project_Id", "host's", PROJECT);
   add("project_iteration", "host's too", PROJECT);
@@ -238,12 +238,12 @@ TEST_F(ProjectFactsInTheScript, TheHostsIdentifierAndIterationComeFirst) {
   EXPECT_NE(all.find("project_iteration=host's too\n"), std::string::npos) << all;
 }
 
-TEST_F(ProjectFactsInTheScript, TheToolFlowOfANewProjectWithAHostsIdentifierIsNoted) {
+TEST_F(ProjectFactsInTheScript, ToolFlowOfANewProjectWithAHostsIdentifierIsNoted) {
   add("project_id", "host's", PROJECT);
   EXPECT_NE(facts().find("tool_flow=kelvo_orbelo\n"), std::string::npos);
 }
 
-TEST_F(ProjectFactsInTheScript, TheToolFlowIsTheSameWordForTheLabTool) {
+TEST_F(ProjectFactsInTheScript, ToolFlowIsTheSameWordForTheLabTool) {
   handler.setProductType(Vestra::TAVLO);
   add("project_id", "host's", PROJECT);
   handler.prepareVestraData();
@@ -252,7 +252,7 @@ TEST_F(ProjectFactsInTheScript, TheToolFlowIsTheSameWordForTheLabTool) {
             std::string::npos);
 }
 
-TEST_F(ProjectFactsInTheScript, TheToolFlowOfTheHostWins) {
+TEST_F(ProjectFactsInTheScript, ToolFlowOfTheHostWins) {
   add("project_id", "host's", PROJECT);
   add("Tool_Flow", "own", PROJECT);
   EXPECT_NE(facts().find("tool_flow=own\n"), std::string::npos);

@@ -46,7 +46,7 @@ class ReportRun : public vestra_test::ReportFixture {
   ScopedEnv noDebugging{"CALVIX_VESTRA_DEBUG_EXT", std::nullopt};
 };
 
-TEST_F(ReportRun, OfTheSimulatorHasItsCommandLine) {
+TEST_F(ReportRun, RunOfTheSimulatorHasItsCommandLine) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   library.nameTool("/opt/design/bin/tool");
@@ -55,7 +55,7 @@ TEST_F(ReportRun, OfTheSimulatorHasItsCommandLine) {
                                         "/vestra/kelvo_vestra.tcl -notrace "});
 }
 
-TEST_F(ReportRun, OfTheAlternativeSimulatorHasTheSimulatorsCommandLine) {
+TEST_F(ReportRun, RunOfTheAlternativeSimulatorHasTheSimulatorsCommandLine) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO_ALT);
   EXPECT_TRUE(handler.execVestraData());
@@ -63,7 +63,7 @@ TEST_F(ReportRun, OfTheAlternativeSimulatorHasTheSimulatorsCommandLine) {
             Names{"/bin/true -mode batch -source " + project.path() + "/vestra/kelvo_vestra.tcl -notrace "});
 }
 
-TEST_F(ReportRun, OfTheLabToolHasItsCommandLine) {
+TEST_F(ReportRun, RunOfTheLabToolHasItsCommandLine) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   library.nameTool("/opt/design/bin/tool");
@@ -73,7 +73,7 @@ TEST_F(ReportRun, OfTheLabToolHasItsCommandLine) {
                                         "/vestra/tavlo_vestra.log 2>&1"});
 }
 
-TEST_F(ReportRun, QuotesNothing) {
+TEST_F(ReportRun, RunQuotesNothing) {
   RecordingShell shell;
   handler.setProjectDirectory(project.path() + "/a b;$c/");
   prepareFor(Vestra::KELVO);
@@ -83,7 +83,7 @@ TEST_F(ReportRun, QuotesNothing) {
                                         "/a b;$c//vestra/kelvo_vestra.tcl -notrace "});
 }
 
-TEST_F(ReportRun, OfAnEmptyToolStillAsksTheShell) {
+TEST_F(ReportRun, RunOfAnEmptyToolStillAsksTheShell) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   library.nameTool("");
@@ -92,7 +92,7 @@ TEST_F(ReportRun, OfAnEmptyToolStillAsksTheShell) {
             Names{" -mode batch -source " + project.path() + "/vestra/kelvo_vestra.tcl -notrace "});
 }
 
-TEST_F(ReportRun, FindsScriptAndRulesFile) {
+TEST_F(ReportRun, RunFindsScriptAndRulesFile) {
   RecordingShell shell;
   Names seen;
   shell.whileRunning([&] { seen = filesLeft(); });
@@ -101,7 +101,7 @@ TEST_F(ReportRun, FindsScriptAndRulesFile) {
   EXPECT_EQ(seen, (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"}));
 }
 
-TEST_F(ReportRun, SucceedsWithStatusZeroOnly) {
+TEST_F(ReportRun, RunSucceedsWithStatusZeroOnly) {
   for (const int status : {256, -1, 1, 9}) {
     RecordingShell shell(status);
     prepareFor(Vestra::KELVO);
@@ -112,21 +112,21 @@ TEST_F(ReportRun, SucceedsWithStatusZeroOnly) {
   EXPECT_TRUE(handler.execVestraData());
 }
 
-TEST_F(ReportRun, RemovesScriptAndRulesFile) {
+TEST_F(ReportRun, RunRemovesScriptAndRulesFile) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
   EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
 }
 
-TEST_F(ReportRun, ThatFailsRemovesScriptAndRulesFileToo) {
+TEST_F(ReportRun, RunThatFailsRemovesScriptAndRulesFileToo) {
   RecordingShell shell(256);
   prepareFor(Vestra::TAVLO);
   handler.execVestraData();
   EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
 }
 
-TEST_F(ReportRun, RemovesTheFilesOfItsOwnProductOnly) {
+TEST_F(ReportRun, RunRemovesTheFilesOfItsOwnProductOnly) {
   writeFile(inVestraDirectory("tavlo_vestra.tcl"), "");
   writeFile(inVestraDirectory("usage_statistics_ext_tavlo.wdm"), "");
   writeFile(inVestraDirectory("usage_statistics_ext_kelvo.xml"), "");
@@ -137,7 +137,7 @@ TEST_F(ReportRun, RemovesTheFilesOfItsOwnProductOnly) {
                                 "usage_statistics_ext_tavlo.wdm"}));
 }
 
-TEST_F(ReportRun, DoesNotMindFilesThatAreGone) {
+TEST_F(ReportRun, RunDoesNotMindFilesThatAreGone) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   unlink(inVestraDirectory("kelvo_vestra.tcl").c_str());
@@ -145,7 +145,7 @@ TEST_F(ReportRun, DoesNotMindFilesThatAreGone) {
   EXPECT_TRUE(handler.execVestraData());
 }
 
-TEST_F(ReportRun, DoesNotMindADirectoryThatIsGone) {
+TEST_F(ReportRun, RunDoesNotMindADirectoryThatIsGone) {
   RecordingShell shell;
   shell.whileRunning([&] {
     for (const std::string& name : filesLeft()) {
@@ -157,7 +157,7 @@ TEST_F(ReportRun, DoesNotMindADirectoryThatIsGone) {
   EXPECT_TRUE(handler.execVestraData());
 }
 
-TEST_F(ReportRun, KeepsTheFilesForTheDebugger) {
+TEST_F(ReportRun, RunKeepsTheFilesForTheDebugger) {
   for (const char* value : {"1", "0", " "}) {
     const ScopedEnv debugging("CALVIX_VESTRA_DEBUG_EXT", value);
     RecordingShell shell;
@@ -168,7 +168,7 @@ TEST_F(ReportRun, KeepsTheFilesForTheDebugger) {
   }
 }
 
-TEST_F(ReportRun, RemovesTheFilesUnderAnEmptyDebugVariable) {
+TEST_F(ReportRun, RunRemovesTheFilesUnderAnEmptyDebugVariable) {
   const ScopedEnv debugging("CALVIX_VESTRA_DEBUG_EXT", "");
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
@@ -176,7 +176,7 @@ TEST_F(ReportRun, RemovesTheFilesUnderAnEmptyDebugVariable) {
   EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
 }
 
-TEST_F(ReportRun, ReadsTheDebugVariableAfterTheRun) {
+TEST_F(ReportRun, RunReadsTheDebugVariableAfterTheRun) {
   const ScopedEnv notYet("CALVIX_VESTRA_DEBUG_EXT", std::nullopt);
   RecordingShell shell;
   shell.whileRunning([] { setenv("CALVIX_VESTRA_DEBUG_EXT", "1", 1); });
@@ -185,7 +185,7 @@ TEST_F(ReportRun, ReadsTheDebugVariableAfterTheRun) {
   EXPECT_TRUE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorOnAScriptThatCannotBeRemoved) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorOnAScriptThatCannotBeRemoved) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   unlink(inVestraDirectory("kelvo_vestra.tcl").c_str());
@@ -195,7 +195,7 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorOnAScriptThatCannotBeRemoved) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorOnARulesFileThatCannotBeRemoved) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorOnARulesFileThatCannotBeRemoved) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   unlink(inVestraDirectory("usage_statistics_ext_kelvo.wdm").c_str());
@@ -204,7 +204,7 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorOnARulesFileThatCannotBeRemoved) {
   EXPECT_FALSE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorInAReadOnlyDirectory) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   const vestra_test::ScopedMode readOnly(project / "vestra", 0555);
@@ -219,7 +219,7 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
   EXPECT_TRUE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportRun, DeletesTheOldLogBeforeTheLabToolStarts) {
+TEST_F(ReportRun, RunDeletesTheOldLogBeforeTheLabToolStarts) {
   writeFile(handler.getLogFileName(), "old");
   bool logWasThere = true;
   RecordingShell shell;
@@ -229,7 +229,7 @@ TEST_F(ReportRun, DeletesTheOldLogBeforeTheLabToolStarts) {
   EXPECT_FALSE(logWasThere);
 }
 
-TEST_F(ReportRun, LeavesTheLogOfTheSimulatorAlone) {
+TEST_F(ReportRun, RunLeavesTheLogOfTheSimulatorAlone) {
   writeFile(handler.getLogFileName(), "old");
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
@@ -237,7 +237,7 @@ TEST_F(ReportRun, LeavesTheLogOfTheSimulatorAlone) {
   EXPECT_EQ(readFile(handler.getLogFileName()), "old");
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorOnALogThatCannotBeRemovedAndRunsNothing) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorOnALogThatCannotBeRemovedAndRunsNothing) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   writeFile(handler.getLogFileName() + "/file", "");
@@ -249,21 +249,21 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorOnALogThatCannotBeRemovedAndRunsNothing)
 
 // The support library.
 
-TEST_F(ReportRun, ClosesTheSupportLibrary) {
+TEST_F(ReportRun, RunClosesTheSupportLibrary) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, ThatFailsClosesTheSupportLibraryToo) {
+TEST_F(ReportRun, RunThatFailsClosesTheSupportLibraryToo) {
   RecordingShell shell(256);
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, HoldsTheSupportLibraryUntilTheToolHasEnded) {
+TEST_F(ReportRun, RunHoldsTheSupportLibraryUntilTheToolHasEnded) {
   bool wasOpen = false;
   RecordingShell shell;
   shell.whileRunning([&] { wasOpen = support_library::isOpen(); });
@@ -273,7 +273,7 @@ TEST_F(ReportRun, HoldsTheSupportLibraryUntilTheToolHasEnded) {
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST_F(ReportRun, IsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
+TEST_F(ReportRun, RunIsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
@@ -284,7 +284,7 @@ TEST_F(ReportRun, IsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, ClosesWhatSeveralPreparationsOpenedOnce) {
+TEST_F(ReportRun, RunClosesWhatSeveralPreparationsOpenedOnce) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   prepareFor(Vestra::KELVO);
@@ -292,7 +292,7 @@ TEST_F(ReportRun, ClosesWhatSeveralPreparationsOpenedOnce) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, LeavesTheSupportLibraryOfAnotherHandlerOpen) {
+TEST_F(ReportRun, RunLeavesTheSupportLibraryOfAnotherHandlerOpen) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
@@ -305,7 +305,7 @@ TEST_F(ReportRun, LeavesTheSupportLibraryOfAnotherHandlerOpen) {
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST_F(ReportRun, WithoutAToolRunsNothingAndLeavesEverything) {
+TEST_F(ReportRun, RunWithoutAToolRunsNothingAndLeavesEverything) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   writeFile(handler.getLogFileName(), "old");
@@ -317,7 +317,7 @@ TEST_F(ReportRun, WithoutAToolRunsNothingAndLeavesEverything) {
   EXPECT_TRUE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, WithoutAToolHasCountedTheAttempt) {
+TEST_F(ReportRun, RunWithoutAToolHasCountedTheAttempt) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   library.nameTool(std::nullopt);
@@ -325,7 +325,7 @@ TEST_F(ReportRun, WithoutAToolHasCountedTheAttempt) {
   EXPECT_EQ(identity(), "1700000000\n0\n8\n0\nid\n");
 }
 
-TEST(ReportRunWithoutEntryPoint, ThrowsWhatIsMissing) {
+TEST(ReportRunWithoutEntryPoint, RunThrowsWhatIsMissing) {
   const vestra_test::TemporaryDirectory project;
   const vestra_test::StandInLibrary library("no_exec_path");
   RecordingShell shell;
@@ -339,7 +339,7 @@ TEST(ReportRunWithoutEntryPoint, ThrowsWhatIsMissing) {
 
 // Sending: counted always, run when due.
 
-TEST_F(ReportRun, IsStartedWhenDue) {
+TEST_F(ReportRun, RunIsStartedWhenDue) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   EXPECT_TRUE(handler.sendVestraData());
@@ -347,13 +347,13 @@ TEST_F(ReportRun, IsStartedWhenDue) {
   EXPECT_EQ(identity(), "1700000000\n0\n8\n0\nid\n");
 }
 
-TEST_F(ReportRun, CountsAsSentEvenWhenTheToolFails) {
+TEST_F(ReportRun, RunCountsAsSentEvenWhenTheToolFails) {
   RecordingShell shell(256);
   prepareFor(Vestra::KELVO);
   EXPECT_TRUE(handler.sendVestraData());
 }
 
-TEST_F(ReportRun, IsNotedInTheIdentityFileBeforeItStarts) {
+TEST_F(ReportRun, RunIsNotedInTheIdentityFileBeforeItStarts) {
   RecordingShell shell;
   std::string seen;
   shell.whileRunning([&] { seen = identity(); });
@@ -362,7 +362,7 @@ TEST_F(ReportRun, IsNotedInTheIdentityFileBeforeItStarts) {
   EXPECT_EQ(seen, "1700000000\n0\n8\n0\nid\n");
 }
 
-TEST_F(ReportRun, IsNotStartedWhenNotDue) {
+TEST_F(ReportRun, RunIsNotStartedWhenNotDue) {
   writeIdentity("1699913600\n0\n7\n0\nid\n");
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
@@ -374,14 +374,14 @@ TEST_F(ReportRun, IsNotStartedWhenNotDue) {
   EXPECT_TRUE(support_library::isOpen());
 }
 
-TEST_F(ReportRun, IsStartedASecondAfterADay) {
+TEST_F(ReportRun, RunIsStartedASecondAfterADay) {
   writeIdentity("1699913599\n0\n7\n0\nid\n");
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   EXPECT_TRUE(handler.sendVestraData());
 }
 
-TEST_F(ReportRun, OfEachProductSlotIsDueOnItsOwn) {
+TEST_F(ReportRun, RunOfEachProductSlotIsDueOnItsOwn) {
   RecordingShell shell;
   for (const auto product : {Vestra::KELVO, Vestra::KELVO_ALT}) {
     prepareFor(product);
@@ -397,7 +397,7 @@ TEST_F(ReportRun, OfEachProductSlotIsDueOnItsOwn) {
 
 // A real shell and a real tool.
 
-TEST_F(ReportRun, ByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
+TEST_F(ReportRun, RunByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
   writeFile(project / "tool", "#!/bin/sh\nprintf '<%s>' \"$@\"\necho problem >&2\n");
   chmod((project / "tool").c_str(), 0755);
   prepareFor(Vestra::TAVLO);
@@ -408,7 +408,7 @@ TEST_F(ReportRun, ByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
             "<-mode><batch><-source><" + project.path() + "/vestra/tavlo_vestra.tcl><-notrace>problem\n");
 }
 
-TEST_F(ReportRun, ByARealShellTellsWhetherTheToolSucceeded) {
+TEST_F(ReportRun, RunByARealShellTellsWhetherTheToolSucceeded) {
   prepareFor(Vestra::KELVO);
   library.nameTool("/bin/false");
   EXPECT_FALSE(handler.execVestraData());

@@ -26,34 +26,34 @@ ScriptCommand addData(const std::string& key, const std::string& value) {
   return {"vestra_add_data", "-client", "kelvo", "-key", key, "-value", value, "-context", "kelvo\\usage"};
 }
 
-TEST(ItemInTcl, IsOneCommandWithOneBackslashInItsContext) {
+TEST(ItemInTcl, ItemIsOneCommandWithOneBackslashInItsContext) {
   EXPECT_EQ(commandsOfItem("runs", "2"), std::vector<ScriptCommand>{addData("runs", "2")});
 }
 
-TEST(ItemInTcl, MayHoldBlanksBracesAndLineFeedsInItsValue) {
+TEST(ItemInTcl, ItemMayHoldBlanksBracesAndLineFeedsInItsValue) {
   for (const char* value :
        {"", " ", "a b", "{", "}", "a ; b", "# no comment", "one\ntwo", "\t", "]", "-key", "\xc3\xa9\xff"}) {
     EXPECT_EQ(commandsOfItem("k", value), std::vector<ScriptCommand>{addData("k", value)}) << value;
   }
 }
 
-TEST(ItemInTcl, MayHoldQuotesAndBracesInsideItsKey) {
+TEST(ItemInTcl, ItemMayHoldQuotesAndBracesInsideItsKey) {
   for (const char* key : {"a\"b", "a{b", "a}b", "}", "#", "-value", "a.b:c/d=e,f", "\xc3\xa9\xff"}) {
     EXPECT_EQ(commandsOfItem(key, "v"), std::vector<ScriptCommand>{addData(key, "v")}) << key;
   }
 }
 
-TEST(ItemInTcl, WithAQuoteInItsValueBreaksTheScript) {
+TEST(ItemInTcl, ItemWithAQuoteInItsValueBreaksTheScript) {
   EXPECT_THROW(commandsOfItem("k", "a\"b"), std::runtime_error);
 }
 
-TEST(ItemInTcl, WithADollarOrABracketInItsValueBreaksTheScript) {
+TEST(ItemInTcl, ItemWithADollarOrABracketInItsValueBreaksTheScript) {
   EXPECT_THROW(commandsOfItem("k", "$undefined"), std::runtime_error);
   EXPECT_THROW(commandsOfItem("k", "[undefined]"), std::runtime_error);
   EXPECT_THROW(commandsOfItem("k", "[exec ls]"), std::runtime_error);
 }
 
-TEST(ItemInTcl, WithABackslashInItsValueComesOutChanged) {
+TEST(ItemInTcl, ItemWithABackslashInItsValueComesOutChanged) {
   EXPECT_EQ(commandsOfItem("k", "a\\\\b"), std::vector<ScriptCommand>{addData("k", "a\\b")});
 }
 
@@ -74,7 +74,7 @@ rc::Gen<std::string> harmlessKey() {
       rc::gen::container<std::string>(rc::gen::suchThat(rc::gen::arbitrary<char>(), isHarmlessInAKey)));
 }
 
-RC_GTEST_PROP(ItemInTcl, WithoutHazardsComesOutAsItWentIn, ()) {
+RC_GTEST_PROP(ItemInTcl, ItemWithoutHazardsComesOutAsItWentIn, ()) {
   const std::string key = *harmlessKey();
   const std::string value = *harmlessValue();
   RC_ASSERT(commandsOfItem(key, value) == std::vector<ScriptCommand>{addData(key, value)});
@@ -114,7 +114,7 @@ std::string checksumTextOf(const std::vector<ScriptCommand>& commands, const std
   return text;
 }
 
-TEST(ReportInTcl, OfTheSimulatorIsInitItemsTransmitTerminate) {
+TEST(ReportInTcl, ScriptOfTheSimulatorIsInitItemsTransmitTerminate) {
   Report report;
   report.add("runs", "2", Vestra::KELVO_USAGE);
   const std::vector<ScriptCommand> commands = report.commands();
@@ -145,7 +145,7 @@ Items itemsOf(const std::vector<ScriptCommand>& commands, const std::string& con
   return items;
 }
 
-RC_GTEST_PROP(ReportInTcl, HoldsTheItemsAsTheyWentInAndTheirChecksum, ()) {
+RC_GTEST_PROP(ReportInTcl, ScriptHoldsTheItemsAsTheyWentInAndTheirChecksum, ()) {
   const Items options = *rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue()));
   const Items usage =
       *rc::gen::nonEmpty(rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue())));

@@ -104,7 +104,7 @@ vestra_add_data -client project -key e -value "5" -context "user_environment"
 vestra_add_data -client project -key f -value "6" -context "user_environment"
 )";
 
-TEST_F(ReportScript, OfTheSimulatorIsWhole) {
+TEST_F(ReportScript, ScriptOfTheSimulatorIsWhole) {
   add("verbose", "on", Vestra::KELVO_COMMAND_LINE_OPTIONS);
   add("runs", "2", Vestra::KELVO_USAGE);
   EXPECT_TRUE(handler.prepareVestraData());
@@ -137,7 +137,7 @@ TEST_F(ReportScript, OfTheSimulatorIsWhole) {
                           "vestra_terminate\n");
 }
 
-TEST_F(ReportScript, OfTheLabToolIsWhole) {
+TEST_F(ReportScript, ScriptOfTheLabToolIsWhole) {
   handler.setProductType(Vestra::TAVLO);
   add("probe", "on", Vestra::TAVLO_COMMAND_LINE_OPTIONS);
   EXPECT_TRUE(handler.prepareVestraData());
@@ -170,30 +170,30 @@ TEST_F(ReportScript, OfTheLabToolIsWhole) {
                       "vestra_terminate\n");
 }
 
-TEST_F(ReportScript, OfTheAlternativeSimulatorIsTheSimulators) {
+TEST_F(ReportScript, ScriptOfTheAlternativeSimulatorIsTheSimulators) {
   const std::string simulators = preparedScript();
   handler.setProductType(Vestra::KELVO_ALT);
   library.describeEnvironment("");
   EXPECT_EQ(preparedScript(), simulators);
 }
 
-TEST_F(ReportScript, StandsBesideItsRulesFile) {
+TEST_F(ReportScript, ScriptStandsBesideItsRulesFile) {
   handler.prepareVestraData();
   EXPECT_EQ(namesIn(project / "vestra"), (std::vector<std::string>{".kelvo_vestrra.info", "kelvo_vestra.tcl",
                                                                    "usage_statistics_ext_kelvo.wdm"}));
 }
 
-TEST_F(ReportScript, DoesNotTouchTheIdentityFile) {
+TEST_F(ReportScript, ScriptDoesNotTouchTheIdentityFile) {
   handler.prepareVestraData();
   EXPECT_EQ(identity(), "0\n0\n7\n0\nid\n");
 }
 
-TEST_F(ReportScript, OfANewProjectReportsTheFirstIteration) {
+TEST_F(ReportScript, ScriptOfANewProjectReportsTheFirstIteration) {
   unlink(inVestraDirectory(".kelvo_vestrra.info").c_str());
   EXPECT_NE(preparedScript().find("-key project_iteration -value \"1\""), std::string::npos);
 }
 
-TEST_F(ReportScript, NamesTheDirectoryWithADoubledSlashWhereTheProjectEndsInOne) {
+TEST_F(ReportScript, ScriptNamesTheDirectoryWithADoubledSlashWhereTheProjectEndsInOne) {
   handler.setProjectDirectory(project.path() + "/");
   const std::string text = preparedScript();
   EXPECT_EQ(text.substr(0, text.find('\n')), "vestra_init -vestra_dir " + project.path() + "//vestra/");
@@ -201,7 +201,7 @@ TEST_F(ReportScript, NamesTheDirectoryWithADoubledSlashWhereTheProjectEndsInOne)
 
 // The walk over the contexts: two empty neighbours are skipped together.
 
-TEST_F(ReportScript, WithTheProjectsContextsRegistersTheProjectOnly) {
+TEST_F(ReportScript, ScriptWithTheProjectsContextsRegistersTheProjectOnly) {
   EXPECT_EQ(walk(), "vestra_register_client -client project\n" + ENVIRONMENT_LINES);
   EXPECT_EQ(clientId(), zlibCrc32Text("318202322project" + FACT_SEGMENTS +
                                       "a1projectuser_environmentb2projectuser_environment"
@@ -209,13 +209,13 @@ TEST_F(ReportScript, WithTheProjectsContextsRegistersTheProjectOnly) {
                                       "e5projectuser_environmentf6projectuser_environment"));
 }
 
-TEST_F(ReportScript, WithTheFirstContextAloneSkipsTwoPairsAndVisitsTheLast) {
+TEST_F(ReportScript, ScriptWithTheFirstContextAloneSkipsTwoPairsAndVisitsTheLast) {
   library.describeEnvironment("");
   EXPECT_EQ(walk(), "vestra_register_client -client project\n");
   EXPECT_EQ(clientId(), zlibCrc32Text("318202322project" + FACT_SEGMENTS));
 }
 
-TEST_F(ReportScript, WithTheFirstAndTheUsageContextLeavesTheClientUnregistered) {
+TEST_F(ReportScript, ScriptWithTheFirstAndTheUsageContextLeavesTheClientUnregistered) {
   library.describeEnvironment("");
   add("runs", "2", Vestra::KELVO_USAGE);
   EXPECT_EQ(walk(),
@@ -224,14 +224,14 @@ TEST_F(ReportScript, WithTheFirstAndTheUsageContextLeavesTheClientUnregistered) 
   EXPECT_EQ(clientId(), zlibCrc32Text("318202322project" + FACT_SEGMENTS + "runs2kelvokelvo\\usage"));
 }
 
-TEST_F(ReportScript, WithAnEnvironmentAndTheUsageContextRegistersTheClient) {
+TEST_F(ReportScript, ScriptWithAnEnvironmentAndTheUsageContextRegistersTheClient) {
   add("runs", "2", Vestra::KELVO_USAGE);
   EXPECT_EQ(walk(), "vestra_register_client -client project\n" + ENVIRONMENT_LINES +
                         "vestra_register_client -client kelvo\n"
                         "vestra_add_data -client kelvo -key runs -value \"2\" -context \"kelvo\\\\usage\"\n");
 }
 
-TEST_F(ReportScript, WithTheOptionsContextVisitsTheEmptyOneBeforeIt) {
+TEST_F(ReportScript, ScriptWithTheOptionsContextVisitsTheEmptyOneBeforeIt) {
   library.describeEnvironment("");
   add("verbose", "on", Vestra::KELVO_COMMAND_LINE_OPTIONS);
   EXPECT_EQ(walk(),
@@ -243,7 +243,7 @@ TEST_F(ReportScript, WithTheOptionsContextVisitsTheEmptyOneBeforeIt) {
                                       "kelvoverboseonkelvokelvo\\command_line_options"));
 }
 
-TEST_F(ReportScript, WithTheLastContextAloneLeavesItsClientUnregistered) {
+TEST_F(ReportScript, ScriptWithTheLastContextAloneLeavesItsClientUnregistered) {
   library.describeEnvironment("");
   add("probes", "3", Vestra::TAVLO_USAGE);
   EXPECT_EQ(walk(),
@@ -251,7 +251,7 @@ TEST_F(ReportScript, WithTheLastContextAloneLeavesItsClientUnregistered) {
             "vestra_add_data -client tavlo -key probes -value \"3\" -context \"tavlo\\\\usage\"\n");
 }
 
-TEST_F(ReportScript, WithAnEnvironmentAndTheLastContextRegistersItsClient) {
+TEST_F(ReportScript, ScriptWithAnEnvironmentAndTheLastContextRegistersItsClient) {
   add("probes", "3", Vestra::TAVLO_USAGE);
   EXPECT_EQ(walk(),
             "vestra_register_client -client project\n" + ENVIRONMENT_LINES +
@@ -259,7 +259,7 @@ TEST_F(ReportScript, WithAnEnvironmentAndTheLastContextRegistersItsClient) {
                 "vestra_add_data -client tavlo -key probes -value \"3\" -context \"tavlo\\\\usage\"\n");
 }
 
-TEST_F(ReportScript, WithOptionsAndTheLastContextSkipsTheUsageAndTheNextClientsFirst) {
+TEST_F(ReportScript, ScriptWithOptionsAndTheLastContextSkipsTheUsageAndTheNextClientsFirst) {
   add("verbose", "on", Vestra::KELVO_COMMAND_LINE_OPTIONS);
   add("probes", "3", Vestra::TAVLO_USAGE);
   EXPECT_EQ(walk(),
@@ -270,7 +270,7 @@ TEST_F(ReportScript, WithOptionsAndTheLastContextSkipsTheUsageAndTheNextClientsF
                 "vestra_add_data -client tavlo -key probes -value \"3\" -context \"tavlo\\\\usage\"\n");
 }
 
-TEST_F(ReportScript, WithEveryContextRegistersEveryClient) {
+TEST_F(ReportScript, ScriptWithEveryContextRegistersEveryClient) {
   add("verbose", "on", Vestra::KELVO_COMMAND_LINE_OPTIONS);
   add("runs", "2", Vestra::KELVO_USAGE);
   add("probe", "on", Vestra::TAVLO_COMMAND_LINE_OPTIONS);
@@ -287,7 +287,7 @@ TEST_F(ReportScript, WithEveryContextRegistersEveryClient) {
                 "vestra_add_data -client tavlo -key probes -value \"3\" -context \"tavlo\\\\usage\"\n");
 }
 
-TEST_F(ReportScript, KeepsItemsWithTheSameKeyInCallOrder) {
+TEST_F(ReportScript, ScriptKeepsItemsWithTheSameKeyInCallOrder) {
   library.describeEnvironment("");
   add("Runs", "2", Vestra::KELVO_USAGE);
   add("Runs", "1", Vestra::KELVO_USAGE);
@@ -315,7 +315,7 @@ class AskedNode : public VestraDataInterface {
   std::string& asked;
 };
 
-TEST_F(ReportScript, AsksEachNodeOnceForItsLineAndThenForItsSegment) {
+TEST_F(ReportScript, ScriptAsksEachNodeOnceForItsLineAndThenForItsSegment) {
   std::string asked;
   handler.addData(new AskedNode(asked), Vestra::USER_ENVIRONMENT);
   handler.addData(new AskedNode(asked), Vestra::KELVO_USAGE);
@@ -337,13 +337,13 @@ TEST_F(ReportScript, ChecksumFollowsTheHour) {
   EXPECT_EQ(clientId(), zlibCrc32Text("318202323project" + FACT_SEGMENTS));
 }
 
-TEST_F(ReportScript, OfAnExternalSiteHasTheBareRegistration) {
+TEST_F(ReportScript, ScriptOfAnExternalSiteHasTheBareRegistration) {
   const vestra_test::ScopedDomainName domain("elsewhere.example");
   handler.prepareVestraData();
   EXPECT_EQ(registration(), "\"REG-1\"");
 }
 
-TEST_F(ReportScript, OfAnInternalSiteMarksTheRegistrationAsATest) {
+TEST_F(ReportScript, ScriptOfAnInternalSiteMarksTheRegistrationAsATest) {
   const vestra_test::ScopedEnv noOverride("CALVIX_VESTRA_INTERNAL_TRANSMIT", std::nullopt);
   const vestra_test::ScopedDomainName domain("lab." VESTRA_MAKER_DOMAIN);
   handler.prepareVestraData();
@@ -354,55 +354,55 @@ TEST_F(ReportScript, OfAnInternalSiteMarksTheRegistrationAsATest) {
             std::string::npos);
 }
 
-TEST_F(ReportScript, OfAnInternalSiteUnderTheOverrideHasTheBareRegistration) {
+TEST_F(ReportScript, ScriptOfAnInternalSiteUnderTheOverrideHasTheBareRegistration) {
   const vestra_test::ScopedEnv set("CALVIX_VESTRA_INTERNAL_TRANSMIT", "1");
   const vestra_test::ScopedDomainName domain("lab." VESTRA_MAKER_DOMAIN);
   handler.prepareVestraData();
   EXPECT_EQ(registration(), "\"REG-1\"");
 }
 
-TEST_F(ReportScript, TakesTheRegistrationAsItIs) {
+TEST_F(ReportScript, ScriptTakesTheRegistrationAsItIs) {
   library.nameRegistration("");
   handler.prepareVestraData();
   EXPECT_EQ(registration(), "\"\"");
 }
 
-TEST_F(ReportScript, HasOurNumbersUnderTheHostsLocale) {
+TEST_F(ReportScript, ScriptHasOurNumbersUnderTheHostsLocale) {
   const std::string plain = preparedScript();
   const vestra_test::ScopedLocale grouping(vestra_test::digitGroupingLocale());
   library.describeEnvironment("");
   EXPECT_EQ(preparedScript(), plain);
 }
 
-TEST_F(ReportScript, HasOurBytesUnderTheHostsLocale) {
+TEST_F(ReportScript, ScriptHasOurBytesUnderTheHostsLocale) {
   const std::string plain = preparedScript();
   const vestra_test::ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
   library.describeEnvironment("");
   EXPECT_EQ(preparedScript(), plain);
 }
 
-TEST_F(ReportScript, IsReplacedAndNotAppendedTo) {
+TEST_F(ReportScript, ScriptIsReplacedAndNotAppendedTo) {
   writeFile(inVestraDirectory("kelvo_vestra.tcl"), std::string(100000, 'x'));
   const std::string first = preparedScript();
   library.describeEnvironment("");
   EXPECT_EQ(preparedScript(), first);
 }
 
-TEST_F(ReportScript, OfASecondPreparationHasTheEnvironmentTwice) {
+TEST_F(ReportScript, ScriptOfASecondPreparationHasTheEnvironmentTwice) {
   handler.prepareVestraData();
   EXPECT_EQ(walk(), "vestra_register_client -client project\n" + ENVIRONMENT_LINES + ENVIRONMENT_LINES);
 }
 
 // The support library.
 
-TEST_F(ReportScript, AsksTheSupportLibraryForEnvironmentAndRegistration) {
+TEST_F(ReportScript, ScriptAsksTheSupportLibraryForEnvironmentAndRegistration) {
   handler.prepareVestraData();
   EXPECT_EQ(library.calls(),
             "oza_vestra_enviroment_data(KELVO)\n"
             "oza_vestra_regid(Implementation)\n");
 }
 
-TEST_F(ReportScript, OfTheLabToolAsksForTheEnvironmentWithNull) {
+TEST_F(ReportScript, ScriptOfTheLabToolAsksForTheEnvironmentWithNull) {
   handler.setProductType(Vestra::TAVLO);
   handler.prepareVestraData();
   EXPECT_EQ(library.calls(),
@@ -410,14 +410,14 @@ TEST_F(ReportScript, OfTheLabToolAsksForTheEnvironmentWithNull) {
             "oza_vestra_regid(Implementation)\n");
 }
 
-TEST_F(ReportScript, OfAnotherHandlerUsesTheLibraryThatIsOpen) {
+TEST_F(ReportScript, ScriptOfAnotherHandlerUsesTheLibraryThatIsOpen) {
   handler.prepareVestraData();
   VestraHandler another;
   another.setProjectDirectory(project / "another");
   EXPECT_TRUE(another.prepareVestraData());
 }
 
-TEST_F(ReportScript, IsLeftUnfinishedWithoutARegistration) {
+TEST_F(ReportScript, ScriptIsLeftUnfinishedWithoutARegistration) {
   library.nameRegistration(std::nullopt);
   EXPECT_EQ(errorOf([&] { handler.prepareVestraData(); }), "basic_string::_M_construct null not valid");
   EXPECT_EQ(script(), "vestra_init -vestra_dir " + project.path() +
@@ -426,7 +426,7 @@ TEST_F(ReportScript, IsLeftUnfinishedWithoutARegistration) {
                           FACT_LINES + ENVIRONMENT_LINES);
 }
 
-TEST_F(ReportScript, IsNotBegunWithoutAnEnvironment) {
+TEST_F(ReportScript, ScriptIsNotBegunWithoutAnEnvironment) {
   library.describeEnvironment(std::nullopt);
   EXPECT_EQ(errorOf([&] { handler.prepareVestraData(); }), "basic_string::_M_construct null not valid");
   EXPECT_FALSE(exists(inVestraDirectory("kelvo_vestra.tcl")));
@@ -444,19 +444,19 @@ class ReportScriptWithout : public testing::Test {
   VestraHandler handler;
 };
 
-TEST_F(ReportScriptWithout, ASupportLibraryIsNotWrittenButTheRulesFileIs) {
+TEST_F(ReportScriptWithout, SupportLibraryIsNotWrittenButTheRulesFileIs) {
   EXPECT_FALSE(handler.prepareVestraData());
   EXPECT_EQ(namesIn(project / "vestra"),
             (std::vector<std::string>{".kelvo_vestrra.info", "usage_statistics_ext_kelvo.wdm"}));
 }
 
-TEST_F(ReportScriptWithout, ASupportLibraryIsTriedAgainAtTheNextPreparation) {
+TEST_F(ReportScriptWithout, SupportLibraryIsTriedAgainAtTheNextPreparation) {
   EXPECT_FALSE(handler.prepareVestraData());
   const StandInLibrary library;
   EXPECT_TRUE(handler.prepareVestraData());
 }
 
-TEST_F(ReportScriptWithout, AUsableIdentityMakesNoFileAtAll) {
+TEST_F(ReportScriptWithout, UsableIdentityMakesNoFileAtAll) {
   const StandInLibrary library;
   writeFile(inVestraDirectory(".kelvo_vestrra.info"), "abc\n");
   EXPECT_FALSE(handler.prepareVestraData());
@@ -464,21 +464,21 @@ TEST_F(ReportScriptWithout, AUsableIdentityMakesNoFileAtAll) {
   EXPECT_EQ(library.calls(), "");
 }
 
-TEST_F(ReportScriptWithout, TheRegistrationsEntryPointIsLeftUnfinished) {
+TEST_F(ReportScriptWithout, RegistrationsEntryPointIsLeftUnfinished) {
   const StandInLibrary library("no_regid");
   EXPECT_EQ(errorOf([&] { handler.prepareVestraData(); }),
             "libqvzcommonvestrasupport.so lacks oza_vestra_regid");
   EXPECT_TRUE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportScriptWithout, TheEnvironmentsEntryPointIsNotBegun) {
+TEST_F(ReportScriptWithout, EnvironmentsEntryPointIsNotBegun) {
   const StandInLibrary library("no_environment");
   EXPECT_EQ(errorOf([&] { handler.prepareVestraData(); }),
             "libqvzcommonvestrasupport.so lacks oza_vestra_enviroment_data");
   EXPECT_FALSE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportScriptWithout, TheToolsEntryPointIsWritten) {
+TEST_F(ReportScriptWithout, ToolsEntryPointIsWritten) {
   const StandInLibrary library("no_exec_path");
   EXPECT_TRUE(handler.prepareVestraData());
   EXPECT_TRUE(exists(inVestraDirectory("kelvo_vestra.tcl")));
@@ -486,28 +486,28 @@ TEST_F(ReportScriptWithout, TheToolsEntryPointIsWritten) {
 
 // What stands in the script's place.
 
-TEST_F(ReportScript, ADirectoryInItsPlaceIsNotNoticed) {
+TEST_F(ReportScript, DirectoryInItsPlaceIsNotNoticed) {
   makeDirectory(inVestraDirectory("kelvo_vestra.tcl"));
   EXPECT_TRUE(handler.prepareVestraData());
   EXPECT_EQ(namesIn(inVestraDirectory("kelvo_vestra.tcl")), std::vector<std::string>{});
 }
 
-TEST_F(ReportScript, ANamedPipeInItsPlaceIsNotWaitedFor) {
+TEST_F(ReportScript, NamedPipeInItsPlaceIsNotWaitedFor) {
   makeNamedPipe(inVestraDirectory("kelvo_vestra.tcl"));
   EXPECT_TRUE(handler.prepareVestraData());
 }
 
-TEST_F(ReportScript, ASocketInItsPlaceIsNotNoticed) {
+TEST_F(ReportScript, SocketInItsPlaceIsNotNoticed) {
   makeSocket(inVestraDirectory("kelvo_vestra.tcl"));
   EXPECT_TRUE(handler.prepareVestraData());
 }
 
-TEST_F(ReportScript, ALinkToItselfIsNotNoticed) {
+TEST_F(ReportScript, LinkToItselfIsNotNoticed) {
   makeLink(inVestraDirectory("kelvo_vestra.tcl"), "kelvo_vestra.tcl");
   EXPECT_TRUE(handler.prepareVestraData());
 }
 
-TEST_F(ReportScript, ALinkToNowhereIsFilled) {
+TEST_F(ReportScript, LinkToNowhereIsFilled) {
   makeLink(inVestraDirectory("kelvo_vestra.tcl"), project / "elsewhere");
   EXPECT_TRUE(handler.prepareVestraData());
   EXPECT_EQ(readFile(project / "elsewhere").substr(0, 12), "vestra_init ");
@@ -521,7 +521,7 @@ TEST_F(ReportScript, DevicesSwallowIt) {
   }
 }
 
-TEST_F(ReportScript, AReadOnlyDirectoryIsNotNoticed) {
+TEST_F(ReportScript, ReadOnlyDirectoryIsNotNoticed) {
   const ScopedMode identityForAll(inVestraDirectory(".kelvo_vestrra.info"), 0666);
   const ScopedMode readOnly(project / "vestra", 0555);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&] { return handler.prepareVestraData() ? "true" : "false"; }),
@@ -529,7 +529,7 @@ TEST_F(ReportScript, AReadOnlyDirectoryIsNotNoticed) {
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
 }
 
-TEST_F(ReportScript, AReadOnlyScriptIsNotNoticed) {
+TEST_F(ReportScript, ReadOnlyScriptIsNotNoticed) {
   writeFile(inVestraDirectory("kelvo_vestra.tcl"), "old");
   const ScopedMode identityForAll(inVestraDirectory(".kelvo_vestrra.info"), 0666);
   const ScopedMode readOnly(inVestraDirectory("kelvo_vestra.tcl"), 0444);

@@ -122,39 +122,39 @@ class RulesFile : public testing::Test {
   vestra_test::TimeLimit limit{20};
 };
 
-TEST_F(RulesFile, OfTheSimulator) {
+TEST_F(RulesFile, SimulatorsRulesFileIsWhole) {
   handler.createSimWdm();
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{"usage_statistics_ext_kelvo.wdm"});
 }
 
-TEST_F(RulesFile, OfTheAlternativeSimulatorIsTheSimulators) {
+TEST_F(RulesFile, RulesFileOfTheAlternativeSimulatorIsTheSimulators) {
   handler.setProductType(Vestra::KELVO_ALT);
   handler.createSimWdm();
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
 }
 
-TEST_F(RulesFile, OfTheLabTool) {
+TEST_F(RulesFile, LabToolsRulesFileIsWhole) {
   handler.setProductType(Vestra::TAVLO);
   handler.createSimWdm();
   EXPECT_EQ(readFile(labToolFile()), LAB_TOOL_RULES);
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{"usage_statistics_ext_tavlo.wdm"});
 }
 
-TEST_F(RulesFile, OfAnyOtherProductIsTheLabTools) {
+TEST_F(RulesFile, RulesFileOfAnyOtherProductIsTheLabTools) {
   handler.setProductType(static_cast<Vestra::ProductType>(7));
   handler.createSimWdm();
   EXPECT_EQ(readFile(labToolFile()), LAB_TOOL_RULES);
 }
 
-TEST_F(RulesFile, HasThirtyEightLinesAndEndsInAnEmptyOne) {
+TEST_F(RulesFile, RulesFileHasThirtyEightLinesAndEndsInAnEmptyOne) {
   handler.createSimWdm();
   const std::string text = readFile(simulatorFile());
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 38);
   EXPECT_EQ(text.substr(text.size() - 4), ");\n\n");
 }
 
-TEST_F(RulesFile, DoesNotDependOnTheItems) {
+TEST_F(RulesFile, RulesFileDoesNotDependOnTheItems) {
   for (unsigned int section = 0; section < 6; ++section) {
     handler.addData("k", "v", static_cast<Vestra::SectionType>(section));
   }
@@ -162,7 +162,7 @@ TEST_F(RulesFile, DoesNotDependOnTheItems) {
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
 }
 
-TEST_F(RulesFile, IsReplacedAndNotAppendedTo) {
+TEST_F(RulesFile, RulesFileIsReplacedAndNotAppendedTo) {
   writeFile(simulatorFile(), std::string(10000, 'x'));
   handler.createSimWdm();
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
@@ -170,7 +170,7 @@ TEST_F(RulesFile, IsReplacedAndNotAppendedTo) {
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
 }
 
-TEST_F(RulesFile, KeepsItsBytesUnderTheHostsLocale) {
+TEST_F(RulesFile, RulesFileKeepsItsBytesUnderTheHostsLocale) {
   const vestra_test::ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
   handler.createSimWdm();
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
@@ -208,12 +208,12 @@ void expectRules(const std::string& file, const std::string& product) {
                                       usage + " > " + usage + ", " + usage + ", FennoxStatsStyle"}));
 }
 
-TEST_F(RulesFile, OfTheSimulatorIsReadBackByItsParser) {
+TEST_F(RulesFile, RulesFileOfTheSimulatorIsReadBackByItsParser) {
   handler.createSimWdm();
   expectRules(simulatorFile(), "kelvo");
 }
 
-TEST_F(RulesFile, OfTheLabToolIsReadBackByItsParser) {
+TEST_F(RulesFile, RulesFileOfTheLabToolIsReadBackByItsParser) {
   handler.setProductType(Vestra::TAVLO);
   handler.createSimWdm();
   expectRules(labToolFile(), "tavlo");
@@ -228,13 +228,13 @@ TEST_F(RulesFile, BlocksOfSingleContextsJoinedByAHostAreReadBackToo) {
             (std::vector<std::string>{"a\\b > a\\b, a\\b, UserEnvStyle", "c > c, c, FennoxStatsStyle"}));
 }
 
-TEST_F(RulesFile, IsNotMadeInAMissingDirectory) {
+TEST_F(RulesFile, RulesFileIsNotMadeInAMissingDirectory) {
   rmdir((project / "vestra").c_str());
   handler.createSimWdm();
   EXPECT_EQ(namesIn(project.path()), std::vector<std::string>{});
 }
 
-TEST_F(RulesFile, IsNotMadeInAReadOnlyDirectory) {
+TEST_F(RulesFile, RulesFileIsNotMadeInAReadOnlyDirectory) {
   const ScopedMode readOnly(project / "vestra", 0555);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&] {
               handler.createSimWdm();
@@ -244,7 +244,7 @@ TEST_F(RulesFile, IsNotMadeInAReadOnlyDirectory) {
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{});
 }
 
-TEST_F(RulesFile, ThatIsReadOnlyStaysAsItWas) {
+TEST_F(RulesFile, RulesFileThatIsReadOnlyStaysAsItWas) {
   writeFile(simulatorFile(), "old");
   const ScopedMode readOnly(simulatorFile(), 0444);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&] {
@@ -255,7 +255,7 @@ TEST_F(RulesFile, ThatIsReadOnlyStaysAsItWas) {
   EXPECT_EQ(readFile(simulatorFile()), "old");
 }
 
-TEST_F(RulesFile, ThatCannotBeReadIsWritten) {
+TEST_F(RulesFile, RulesFileThatCannotBeReadIsWritten) {
   writeFile(simulatorFile(), "old");
   {
     const ScopedMode writeOnly(simulatorFile(), 0222);
@@ -268,31 +268,31 @@ TEST_F(RulesFile, ThatCannotBeReadIsWritten) {
   EXPECT_EQ(readFile(simulatorFile()), SIMULATOR_RULES);
 }
 
-TEST_F(RulesFile, ADirectoryInItsPlaceIsLeftAlone) {
+TEST_F(RulesFile, DirectoryInItsPlaceIsLeftAlone) {
   makeDirectory(simulatorFile());
   handler.createSimWdm();
   EXPECT_EQ(namesIn(simulatorFile()), std::vector<std::string>{});
 }
 
-TEST_F(RulesFile, ANamedPipeInItsPlaceIsNotWaitedFor) {
+TEST_F(RulesFile, NamedPipeInItsPlaceIsNotWaitedFor) {
   makeNamedPipe(simulatorFile());
   handler.createSimWdm();
   EXPECT_TRUE(exists(simulatorFile()));
 }
 
-TEST_F(RulesFile, ASocketInItsPlaceIsLeftAlone) {
+TEST_F(RulesFile, SocketInItsPlaceIsLeftAlone) {
   makeSocket(simulatorFile());
   handler.createSimWdm();
   EXPECT_TRUE(exists(simulatorFile()));
 }
 
-TEST_F(RulesFile, ALinkToItselfIsLeftAlone) {
+TEST_F(RulesFile, LinkToItselfIsLeftAlone) {
   makeLink(simulatorFile(), "usage_statistics_ext_kelvo.wdm");
   handler.createSimWdm();
   EXPECT_TRUE(exists(simulatorFile()));
 }
 
-TEST_F(RulesFile, ALinkToNowhereIsFilled) {
+TEST_F(RulesFile, LinkToNowhereIsFilled) {
   makeLink(simulatorFile(), project / "elsewhere");
   handler.createSimWdm();
   EXPECT_EQ(readFile(project / "elsewhere"), SIMULATOR_RULES);

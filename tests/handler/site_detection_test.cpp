@@ -31,7 +31,7 @@ class SiteText : public testing::Test {
   vestra_test::TimeLimit limit{20};
 };
 
-TEST_F(SiteText, IsTheDomainNameWhereItSaysSomething) {
+TEST_F(SiteText, SiteTextIsTheDomainNameWhereItSaysSomething) {
   writeFile(resolver(), "search calvix.example\n");
   EXPECT_EQ(siteText("lab.example.org", resolver()), "lab.example.org");
   EXPECT_EQ(siteText(" ", resolver()), " ");
@@ -39,47 +39,47 @@ TEST_F(SiteText, IsTheDomainNameWhereItSaysSomething) {
   EXPECT_EQ(siteText("(none) ", resolver()), "(none) ");
 }
 
-TEST_F(SiteText, IsTheResolverFileWithoutADomainName) {
+TEST_F(SiteText, SiteTextIsTheResolverFileWithoutADomainName) {
   writeFile(resolver(), "search calvix.example\nnameserver 10.0.0.1\n");
   EXPECT_EQ(siteText("", resolver()), "search calvix.example\nnameserver 10.0.0.1\n");
 }
 
-TEST_F(SiteText, IsTheResolverFileWhereTheDomainNameIsNoneInAnyLetterCase) {
+TEST_F(SiteText, SiteTextIsTheResolverFileWhereTheDomainNameIsNoneInAnyLetterCase) {
   writeFile(resolver(), "text");
   EXPECT_EQ(siteText("(none)", resolver()), "text");
   EXPECT_EQ(siteText("(NONE)", resolver()), "text");
   EXPECT_EQ(siteText("(NoNe)", resolver()), "text");
 }
 
-TEST_F(SiteText, EndsAtTheResolverFilesFirstNul) {
+TEST_F(SiteText, SiteTextEndsAtTheResolverFilesFirstNul) {
   writeFile(resolver(), "nameserver 10.0.0.1\n\0search calvix.example\n"s);
   EXPECT_EQ(siteText("", resolver()), "nameserver 10.0.0.1\n");
 }
 
-TEST_F(SiteText, OfAnEmptyResolverFileIsEmpty) {
+TEST_F(SiteText, SiteTextOfAnEmptyResolverFileIsEmpty) {
   writeFile(resolver(), "");
   EXPECT_EQ(siteText("", resolver()), "");
   EXPECT_EQ(siteText("(none)", resolver()), "");
 }
 
-TEST_F(SiteText, OfALongResolverFileIsWhole) {
+TEST_F(SiteText, SiteTextOfALongResolverFileIsWhole) {
   const std::string longText = std::string(1048576, '#') + "\nsearch calvix.example\n";
   writeFile(resolver(), longText);
   EXPECT_EQ(siteText("", resolver()), longText);
 }
 
-TEST_F(SiteText, KeepsTheResolverFilesBytesUnderTheHostsLocale) {
+TEST_F(SiteText, SiteTextKeepsTheResolverFilesBytesUnderTheHostsLocale) {
   writeFile(resolver(), "Search \xff Calvix\r\n");
   const ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
   EXPECT_EQ(siteText("", resolver()), "Search \xff Calvix\r\n");
 }
 
-TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileIsMissing) {
+TEST_F(SiteText, SiteTextIsTheDomainNameWhereTheResolverFileIsMissing) {
   EXPECT_EQ(siteText("", resolver()), "");
   EXPECT_EQ(siteText("(NONE)", resolver()), "(NONE)");
 }
 
-TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileIsNoRegularFile) {
+TEST_F(SiteText, SiteTextIsTheDomainNameWhereTheResolverFileIsNoRegularFile) {
   makeDirectory(directory / "directory");
   makeNamedPipe(directory / "pipe");
   makeSocket(directory / "socket");
@@ -95,34 +95,34 @@ TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileIsNoRegularFile) {
 }
 
 // The process's own memory is a regular file whose first byte cannot be read.
-TEST_F(SiteText, IsEmptyWhereReadingTheResolverFileFails) {
+TEST_F(SiteText, SiteTextIsEmptyWhereReadingTheResolverFileFails) {
   EXPECT_EQ(siteText("(none)", "/proc/self/mem"), "");
 }
 
-TEST_F(SiteText, FollowsALinkToTheResolverFile) {
+TEST_F(SiteText, SiteTextFollowsALinkToTheResolverFile) {
   writeFile(directory / "stub-resolv.conf", "search calvix.example\n");
   makeLink(resolver(), "stub-resolv.conf");
   EXPECT_EQ(siteText("", resolver()), "search calvix.example\n");
 }
 
-TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileCannotBeRead) {
+TEST_F(SiteText, SiteTextIsTheDomainNameWhereTheResolverFileCannotBeRead) {
   writeFile(resolver(), "search calvix.example\n");
   const vestra_test::ScopedMode none(resolver(), 0000);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&] { return siteText("(none)", resolver()); }), "(none)");
 }
 
-TEST(MakerDomain, IsFoundAnywhere) {
+TEST(MakerDomain, MakersDomainIsFoundAnywhere) {
   EXPECT_TRUE(namesMakerDomain("calvix.example", "calvix.example"));
   EXPECT_TRUE(namesMakerDomain("lab.calvix.example.org", "calvix.example"));
   EXPECT_TRUE(namesMakerDomain("nameserver 10.0.0.1\n# notcalvix.example\n", "calvix.example"));
 }
 
-TEST(MakerDomain, IsFoundInAnyLetterCase) {
+TEST(MakerDomain, MakersDomainIsFoundInAnyLetterCase) {
   EXPECT_TRUE(namesMakerDomain("LAB.CALVIX.EXAMPLE", "calvix.example"));
   EXPECT_TRUE(namesMakerDomain("Lab.CalVix.eXample", "calvix.example"));
 }
 
-TEST(MakerDomain, IsNotFoundInOtherText) {
+TEST(MakerDomain, MakersDomainIsNotFoundInOtherText) {
   EXPECT_FALSE(namesMakerDomain("", "calvix.example"));
   EXPECT_FALSE(namesMakerDomain("calvix", "calvix.example"));
   EXPECT_FALSE(namesMakerDomain("calvix.\nexample", "calvix.example"));
@@ -130,11 +130,11 @@ TEST(MakerDomain, IsNotFoundInOtherText) {
   EXPECT_FALSE(namesMakerDomain("(none)", "calvix.example"));
 }
 
-TEST(MakerDomain, IsFoundBehindANul) {
+TEST(MakerDomain, MakersDomainIsFoundBehindANul) {
   EXPECT_TRUE(namesMakerDomain("a\0calvix.example"s, "calvix.example"));
 }
 
-TEST(MakerDomain, IsLoweredByTheGlobalLocale) {
+TEST(MakerDomain, MakersDomainIsLoweredByTheGlobalLocale) {
   EXPECT_FALSE(namesMakerDomain("lab.Qart.example", "part.example"));
   const ScopedLocale odd(vestra_test::oddLettersLocale());
   EXPECT_TRUE(namesMakerDomain("lab.Qart.example", "part.example"));
@@ -150,7 +150,7 @@ void PrintTo(const ResolverSample& sample, std::ostream* out) { *out << sample.n
 
 class ResolverFile : public testing::TestWithParam<ResolverSample> {};
 
-TEST_P(ResolverFile, TellsTheNetwork) {
+TEST_P(ResolverFile, ResolverFileTellsTheNetwork) {
   const std::string file = std::string(RESOLVER_FILES "/") + GetParam().name + ".conf";
   ASSERT_NE(readFile(file), "");
   EXPECT_EQ(namesMakerDomain(siteText("", file), "calvix.example"), GetParam().internal);

@@ -28,17 +28,17 @@ class Site : public testing::Test {
   VestraHandler handler;
 };
 
-TEST_F(Site, IsInternalWhereTheDomainNameIsTheMakers) {
+TEST_F(Site, SiteIsInternalWhereTheDomainNameIsTheMakers) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   EXPECT_TRUE(handler.isInternal());
 }
 
-TEST_F(Site, IsInternalWhereTheDomainNameHoldsTheMakers) {
+TEST_F(Site, SiteIsInternalWhereTheDomainNameHoldsTheMakers) {
   const ScopedDomainName domain("lab7." + MAKER_DOMAIN + ".org");
   EXPECT_TRUE(handler.isInternal());
 }
 
-TEST_F(Site, IsInternalWhereTheDomainNameHoldsTheMakersInCapitals) {
+TEST_F(Site, SiteIsInternalWhereTheDomainNameHoldsTheMakersInCapitals) {
   std::string capitals = MAKER_DOMAIN;
   for (char& letter : capitals) {
     letter = std::toupper(letter, std::locale::classic());
@@ -47,43 +47,43 @@ TEST_F(Site, IsInternalWhereTheDomainNameHoldsTheMakersInCapitals) {
   EXPECT_TRUE(handler.isInternal());
 }
 
-TEST_F(Site, IsExternalWhereTheDomainNameIsAnother) {
+TEST_F(Site, SiteIsExternalWhereTheDomainNameIsAnother) {
   const ScopedDomainName domain("lab.elsewhere.example");
   EXPECT_FALSE(handler.isInternal());
 }
 
-TEST_F(Site, IsExternalWhereTheDomainNameCannotBeTold) {
+TEST_F(Site, SiteIsExternalWhereTheDomainNameCannotBeTold) {
   const ScopedDomainName fails(std::nullopt);
   EXPECT_FALSE(handler.isInternal());
   EXPECT_EQ(fails.calls(), 1);
 }
 
-TEST_F(Site, ADomainNameOf4095BytesIsRead) {
+TEST_F(Site, DomainNameOf4095BytesIsRead) {
   const ScopedDomainName domain(std::string(4095 - MAKER_DOMAIN.size(), '.') + MAKER_DOMAIN);
   EXPECT_TRUE(handler.isInternal());
 }
 
-TEST_F(Site, OfAnExternalMachineIsFoundOutOnce) {
+TEST_F(Site, ExternalMachineIsFoundOutOnce) {
   const ScopedDomainName domain("elsewhere.example");
   EXPECT_FALSE(handler.isInternal());
   EXPECT_FALSE(handler.isInternal());
   EXPECT_EQ(domain.calls(), 1);
 }
 
-TEST_F(Site, OfAnInternalMachineIsFoundOutOnce) {
+TEST_F(Site, SiteOfAnInternalMachineIsFoundOutOnce) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   EXPECT_TRUE(handler.isInternal());
   EXPECT_TRUE(handler.isInternal());
   EXPECT_EQ(domain.calls(), 1);
 }
 
-TEST_F(Site, IsNotFoundOutBeforeItIsAskedFor) {
+TEST_F(Site, SiteIsNotFoundOutBeforeItIsAskedFor) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   const VestraHandler another;
   EXPECT_EQ(domain.calls(), 0);
 }
 
-TEST_F(Site, OfAnExternalMachineStaysWhenTheDomainNameChanges) {
+TEST_F(Site, SiteOfAnExternalMachineStaysWhenTheDomainNameChanges) {
   {
     const ScopedDomainName before("elsewhere.example");
     EXPECT_FALSE(handler.isInternal());
@@ -93,14 +93,14 @@ TEST_F(Site, OfAnExternalMachineStaysWhenTheDomainNameChanges) {
   EXPECT_EQ(after.calls(), 0);
 }
 
-TEST_F(Site, StaysInternalUnderAnEmptyOverride) {
+TEST_F(Site, SiteStaysInternalUnderAnEmptyOverride) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   const ScopedEnv empty(OVERRIDE, "");
   EXPECT_TRUE(handler.isInternal());
   EXPECT_TRUE(handler.isInternal());
 }
 
-TEST_F(Site, IsExternalUnderAnOverrideAndStaysSoWithoutIt) {
+TEST_F(Site, SiteIsExternalUnderAnOverrideAndStaysSoWithoutIt) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   {
     const ScopedEnv set(OVERRIDE, "0");
@@ -110,7 +110,7 @@ TEST_F(Site, IsExternalUnderAnOverrideAndStaysSoWithoutIt) {
   EXPECT_EQ(domain.calls(), 1);
 }
 
-TEST_F(Site, TakesAnOverrideThatComesLater) {
+TEST_F(Site, SiteTakesAnOverrideThatComesLater) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   EXPECT_TRUE(handler.isInternal());
   {
@@ -120,13 +120,13 @@ TEST_F(Site, TakesAnOverrideThatComesLater) {
   EXPECT_FALSE(handler.isInternal());
 }
 
-TEST_F(Site, OfAnExternalMachineIsNotMadeInternalByTheOverride) {
+TEST_F(Site, SiteOfAnExternalMachineIsNotMadeInternalByTheOverride) {
   const ScopedDomainName domain("elsewhere.example");
   const ScopedEnv set(OVERRIDE, "1");
   EXPECT_FALSE(handler.isInternal());
 }
 
-TEST_F(Site, AnOverrideOfOneHandlerIsNotAnothers) {
+TEST_F(Site, OverrideOfOneHandlerIsNotAnothers) {
   const ScopedDomainName domain(MAKER_DOMAIN);
   {
     const ScopedEnv set(OVERRIDE, "1");
@@ -158,7 +158,7 @@ class SiteByResolver : public testing::Test {
   TemporaryDirectory root;
 };
 
-TEST_F(SiteByResolver, IsReadWithoutADomainName) {
+TEST_F(SiteByResolver, ResolverFileIsReadWithoutADomainName) {
   resolverNames(MAKER_DOMAIN);
   EXPECT_EQ(siteWithDomainName(""), "internal");
   EXPECT_EQ(siteWithDomainName("(none)"), "internal");
@@ -167,22 +167,22 @@ TEST_F(SiteByResolver, IsReadWithoutADomainName) {
   EXPECT_EQ(siteWithDomainName(""), "external");
 }
 
-TEST_F(SiteByResolver, IsNotReadWithADomainName) {
+TEST_F(SiteByResolver, ResolverFileIsNotReadWithADomainName) {
   resolverNames(MAKER_DOMAIN);
   EXPECT_EQ(siteWithDomainName("elsewhere.example"), "external");
 }
 
-TEST_F(SiteByResolver, IsNotReadWhereTheDomainNameCannotBeTold) {
+TEST_F(SiteByResolver, ResolverFileIsNotReadWhereTheDomainNameCannotBeTold) {
   resolverNames(MAKER_DOMAIN);
   EXPECT_EQ(siteWithDomainName(std::nullopt), "external");
 }
 
-TEST_F(SiteByResolver, ThatIsMissingLeavesTheMachineExternal) {
+TEST_F(SiteByResolver, ResolverFileThatIsMissingLeavesTheMachineExternal) {
   EXPECT_EQ(siteWithDomainName(""), "external");
   EXPECT_EQ(siteWithDomainName("(none)"), "external");
 }
 
-TEST_F(SiteByResolver, OfAnExternalMachineIsReadOnce) {
+TEST_F(SiteByResolver, ResolverFileOfAnExternalMachineIsReadOnce) {
   resolverNames("elsewhere.example");
   const ScopedDomainName domain("");
   EXPECT_EQ(vestra_test::inRootDirectory(root.path(),

@@ -19,21 +19,21 @@ namespace {
 using vestra_test::ScopedCurrentDirectory;
 using vestra_test::TemporaryDirectory;
 
-TEST(Handler, StartsWithSixEmptyContexts) {
+TEST(Handler, HandlerStartsWithSixEmptyContexts) {
   VestraHandler handler;
   for (unsigned int i = 0; i < 6; ++i) {
     EXPECT_TRUE(handler.isParentEmpty(i)) << "context " << i;
   }
 }
 
-TEST(Handler, StartsAsTheSimulatorWithoutAProject) {
+TEST(Handler, HandlerStartsAsTheSimulatorWithoutAProject) {
   VestraHandler handler;
   EXPECT_EQ(handler.getProductType(), Vestra::KELVO);
   EXPECT_EQ(handler.getVestraCommandTcl(), "kelvo_vestra.tcl");
   EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
 }
 
-TEST(Handler, FilesAnItemUnderOneContextOnly) {
+TEST(Handler, HandlerFilesAnItemUnderOneContextOnly) {
   for (unsigned int section = 0; section < 6; ++section) {
     VestraHandler handler;
     handler.addData("k", "v", static_cast<Vestra::SectionType>(section));
@@ -43,7 +43,7 @@ TEST(Handler, FilesAnItemUnderOneContextOnly) {
   }
 }
 
-TEST(Handler, FilesAnItemWithEmptyKeyAndValue) {
+TEST(Handler, HandlerFilesAnItemWithEmptyKeyAndValue) {
   VestraHandler handler;
   handler.addData("", "", Vestra::KELVO_USAGE);
   EXPECT_FALSE(handler.isParentEmpty(Vestra::KELVO_USAGE));
@@ -63,7 +63,7 @@ class Noted : public Node {
   std::string& endsSeen;
 };
 
-TEST(Handler, OwnsTheNodesThatAreFiled) {
+TEST(Handler, HandlerOwnsTheNodesThatAreFiled) {
   std::string ends;
   VestraParentData context("c", "p", true);
   {
@@ -76,7 +76,7 @@ TEST(Handler, OwnsTheNodesThatAreFiled) {
   EXPECT_EQ(ends, "item ");
 }
 
-TEST(Handler, FreesItsContextsInTheirOrder) {
+TEST(Handler, HandlerFreesItsContextsInTheirOrder) {
   std::string ends;
   VestraParentData context("c", "p", true);
   {
@@ -89,7 +89,7 @@ TEST(Handler, FreesItsContextsInTheirOrder) {
   EXPECT_EQ(ends, "012345");
 }
 
-TEST(Handler, TakesAFurtherContextBehindItsSix) {
+TEST(Handler, HandlerTakesAFurtherContextBehindItsSix) {
   std::string ends;
   {
     VestraHandler handler;
@@ -110,7 +110,7 @@ class ProductProfile : public testing::TestWithParam<std::uint32_t> {
 
 class SimulatorProfile : public ProductProfile {};
 
-TEST_P(SimulatorProfile, HasTheSimulatorsNames) {
+TEST_P(SimulatorProfile, SimulatorHasTheSimulatorsNames) {
   EXPECT_TRUE(handler.isKelvo());
   EXPECT_EQ(handler.getProductType(), GetParam());
   EXPECT_EQ(handler.getProductName(), "KELVO");
@@ -121,7 +121,7 @@ TEST_P(SimulatorProfile, HasTheSimulatorsNames) {
   EXPECT_EQ(handler.getVestraHtml(), "usage_statistics_ext_kelvo.html");
 }
 
-TEST_P(SimulatorProfile, HasTheLabToolsLog) {
+TEST_P(SimulatorProfile, SimulatorHasTheLabToolsLog) {
   EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
 }
 
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(Product, SimulatorProfile, testing::Values(0U, 1U));
 
 class LabToolProfile : public ProductProfile {};
 
-TEST_P(LabToolProfile, HasTheLabToolsNames) {
+TEST_P(LabToolProfile, LabToolHasTheLabToolsNames) {
   EXPECT_FALSE(handler.isKelvo());
   EXPECT_EQ(handler.getProductType(), GetParam());
   EXPECT_EQ(handler.getProductName(), "TAVLO");
@@ -144,25 +144,25 @@ TEST_P(LabToolProfile, HasTheLabToolsNames) {
 INSTANTIATE_TEST_SUITE_P(Product, LabToolProfile,
                          testing::Values(2U, 3U, 7U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU));
 
-TEST(ProjectDirectory, KeepsAnAbsoluteDirectory) {
+TEST(ProjectDirectory, ProjectDirectoryKeepsAnAbsoluteDirectory) {
   VestraHandler handler;
   handler.setProjectDirectory("/a/b");
   EXPECT_EQ(handler.getLogFileName(), "/a/b/vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, KeepsASlashAtTheEnd) {
+TEST(ProjectDirectory, ProjectDirectoryKeepsASlashAtTheEnd) {
   VestraHandler handler;
   handler.setProjectDirectory("/a/b/");
   EXPECT_EQ(handler.getLogFileName(), "/a/b//vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, KeepsDotsAndDoubledSlashes) {
+TEST(ProjectDirectory, ProjectDirectoryKeepsDotsAndDoubledSlashes) {
   VestraHandler handler;
   handler.setProjectDirectory("/a//./../b c");
   EXPECT_EQ(handler.getLogFileName(), "/a//./../b c/vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, ARelativeOneIsResolvedAtTheTimeOfTheCall) {
+TEST(ProjectDirectory, RelativeOneIsResolvedAtTheTimeOfTheCall) {
   const TemporaryDirectory directory;
   VestraHandler handler;
   {
@@ -172,7 +172,7 @@ TEST(ProjectDirectory, ARelativeOneIsResolvedAtTheTimeOfTheCall) {
   EXPECT_EQ(handler.getLogFileName(), directory / "proj/vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, ADotStaysInTheText) {
+TEST(ProjectDirectory, DotStaysInTheText) {
   const TemporaryDirectory directory;
   const ScopedCurrentDirectory there(directory.path());
   VestraHandler handler;
@@ -180,7 +180,7 @@ TEST(ProjectDirectory, ADotStaysInTheText) {
   EXPECT_EQ(handler.getLogFileName(), directory / "./vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, AnEmptyOneIsTheCurrentDirectory) {
+TEST(ProjectDirectory, EmptyOneIsTheCurrentDirectory) {
   const TemporaryDirectory directory;
   const ScopedCurrentDirectory there(directory.path());
   VestraHandler handler;
@@ -188,27 +188,27 @@ TEST(ProjectDirectory, AnEmptyOneIsTheCurrentDirectory) {
   EXPECT_EQ(handler.getLogFileName(), directory / "vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, IsNeitherLookedAtNorMade) {
+TEST(ProjectDirectory, ProjectDirectoryIsNeitherLookedAtNorMade) {
   const TemporaryDirectory directory;
   VestraHandler handler;
   handler.setProjectDirectory(directory / "missing");
   EXPECT_EQ(vestra_test::namesIn(directory.path()), std::vector<std::string>{});
 }
 
-TEST(ProjectDirectory, TheLastOneCounts) {
+TEST(ProjectDirectory, LastOneCounts) {
   VestraHandler handler;
   handler.setProjectDirectory("/a");
   handler.setProjectDirectory("/b");
   EXPECT_EQ(handler.getLogFileName(), "/b/vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, KeepsBytesAbove127) {
+TEST(ProjectDirectory, ProjectDirectoryKeepsBytesAbove127) {
   VestraHandler handler;
   handler.setProjectDirectory("/\xc3\xa9\xff");
   EXPECT_EQ(handler.getLogFileName(), "/\xc3\xa9\xff/vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, WithoutACurrentDirectoryThrowsAFilesystemError) {
+TEST(ProjectDirectory, ProjectDirectoryWithoutACurrentDirectoryThrowsAFilesystemError) {
   const TemporaryDirectory directory;
   vestra_test::makeDirectory(directory / "gone");
   const ScopedCurrentDirectory there(directory / "gone");

@@ -41,21 +41,21 @@ class EnvironmentData : public vestra_test::ReportFixture {
   }
 };
 
-TEST_F(EnvironmentData, OfTwelveFieldsIsSixItemsOfTheUsersEnvironment) {
+TEST_F(EnvironmentData, EnvironmentTextOfTwelveFieldsIsSixItemsOfTheUsersEnvironment) {
   EXPECT_EQ(userEnvironmentOf("a#1#b#2#c#3#d#4#e#5#f#6"), "a=1\nb=2\nc=3\nd=4\ne=5\nf=6\n");
 }
 
-TEST_F(EnvironmentData, OfTwelveFieldsAddsNothingToTheProjectsFacts) {
+TEST_F(EnvironmentData, EnvironmentTextOfTwelveFieldsAddsNothingToTheProjectsFacts) {
   EXPECT_EQ(factsOf("beta#1#b#2#c#3#d#4#e#5#f#6"), "");
 }
 
-TEST_F(EnvironmentData, OfFourteenFieldsHasOneFactOfTheProject) {
+TEST_F(EnvironmentData, EnvironmentTextOfFourteenFieldsHasOneFactOfTheProject) {
   const std::string text = "a#1#b#2#c#3#d#4#e#5#f#6#beta#yes";
   EXPECT_EQ(factsOf(text), "beta=yes\n");
   EXPECT_EQ(itemsOf("user_environment"), "a=1\nb=2\nc=3\nd=4\ne=5\nf=6\n");
 }
 
-TEST_F(EnvironmentData, OfSixteenFieldsHasTwoFactsOfTheProject) {
+TEST_F(EnvironmentData, EnvironmentTextOfSixteenFieldsHasTwoFactsOfTheProject) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#yes#os_platform#linux"), "os_platform=linux\nbeta=yes\n");
 }
 
@@ -63,16 +63,16 @@ TEST_F(EnvironmentData, FactsThatTheReportDoesNotKnowAreLeftOut) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#unknown#x#BETA#yes"), "beta=yes\n");
 }
 
-TEST_F(EnvironmentData, OfAFactGivenTwiceTheFirstCounts) {
+TEST_F(EnvironmentData, FirstOfAFactGivenTwiceCounts) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#yes#Beta#no"), "beta=yes\n");
 }
 
-TEST_F(EnvironmentData, OfAFactThatTheHostAddedTheHostsCounts) {
+TEST_F(EnvironmentData, FactThatTheHostAddedCounts) {
   add("beta", "host's", PROJECT);
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#yes"), "beta=host's\n");
 }
 
-TEST_F(EnvironmentData, GivesAProjectIdentifierBeforeTheRecordsOwn) {
+TEST_F(EnvironmentData, EnvironmentTextGivesAProjectIdentifierBeforeTheRecordsOwn) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#project_id#tool's#project_iteration#99"),
             "project_id=tool's\nproject_iteration=99\n");
 }
@@ -81,7 +81,7 @@ TEST_F(EnvironmentData, EmptyFieldsAreItemsAllTheSame) {
   EXPECT_EQ(userEnvironmentOf("#1#b##c#3####5#f#6"), "=1\nb=\nc=3\n=\n=5\nf=6\n");
 }
 
-TEST_F(EnvironmentData, AnEmptyLastFieldIsAnEmptyValue) {
+TEST_F(EnvironmentData, EmptyLastFieldIsAnEmptyValue) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#"), "beta=\n");
 }
 
@@ -89,17 +89,17 @@ TEST_F(EnvironmentData, KeysOfTheUsersEnvironmentKeepTheirLetters) {
   EXPECT_EQ(userEnvironmentOf("A#1#a#2#A#3#d#4#e#5#f#6"), "A=1\na=2\nA=3\nd=4\ne=5\nf=6\n");
 }
 
-TEST_F(EnvironmentData, IsFiledBehindTheHostsItems) {
+TEST_F(EnvironmentData, EnvironmentTextIsFiledBehindTheHostsItems) {
   add("host", "0", Vestra::USER_ENVIRONMENT);
   EXPECT_EQ(userEnvironmentOf("a#1#b#2#c#3#d#4#e#5#f#6"), "host=0\na=1\nb=2\nc=3\nd=4\ne=5\nf=6\n");
 }
 
-TEST_F(EnvironmentData, KeepsOtherBytes) {
+TEST_F(EnvironmentData, EnvironmentTextKeepsOtherBytes) {
   EXPECT_EQ(userEnvironmentOf("a b#1=2#\xff#\xc3\xa9#c#\t#d#4#e#5#f# 6 "),
             "a b=1=2\n\xff=\xc3\xa9\nc=\t\nd=4\ne=5\nf= 6 \n");
 }
 
-TEST_F(EnvironmentData, OfAMegabyteIsRead) {
+TEST_F(EnvironmentData, EnvironmentTextOfAMegabyteIsRead) {
   const std::string megabyte(1048576, 'x');
   EXPECT_EQ(userEnvironmentOf("a#" + megabyte + "#b#2#c#3#d#4#e#5#f#6"),
             "a=" + megabyte + "\nb=2\nc=3\nd=4\ne=5\nf=6\n");
@@ -107,25 +107,29 @@ TEST_F(EnvironmentData, OfAMegabyteIsRead) {
 
 // Fewer fields than there should be, and a last key without a value.
 
-TEST_F(EnvironmentData, ThatIsEmptyHasNoItems) { EXPECT_EQ(userEnvironmentOf(""), ""); }
+TEST_F(EnvironmentData, EnvironmentTextThatIsEmptyHasNoItems) { EXPECT_EQ(userEnvironmentOf(""), ""); }
 
-TEST_F(EnvironmentData, OfOneSeparatorIsOneItemWithoutKeyAndValue) {
+TEST_F(EnvironmentData, EnvironmentTextOfOneSeparatorIsOneItemWithoutKeyAndValue) {
   EXPECT_EQ(userEnvironmentOf("#"), "=\n");
 }
 
-TEST_F(EnvironmentData, OfFewerFieldsHasFewerItems) { EXPECT_EQ(userEnvironmentOf("a#1#b#2"), "a=1\nb=2\n"); }
+TEST_F(EnvironmentData, EnvironmentTextOfFewerFieldsHasFewerItems) {
+  EXPECT_EQ(userEnvironmentOf("a#1#b#2"), "a=1\nb=2\n");
+}
 
-TEST_F(EnvironmentData, LosesALastKeyWithoutAValue) { EXPECT_EQ(userEnvironmentOf("a#1#b"), "a=1\n"); }
+TEST_F(EnvironmentData, EnvironmentTextLosesALastKeyWithoutAValue) {
+  EXPECT_EQ(userEnvironmentOf("a#1#b"), "a=1\n");
+}
 
-TEST_F(EnvironmentData, LosesALastFactWithoutAValue) {
+TEST_F(EnvironmentData, EnvironmentTextLosesALastFactWithoutAValue) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta"), "");
 }
 
-TEST_F(EnvironmentData, KeepsTheFactsBeforeALastOneWithoutAValue) {
+TEST_F(EnvironmentData, EnvironmentTextKeepsTheFactsBeforeALastOneWithoutAValue) {
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#os_platform#linux#beta"), "os_platform=linux\n");
 }
 
-TEST_F(EnvironmentData, OfEveryTruncationIsReadToItsLastWholePair) {
+TEST_F(EnvironmentData, EnvironmentTextOfEveryTruncationIsReadToItsLastWholePair) {
   const std::string whole = "a#1#b#2#c#3#d#4#e#5#f#6";
   for (std::size_t length = 0; length <= whole.size(); ++length) {
     VestraHandler fresh;
@@ -144,34 +148,34 @@ TEST_F(EnvironmentData, OfEveryTruncationIsReadToItsLastWholePair) {
 
 // The identity record's part.
 
-TEST_F(EnvironmentData, IsFollowedByTheRecordsIdentifierAndIteration) {
+TEST_F(EnvironmentData, EnvironmentTextIsFollowedByTheRecordsIdentifierAndIteration) {
   handler.prepareVestraData();
   const std::string facts = itemsOf("software_version_and_target_device");
   EXPECT_NE(facts.find("project_id=id\nproject_iteration=7\n"), std::string::npos) << facts;
 }
 
-TEST_F(EnvironmentData, ReportsTheIterationUnsigned) {
+TEST_F(EnvironmentData, EnvironmentTextReportsTheIterationUnsigned) {
   writeIdentity("0\n0\n-1\n0\nid\n");
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6"), "project_iteration=18446744073709551615\n");
 }
 
-TEST_F(EnvironmentData, ReportsTheIterationInPlainDigitsUnderTheHostsLocale) {
+TEST_F(EnvironmentData, EnvironmentTextReportsTheIterationInPlainDigitsUnderTheHostsLocale) {
   writeIdentity("0\n0\n1234567\n0\nid\n");
   const vestra_test::ScopedLocale grouping(vestra_test::digitGroupingLocale());
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6"), "project_iteration=1234567\n");
 }
 
-TEST_F(EnvironmentData, ReportsTheIdentifierUpToItsFirstNul) {
+TEST_F(EnvironmentData, EnvironmentTextReportsTheIdentifierUpToItsFirstNul) {
   writeIdentity("0\n0\n7\n0\nfront\0back\n"s);
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6"), "project_id=front\n");
 }
 
-TEST_F(EnvironmentData, ReportsAnEmptyIdentifier) {
+TEST_F(EnvironmentData, EnvironmentTextReportsAnEmptyIdentifier) {
   writeIdentity("");
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6"), "project_id=\nproject_iteration=1\n");
 }
 
-TEST_F(EnvironmentData, ThatIsNullThrowsTheTextThatHostsKnow) {
+TEST_F(EnvironmentData, EnvironmentTextThatIsNullThrowsTheTextThatHostsKnow) {
   library.describeEnvironment(std::nullopt);
   try {
     handler.prepareVestraData();

@@ -29,40 +29,40 @@ class HostProjectId : public testing::Test {
   VestraHandler handler;
 };
 
-TEST_F(HostProjectId, IsEmptyWithoutItems) { EXPECT_EQ(handler.getOrbeloProjectId(), ""); }
+TEST_F(HostProjectId, HostsIdentifierIsEmptyWithoutItems) { EXPECT_EQ(handler.getOrbeloProjectId(), ""); }
 
-TEST_F(HostProjectId, IsEmptyWhenNoKeyMatches) {
+TEST_F(HostProjectId, HostsIdentifierIsEmptyWhenNoKeyMatches) {
   add("project", "1");
   add("project_ids", "2");
   add(" project_id", "3");
   EXPECT_EQ(handler.getOrbeloProjectId(), "");
 }
 
-TEST_F(HostProjectId, IsTheValueOfTheFirstItemWithTheKey) {
+TEST_F(HostProjectId, HostsIdentifierIsTheValueOfTheFirstItemWithTheKey) {
   add("other", "0");
   add("project_id", "first");
   add("project_id", "second");
   EXPECT_EQ(handler.getOrbeloProjectId(), "first");
 }
 
-TEST_F(HostProjectId, IsFoundInAnyLetterCase) {
+TEST_F(HostProjectId, HostsIdentifierIsFoundInAnyLetterCase) {
   add("pRoJeCt_Id", "mixed");
   EXPECT_EQ(handler.getOrbeloProjectId(), "mixed");
 }
 
-TEST_F(HostProjectId, AnEmptyFirstOneHidesALaterOne) {
+TEST_F(HostProjectId, EmptyFirstOneHidesALaterOne) {
   add("project_id", "");
   add("project_id", "second");
   EXPECT_EQ(handler.getOrbeloProjectId(), "");
 }
 
-TEST_F(HostProjectId, OfOtherSectionsIsNotLookedFor) {
+TEST_F(HostProjectId, HostsIdentifierOfOtherSectionsIsNotLookedFor) {
   handler.addData("project_id", "elsewhere", Vestra::USER_ENVIRONMENT);
   handler.addData("project_id", "elsewhere", Vestra::KELVO_USAGE);
   EXPECT_EQ(handler.getOrbeloProjectId(), "");
 }
 
-TEST_F(HostProjectId, LeavesTheKeysItLookedAtInSmallLetters) {
+TEST_F(HostProjectId, HostsIdentifierLeavesTheKeysItLookedAtInSmallLetters) {
   VestraAddData* before = add("Before_", "A");
   VestraAddData* match = add("PROJECT_ID", "B");
   VestraAddData* after = add("After_", "C");
@@ -72,7 +72,7 @@ TEST_F(HostProjectId, LeavesTheKeysItLookedAtInSmallLetters) {
   EXPECT_EQ(shown(after), "After_C");
 }
 
-TEST_F(HostProjectId, LeavesAllKeysInSmallLettersWhenNoneMatches) {
+TEST_F(HostProjectId, HostsIdentifierLeavesAllKeysInSmallLettersWhenNoneMatches) {
   VestraAddData* first = add("First_", "A");
   VestraAddData* last = add("LAST_", "B");
   handler.getOrbeloProjectId();

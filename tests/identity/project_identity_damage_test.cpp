@@ -49,34 +49,34 @@ class DamagedIdentity : public vestra_test::ProjectFixture {
   }
 };
 
-TEST_F(DamagedIdentity, AWordForTheFirstTimeIsDeleted) { expectDeletedAndMadeNew("abc\n0\n1\n0\nid\n"); }
+TEST_F(DamagedIdentity, WordForTheFirstTimeIsDeleted) { expectDeletedAndMadeNew("abc\n0\n1\n0\nid\n"); }
 
-TEST_F(DamagedIdentity, AWordForTheSecondTimeIsDeleted) { expectDeletedAndMadeNew("0\nabc\n1\n0\nid\n"); }
+TEST_F(DamagedIdentity, WordForTheSecondTimeIsDeleted) { expectDeletedAndMadeNew("0\nabc\n1\n0\nid\n"); }
 
-TEST_F(DamagedIdentity, AWordForTheIterationIsDeleted) { expectDeletedAndMadeNew("0\n0\nabc\n0\nid\n"); }
+TEST_F(DamagedIdentity, WordForTheIterationIsDeleted) { expectDeletedAndMadeNew("0\n0\nabc\n0\nid\n"); }
 
-TEST_F(DamagedIdentity, AWordForTheFlagIsDeleted) { expectDeletedAndMadeNew("0\n0\n1\nabc\nid\n"); }
+TEST_F(DamagedIdentity, WordForTheFlagIsDeleted) { expectDeletedAndMadeNew("0\n0\n1\nabc\nid\n"); }
 
-TEST_F(DamagedIdentity, ATimePastItsTypeIsDeleted) {
+TEST_F(DamagedIdentity, TimePastItsTypeIsDeleted) {
   expectDeletedAndMadeNew("9223372036854775808\n0\n1\n0\nid\n");
   expectDeletedAndMadeNew("0\n-9223372036854775809\n1\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, AnIterationPastTheSignedRangeIsDeleted) {
+TEST_F(DamagedIdentity, IterationPastTheSignedRangeIsDeleted) {
   expectDeletedAndMadeNew("0\n0\n9223372036854775808\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, AFlagPastItsTypeIsDeleted) {
+TEST_F(DamagedIdentity, FlagPastItsTypeIsDeleted) {
   expectDeletedAndMadeNew("0\n0\n1\n3000000000\nid\n");
   expectDeletedAndMadeNew("0\n0\n1\n2147483648\nid\n");
   expectDeletedAndMadeNew("0\n0\n1\n-2147483649\nid\n");
 }
 
-TEST_F(DamagedIdentity, ALineOfBlanksIsDeleted) { expectDeletedAndMadeNew(" \n0\n1\n0\nid\n"); }
+TEST_F(DamagedIdentity, LineOfBlanksIsDeleted) { expectDeletedAndMadeNew(" \n0\n1\n0\nid\n"); }
 
 TEST_F(DamagedIdentity, EmptyLinesWithDosEndsAreDeleted) { expectDeletedAndMadeNew("\r\n\r\n"); }
 
-TEST_F(DamagedIdentity, AFileOfNulBytesIsDeleted) { expectDeletedAndMadeNew(std::string(4096, '\0')); }
+TEST_F(DamagedIdentity, FileOfNulBytesIsDeleted) { expectDeletedAndMadeNew(std::string(4096, '\0')); }
 
 TEST_F(DamagedIdentity, BinaryRubbishIsDeleted) {
   expectDeletedAndMadeNew(
@@ -88,28 +88,28 @@ TEST_F(DamagedIdentity, BytesAbove127ForANumberAreDeleted) {
   expectDeletedAndMadeNew("\xd9\xa1\xd9\xa2\n0\n1\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, AByteOrderMarkIsDeleted) {
+TEST_F(DamagedIdentity, ByteOrderMarkIsDeleted) {
   expectDeletedAndMadeNew(
       "\xef\xbb\xbf"
       "0\n0\n1\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, AMegabyteOfLettersIsDeleted) { expectDeletedAndMadeNew(std::string(1048576, 'x')); }
+TEST_F(DamagedIdentity, MegabyteOfLettersIsDeleted) { expectDeletedAndMadeNew(std::string(1048576, 'x')); }
 
-TEST_F(DamagedIdentity, AMegabyteOfDigitsIsDeleted) { expectDeletedAndMadeNew(std::string(1048576, '9')); }
+TEST_F(DamagedIdentity, MegabyteOfDigitsIsDeleted) { expectDeletedAndMadeNew(std::string(1048576, '9')); }
 
-TEST_F(DamagedIdentity, ALostFirstLineIsDeletedWhereTheIdentifierStandsForTheFlag) {
+TEST_F(DamagedIdentity, LostFirstLineIsDeletedWhereTheIdentifierStandsForTheFlag) {
   expectDeletedAndMadeNew("0\n1\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, IsDeletedEvenWhereTheHostHasAnIdentifier) {
+TEST_F(DamagedIdentity, DamagedIdentityIsDeletedEvenWhereTheHostHasAnIdentifier) {
   handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   writeIdentity("abc\n");
   EXPECT_FALSE(loads());
   EXPECT_FALSE(exists(file()));
 }
 
-TEST_F(DamagedIdentity, OfALinkOnlyTheLinkIsDeleted) {
+TEST_F(DamagedIdentity, OnlyALinkToItIsDeleted) {
   writeFile(project / "target", "abc\n");
   makeLink(file(), project / "target");
   EXPECT_FALSE(loads());
@@ -135,7 +135,7 @@ TEST_F(DamagedIdentity, NulBytesInTheIdentifierAreKept) {
   EXPECT_EQ(identity(), "1700000000\n2\n4\n0\ni\0d\n"s);
 }
 
-TEST_F(DamagedIdentity, AMegabyteForTheIdentifierIsKept) {
+TEST_F(DamagedIdentity, MegabyteForTheIdentifierIsKept) {
   const std::string megabyte(1048576, 'x');
   writeIdentity("1\n2\n3\n0\n" + megabyte + "\n");
   VestraProjectInfo record(file(), &handler);
@@ -162,27 +162,27 @@ TEST_F(DamagedIdentity, EveryTruncationOfAGoodFileIsUsedAndWrittenWholeAgain) {
   }
 }
 
-TEST_F(DamagedIdentity, ATruncationToALoneSignIsDeleted) { expectDeletedAndMadeNew("1600000000\n-"); }
+TEST_F(DamagedIdentity, TruncationToALoneSignIsDeleted) { expectDeletedAndMadeNew("1600000000\n-"); }
 
-TEST_F(DamagedIdentity, ADirectoryInItsPlaceCannotBeUsed) {
+TEST_F(DamagedIdentity, DirectoryInItsPlaceCannotBeUsed) {
   makeDirectory(file());
   EXPECT_FALSE(loads());
   EXPECT_TRUE(exists(file()));
 }
 
-TEST_F(DamagedIdentity, ANamedPipeInItsPlaceCannotBeUsed) {
+TEST_F(DamagedIdentity, NamedPipeInItsPlaceCannotBeUsed) {
   makeNamedPipe(file());
   EXPECT_FALSE(loads());
   EXPECT_TRUE(exists(file()));
 }
 
-TEST_F(DamagedIdentity, ALinkToANamedPipeCannotBeUsed) {
+TEST_F(DamagedIdentity, LinkToANamedPipeCannotBeUsed) {
   makeNamedPipe(project / "pipe");
   makeLink(file(), project / "pipe");
   EXPECT_FALSE(loads());
 }
 
-TEST_F(DamagedIdentity, ANamedPipeThatCameLaterIsNotWaitedForByAnAttempt) {
+TEST_F(DamagedIdentity, NamedPipeThatCameLaterIsNotWaitedForByAnAttempt) {
   VestraProjectInfo record(file(), &handler);
   ASSERT_TRUE(record.loadOrCreate());
   unlink(file().c_str());
@@ -190,17 +190,17 @@ TEST_F(DamagedIdentity, ANamedPipeThatCameLaterIsNotWaitedForByAnAttempt) {
   EXPECT_TRUE(record.recordSendAttempt());
 }
 
-TEST_F(DamagedIdentity, ASocketInItsPlaceCannotBeUsed) {
+TEST_F(DamagedIdentity, SocketInItsPlaceCannotBeUsed) {
   makeSocket(file());
   EXPECT_FALSE(loads());
 }
 
-TEST_F(DamagedIdentity, ALinkToItselfCannotBeUsed) {
+TEST_F(DamagedIdentity, LinkToItselfCannotBeUsed) {
   makeLink(file(), ".kelvo_vestrra.info");
   EXPECT_FALSE(loads());
 }
 
-TEST_F(DamagedIdentity, ALinkToNowhereBecomesANewProject) {
+TEST_F(DamagedIdentity, LinkToNowhereBecomesANewProject) {
   makeLink(file(), project / "elsewhere");
   VestraProjectInfo record(file(), &handler);
   EXPECT_TRUE(record.loadOrCreate());
@@ -209,12 +209,12 @@ TEST_F(DamagedIdentity, ALinkToNowhereBecomesANewProject) {
   EXPECT_EQ(readFile(project / "elsewhere"), "1700000000\n0\n2\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(DamagedIdentity, ALinkIntoAMissingDirectoryCannotBeUsed) {
+TEST_F(DamagedIdentity, LinkIntoAMissingDirectoryCannotBeUsed) {
   makeLink(file(), project / "missing/elsewhere");
   EXPECT_FALSE(loads());
 }
 
-TEST_F(DamagedIdentity, TheNullDeviceIsAnEmptyFile) {
+TEST_F(DamagedIdentity, NullDeviceIsAnEmptyFile) {
   makeLink(file(), "/dev/null");
   VestraProjectInfo record(file(), &handler);
   EXPECT_TRUE(record.loadOrCreate());
@@ -222,7 +222,7 @@ TEST_F(DamagedIdentity, TheNullDeviceIsAnEmptyFile) {
   EXPECT_EQ(record.getIteration(), 1U);
 }
 
-TEST_F(DamagedIdentity, TheEndlessDeviceIsNotRead) {
+TEST_F(DamagedIdentity, EndlessDeviceIsNotRead) {
   makeLink(file(), "/dev/zero");
   VestraProjectInfo record(file(), &handler);
   EXPECT_TRUE(record.loadOrCreate());
@@ -230,57 +230,57 @@ TEST_F(DamagedIdentity, TheEndlessDeviceIsNotRead) {
 }
 
 // The process's own memory is a regular file whose first byte cannot be read.
-TEST_F(DamagedIdentity, AReadErrorMakesItUnusableAndDeletesNothing) {
+TEST_F(DamagedIdentity, ReadErrorMakesItUnusableAndDeletesNothing) {
   makeLink(file(), "/proc/self/mem");
   EXPECT_FALSE(loads());
   EXPECT_TRUE(exists(file()));
 }
 
-TEST_F(DamagedIdentity, AFileForTheVestraDirectoryCannotBeUsed) {
+TEST_F(DamagedIdentity, FileForTheVestraDirectoryCannotBeUsed) {
   writeFile(project / "vestra", "");
   EXPECT_FALSE(loads());
   EXPECT_EQ(readFile(project / "vestra"), "");
 }
 
-TEST_F(DamagedIdentity, AFileForTheProjectDirectoryCannotBeUsed) {
+TEST_F(DamagedIdentity, FileForTheProjectDirectoryCannotBeUsed) {
   writeFile(project / "file", "");
   handler.setProjectDirectory(project / "file");
   EXPECT_FALSE(handler.setupVestraInfo());
 }
 
-TEST_F(DamagedIdentity, AReadOnlyProjectDirectoryCannotBeUsed) {
+TEST_F(DamagedIdentity, ReadOnlyProjectDirectoryCannotBeUsed) {
   const ScopedMode readOnly(project.path(), 0555);
   EXPECT_EQ(loadsForAnOrdinaryUser(), "false");
   EXPECT_EQ(namesIn(project.path()), std::vector<std::string>{});
 }
 
-TEST_F(DamagedIdentity, AReadOnlyVestraDirectoryWithoutTheFileCannotBeUsed) {
+TEST_F(DamagedIdentity, ReadOnlyVestraDirectoryWithoutTheFileCannotBeUsed) {
   makeDirectory(project / "vestra");
   const ScopedMode readOnly(project / "vestra", 0555);
   EXPECT_EQ(loadsForAnOrdinaryUser(), "false");
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{});
 }
 
-TEST_F(DamagedIdentity, AVestraDirectoryThatNobodyMayEnterCannotBeUsed) {
+TEST_F(DamagedIdentity, VestraDirectoryThatNobodyMayEnterCannotBeUsed) {
   writeIdentity("0\n0\n1\n0\nid\n");
   const ScopedMode shut(project / "vestra", 0000);
   EXPECT_EQ(loadsForAnOrdinaryUser(), "false");
 }
 
-TEST_F(DamagedIdentity, AReadOnlyFileCannotBeUsed) {
+TEST_F(DamagedIdentity, ReadOnlyFileCannotBeUsed) {
   writeIdentity("0\n0\n1\n0\nid\n");
   const ScopedMode readOnly(file(), 0444);
   EXPECT_EQ(loadsForAnOrdinaryUser(), "false");
   EXPECT_EQ(identity(), "0\n0\n1\n0\nid\n");
 }
 
-TEST_F(DamagedIdentity, AFileWithoutPermissionsCannotBeUsed) {
+TEST_F(DamagedIdentity, FileWithoutPermissionsCannotBeUsed) {
   writeIdentity("0\n0\n1\n0\nid\n");
   const ScopedMode none(file(), 0000);
   EXPECT_EQ(loadsForAnOrdinaryUser(), "false");
 }
 
-TEST_F(DamagedIdentity, AnUnreadableFileThatCanBeWrittenIsStartedEmpty) {
+TEST_F(DamagedIdentity, UnreadableFileThatCanBeWrittenIsStartedEmpty) {
   writeIdentity("0\n0\n42\n0\nid\n");
   const ScopedMode writeOnly(file(), 0222);
   EXPECT_EQ(asOrdinaryUser([&] {
@@ -294,7 +294,7 @@ TEST_F(DamagedIdentity, AnUnreadableFileThatCanBeWrittenIsStartedEmpty) {
   EXPECT_EQ(identity(), "");
 }
 
-TEST_F(DamagedIdentity, ThatCannotBeDeletedStaysAndCannotBeUsed) {
+TEST_F(DamagedIdentity, DamagedIdentityThatCannotBeDeletedStaysAndCannotBeUsed) {
   writeIdentity("abc\n");
   const ScopedMode anybody(file(), 0666);
   const ScopedMode readOnly(project / "vestra", 0555);

@@ -42,11 +42,11 @@ Lines written(const ProjectIdentity& identity) {
 
 Lines rewritten(const std::string& text) { return written(read(text)); }
 
-TEST(ProjectIdentity, OfANewProjectIsWrittenAsFiveLines) {
+TEST(ProjectIdentity, IdentityOfANewProjectIsWrittenAsFiveLines) {
   EXPECT_EQ(written(ProjectIdentity()), (Lines{"0", "0", "1", "0", ""}));
 }
 
-TEST(ProjectIdentity, IsWrittenInPlainDecimal) {
+TEST(ProjectIdentity, IdentityIsWrittenInPlainDecimal) {
   ProjectIdentity identity;
   identity.lastSendTimeDefault = 1700000000;
   identity.lastSendTimeType1 = -1;
@@ -56,7 +56,7 @@ TEST(ProjectIdentity, IsWrittenInPlainDecimal) {
   EXPECT_EQ(written(identity), (Lines{"1700000000", "-1", "42", "1", "an id = anything"}));
 }
 
-TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
+TEST(ProjectIdentity, IdentityIsWrittenToTheEdgesOfItsTypes) {
   ProjectIdentity identity;
   identity.lastSendTimeDefault = INT64_LEAST;
   identity.lastSendTimeType1 = INT64_MOST;
@@ -66,7 +66,7 @@ TEST(ProjectIdentity, IsWrittenToTheEdgesOfItsTypes) {
                                       "-2147483648", ""}));
 }
 
-TEST(ProjectIdentity, IsReadFromFiveLines) {
+TEST(ProjectIdentity, IdentityIsReadFromFiveLines) {
   const ProjectIdentity identity =
       read("1700000000\n1700000001\n42\n1\n3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e\n");
   EXPECT_EQ(identity.lastSendTimeDefault, 1700000000);
@@ -76,12 +76,12 @@ TEST(ProjectIdentity, IsReadFromFiveLines) {
   EXPECT_EQ(identity.projectId, "3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e");
 }
 
-TEST(ProjectIdentity, ALastLineNeedsNoEnd) {
+TEST(ProjectIdentity, LastLineNeedsNoEnd) {
   EXPECT_EQ(rewritten("1\n2\n3\n4\nid"), (Lines{"1", "2", "3", "4", "id"}));
   EXPECT_EQ(rewritten("1\n2\n3\n4"), (Lines{"1", "2", "3", "4", ""}));
 }
 
-TEST(ProjectIdentity, OfAnEmptyTextIsThatOfANewProjectWithoutAnIdentifier) {
+TEST(ProjectIdentity, IdentityOfAnEmptyTextIsThatOfANewProjectWithoutAnIdentifier) {
   EXPECT_EQ(rewritten(""), (Lines{"0", "0", "1", "0", ""}));
 }
 
@@ -96,7 +96,7 @@ TEST(ProjectIdentity, MissingLinesLeaveTheirFields) {
   EXPECT_EQ(rewritten("1\n2\n3\n"), (Lines{"1", "2", "3", "0", ""}));
 }
 
-TEST(ProjectIdentity, AMissingIdentifierLeavesTheOneThatIsKnown) {
+TEST(ProjectIdentity, MissingIdentifierLeavesTheOneThatIsKnown) {
   std::istringstream in("1\n2\n3\n4\n");
   ProjectIdentity identity;
   identity.projectId = "known";
@@ -104,7 +104,7 @@ TEST(ProjectIdentity, AMissingIdentifierLeavesTheOneThatIsKnown) {
   EXPECT_EQ(identity.projectId, "known");
 }
 
-TEST(ProjectIdentity, AnEmptyIdentifiersLineIsAnEmptyIdentifier) {
+TEST(ProjectIdentity, EmptyIdentifiersLineIsAnEmptyIdentifier) {
   std::istringstream in("1\n2\n3\n4\n\n");
   ProjectIdentity identity;
   identity.projectId = "known";
@@ -127,7 +127,7 @@ TEST(ProjectIdentity, WhiteSpaceInFrontOfANumberIsSkipped) {
   EXPECT_EQ(rewritten("  12\n\t13\n\v\f\r14\n 1\n"), (Lines{"12", "13", "14", "1", ""}));
 }
 
-TEST(ProjectIdentity, ASignInFrontOfANumberIsRead) {
+TEST(ProjectIdentity, SignInFrontOfANumberIsRead) {
   EXPECT_EQ(rewritten("+5\n-6\n+7\n-1\n"), (Lines{"5", "-6", "7", "-1", ""}));
 }
 
@@ -146,22 +146,22 @@ TEST(ProjectIdentity, NumbersAreReadToTheEdgesOfTheirTypes) {
   EXPECT_EQ(rewritten("0\n0\n1\n-2147483648\n"), (Lines{"0", "0", "1", "-2147483648", ""}));
 }
 
-TEST(ProjectIdentity, ANegativeIterationTurnsRoundIntoALargeOne) {
+TEST(ProjectIdentity, NegativeIterationTurnsRoundIntoALargeOne) {
   EXPECT_EQ(rewritten("0\n0\n-1\n"), (Lines{"0", "0", "18446744073709551615", "0", ""}));
   EXPECT_EQ(rewritten("0\n0\n-9223372036854775808\n"), (Lines{"0", "0", "9223372036854775808", "0", ""}));
 }
 
-TEST(ProjectIdentity, TheIdentifierIsTheWholeLine) {
+TEST(ProjectIdentity, IdentifierIsTheWholeLine) {
   EXPECT_EQ(read("1\n2\n3\n4\n  spaced \t id  \n").projectId, "  spaced \t id  ");
   EXPECT_EQ(read("1\n2\n3\n4\n\x80\xff\0id\n"s).projectId, "\x80\xff\0id"s);
 }
 
-TEST(ProjectIdentity, TheIdentifierMayBeAMegabyteLong) {
+TEST(ProjectIdentity, IdentifierMayBeAMegabyteLong) {
   const std::string megabyte(1048576, 'x');
   EXPECT_EQ(read("1\n2\n3\n4\n" + megabyte + "\n").projectId, megabyte);
 }
 
-TEST(ProjectIdentity, ANumberBehindAMegabyteOfBlanksIsRead) {
+TEST(ProjectIdentity, NumberBehindAMegabyteOfBlanksIsRead) {
   EXPECT_EQ(rewritten(std::string(1048576, ' ') + "12\n"), (Lines{"12", "0", "1", "0", ""}));
 }
 
@@ -177,7 +177,7 @@ std::string nameOf(const testing::TestParamInfo<NamedLine>& test) { return test.
 
 class NotANumber : public testing::TestWithParam<NamedLine> {};
 
-TEST_P(NotANumber, OnAnyOfTheFirstFourLinesThrowsInvalidArgument) {
+TEST_P(NotANumber, WordOnAnyOfTheFirstFourLinesThrowsInvalidArgument) {
   const std::string line = GetParam().line + "\n";
   EXPECT_THROW(read(line), std::invalid_argument);
   EXPECT_THROW(read("1\n" + line), std::invalid_argument);
@@ -185,7 +185,7 @@ TEST_P(NotANumber, OnAnyOfTheFirstFourLinesThrowsInvalidArgument) {
   EXPECT_THROW(read("1\n2\n3\n" + line), std::invalid_argument);
 }
 
-TEST_P(NotANumber, OnTheFifthLineIsAnIdentifier) {
+TEST_P(NotANumber, WordOnTheFifthLineIsAnIdentifier) {
   const std::string line = GetParam().line;
   EXPECT_EQ(read("1\n2\n3\n4\n" + line + "\n").projectId, line);
 }
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(ProjectIdentity, NotANumber,
 
 class NumberOutOfRange : public testing::TestWithParam<NamedLine> {};
 
-TEST_P(NumberOutOfRange, OnAnyOfTheFirstFourLinesThrowsOutOfRange) {
+TEST_P(NumberOutOfRange, LargeNumberOnAnyOfTheFirstFourLinesThrowsOutOfRange) {
   const std::string line = GetParam().line + "\n";
   EXPECT_THROW(read(line), std::out_of_range);
   EXPECT_THROW(read("1\n" + line), std::out_of_range);
@@ -223,11 +223,11 @@ INSTANTIATE_TEST_SUITE_P(ProjectIdentity, NumberOutOfRange,
 
 class FlagOutOfRange : public testing::TestWithParam<NamedLine> {};
 
-TEST_P(FlagOutOfRange, OnTheFourthLineThrowsOutOfRange) {
+TEST_P(FlagOutOfRange, LargeFlagOnTheFourthLineThrowsOutOfRange) {
   EXPECT_THROW(read("1\n2\n3\n" + GetParam().line + "\n"), std::out_of_range);
 }
 
-TEST_P(FlagOutOfRange, FitsTheLinesAbove) {
+TEST_P(FlagOutOfRange, LargeFlagFitsTheLinesAbove) {
   const std::string line = GetParam().line + "\n";
   EXPECT_NO_THROW(read(line + line + line));
 }
@@ -266,7 +266,7 @@ TEST(ProjectIdentity, EveryTruncationOfAGoodTextIsReadToItsEnd) {
   }
 }
 
-RC_GTEST_PROP(ProjectIdentity, ComesBackAsItWasWritten,
+RC_GTEST_PROP(ProjectIdentity, IdentityComesBackAsItWasWritten,
               (std::int64_t defaultTime, std::int64_t type1Time, std::int64_t iteration, std::int32_t flow)) {
   ProjectIdentity identity;
   identity.lastSendTimeDefault = defaultTime;
@@ -282,7 +282,7 @@ RC_GTEST_PROP(ProjectIdentity, ComesBackAsItWasWritten,
   RC_ASSERT(back.projectId == identity.projectId);
 }
 
-RC_GTEST_PROP(ProjectIdentity, OfAnyTextIsReadOrRefusedWithALogicError, (const std::string& text)) {
+RC_GTEST_PROP(ProjectIdentity, IdentityOfAnyTextIsReadOrRefusedWithALogicError, (const std::string& text)) {
   try {
     read(text);
   } catch (const std::logic_error&) {

@@ -33,24 +33,24 @@ class RandomId : public vestra_test::SettingsFixture {
   std::string firstIdInFile() const { return settings().substr(9, 36); }
 };
 
-TEST_F(RandomId, OfTheFileIsUsedAndTheFileLeftAlone) {
+TEST_F(RandomId, RandomIdOfTheFileIsUsedAndTheFileLeftAlone) {
   writeSettings("RandomID=abc\n");
   EXPECT_EQ(VestraSetting().getRandomId(), "abc");
   EXPECT_EQ(settings(), "RandomID=abc\n");
 }
 
-TEST_F(RandomId, OfTheFileMayHaveAnyForm) {
+TEST_F(RandomId, RandomIdOfTheFileMayHaveAnyForm) {
   const std::string odd = "not a uuid \xff " + std::string(1000, 'x');
   writeSettings("RandomID=" + odd + "\n");
   EXPECT_EQ(VestraSetting().getRandomId(), odd);
 }
 
-TEST_F(RandomId, OfTheFirstLineInTheFileIsUsed) {
+TEST_F(RandomId, RandomIdOfTheFirstLineInTheFileIsUsed) {
   writeSettings("a=b\nRandomID=first\nRandomID=second\n");
   EXPECT_EQ(VestraSetting().getRandomId(), "first");
 }
 
-TEST_F(RandomId, IsMadeWithFileAndDirectories) {
+TEST_F(RandomId, RandomIdIsMadeWithFileAndDirectories) {
   VestraSetting setting;
   const std::string identifier = setting.getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
@@ -58,7 +58,7 @@ TEST_F(RandomId, IsMadeWithFileAndDirectories) {
   EXPECT_EQ(namesIn(home / ".Calvix/Common/2018.2"), std::vector<std::string>{"vestra"});
 }
 
-TEST_F(RandomId, IsMadeOnce) {
+TEST_F(RandomId, RandomIdIsMadeOnce) {
   VestraSetting setting;
   const std::string identifier = setting.getRandomId();
   writeSettings("touched by nobody");
@@ -67,19 +67,19 @@ TEST_F(RandomId, IsMadeOnce) {
   EXPECT_EQ(settings(), "touched by nobody");
 }
 
-TEST_F(RandomId, IsFoundByTheNextProcess) {
+TEST_F(RandomId, RandomIdIsFoundByTheNextProcess) {
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_EQ(VestraSetting().getRandomId(), identifier);
 }
 
-TEST_F(RandomId, IsAppendedAfterOtherLines) {
+TEST_F(RandomId, RandomIdIsAppendedAfterOtherLines) {
   writeSettings("a=b\n# no comment\n");
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
   EXPECT_EQ(settings(), "a=b\n# no comment\nRandomID=" + identifier + "\n");
 }
 
-TEST_F(RandomId, IsAppendedToWhatTheFileHoldsByThen) {
+TEST_F(RandomId, RandomIdIsAppendedToWhatTheFileHoldsByThen) {
   VestraSetting setting;
   writeSettings("RandomID=of another process\n");
   const std::string identifier = setting.getRandomId();
@@ -87,7 +87,7 @@ TEST_F(RandomId, IsAppendedToWhatTheFileHoldsByThen) {
   EXPECT_EQ(VestraSetting().getRandomId(), "of another process");
 }
 
-TEST_F(RandomId, IsAppendedToALineWithoutAnEndAndLostWithIt) {
+TEST_F(RandomId, RandomIdIsAppendedToALineWithoutAnEndAndLostWithIt) {
   writeSettings("a=b");
   const std::string lost = VestraSetting().getRandomId();
   EXPECT_EQ(settings(), "a=bRandomID=" + lost + "\n");
@@ -101,14 +101,14 @@ TEST_F(RandomId, IsAppendedToALineWithoutAnEndAndLostWithIt) {
   EXPECT_EQ(VestraSetting().getRandomId(), kept);
 }
 
-TEST_F(RandomId, WithBlanksAroundTheEqualsSignDoesNotCount) {
+TEST_F(RandomId, RandomIdWithBlanksAroundTheEqualsSignDoesNotCount) {
   writeSettings("RandomID = abc\n");
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
   EXPECT_EQ(settings(), "RandomID = abc\nRandomID=" + identifier + "\n");
 }
 
-TEST_F(RandomId, BehindAnEmptyOneIsMadeAnewAtEachCall) {
+TEST_F(RandomId, RandomIdBehindAnEmptyOneIsMadeAnewAtEachCall) {
   writeSettings("RandomID=\n");
   VestraSetting setting;
   const std::string first = setting.getRandomId();
@@ -124,52 +124,52 @@ TEST_F(RandomId, BehindAnEmptyOneIsMadeAnewAtEachCall) {
             "RandomID=\nRandomID=" + first + "\nRandomID=" + second + "\nRandomID=" + third + "\n");
 }
 
-TEST_F(RandomId, IsWrittenInOurBytesUnderTheHostsLocale) {
+TEST_F(RandomId, RandomIdIsWrittenInOurBytesUnderTheHostsLocale) {
   const ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
   EXPECT_EQ(settings(), "RandomID=" + identifier + "\n");
 }
 
-TEST_F(RandomId, IsEmptyWhereTheHomeIsAFile) {
+TEST_F(RandomId, RandomIdIsEmptyWhereTheHomeIsAFile) {
   writeFile(home / "file", "");
   const vestra_test::ScopedEnv fileAsHome("HOME", home / "file");
   EXPECT_EQ(VestraSetting().getRandomId(), "");
 }
 
-TEST_F(RandomId, IsEmptyWhereAParentDirectoryIsAFile) {
+TEST_F(RandomId, RandomIdIsEmptyWhereAParentDirectoryIsAFile) {
   writeFile(home / ".Calvix/Common", "");
   EXPECT_EQ(VestraSetting().getRandomId(), "");
   EXPECT_EQ(readFile(home / ".Calvix/Common"), "");
 }
 
-TEST_F(RandomId, IsEmptyWhereTheHomesDirectoriesCannotBeMade) {
+TEST_F(RandomId, RandomIdIsEmptyWhereTheHomesDirectoriesCannotBeMade) {
   const ScopedMode readOnly(home.path(), 0555);
   EXPECT_EQ(idForAnOrdinaryUser(), "");
   EXPECT_EQ(namesIn(home.path()), std::vector<std::string>{});
 }
 
-TEST_F(RandomId, IsEmptyWhereTheSettingsDirectoryIsReadOnly) {
+TEST_F(RandomId, RandomIdIsEmptyWhereTheSettingsDirectoryIsReadOnly) {
   makeDirectory(home / ".Calvix/Common/2018.2");
   const ScopedMode readOnly(home / ".Calvix/Common/2018.2", 0555);
   EXPECT_EQ(idForAnOrdinaryUser(), "");
   EXPECT_EQ(namesIn(home / ".Calvix/Common/2018.2"), std::vector<std::string>{});
 }
 
-TEST_F(RandomId, IsEmptyWhereTheDirectoryCannotBeEntered) {
+TEST_F(RandomId, RandomIdIsEmptyWhereTheDirectoryCannotBeEntered) {
   writeSettings("RandomID=abc\n");
   const ScopedMode shut(home / ".Calvix", 0000);
   EXPECT_EQ(idForAnOrdinaryUser(), "");
 }
 
-TEST_F(RandomId, IsEmptyWhereTheFileIsReadOnlyAndHasNone) {
+TEST_F(RandomId, RandomIdIsEmptyWhereTheFileIsReadOnlyAndHasNone) {
   writeSettings("a=b\n");
   const ScopedMode readOnly(file(), 0444);
   EXPECT_EQ(idForAnOrdinaryUser(), "");
   EXPECT_EQ(settings(), "a=b\n");
 }
 
-TEST_F(RandomId, IsTriedAgainAfterAFailure) {
+TEST_F(RandomId, RandomIdIsTriedAgainAfterAFailure) {
   writeFile(home / ".Calvix/Common", "");
   VestraSetting setting;
   EXPECT_EQ(setting.getRandomId(), "");
@@ -179,7 +179,7 @@ TEST_F(RandomId, IsTriedAgainAfterAFailure) {
   EXPECT_EQ(settings(), "RandomID=" + identifier + "\n");
 }
 
-TEST_F(RandomId, OfAnUnreadableFileIsAppendedUnseen) {
+TEST_F(RandomId, RandomIdOfAnUnreadableFileIsAppendedUnseen) {
   writeSettings("RandomID=abc\n");
   const ScopedMode writeOnly(file(), 0222);
   const std::string identifier = idForAnOrdinaryUser();
@@ -188,7 +188,7 @@ TEST_F(RandomId, OfAnUnreadableFileIsAppendedUnseen) {
   EXPECT_EQ(settings(), "RandomID=abc\nRandomID=" + identifier + "\n");
 }
 
-TEST_F(RandomId, ThatCannotBeWrittenIsKeptForTheProcess) {
+TEST_F(RandomId, RandomIdThatCannotBeWrittenIsKeptForTheProcess) {
   vestra_test::makeLink(file(), "/dev/full");
   VestraSetting setting;
   const std::string identifier = setting.getRandomId();

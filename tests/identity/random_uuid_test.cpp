@@ -13,14 +13,14 @@ namespace {
 
 using vestra_test::isRandomUuid;
 
-TEST(RandomUuid, IsAVersion4IdentifierInCanonicalForm) {
+TEST(RandomUuid, RandomUuidIsAVersion4IdentifierInCanonicalForm) {
   for (int i = 0; i < 1000; ++i) {
     const std::string uuid = randomUuid();
     EXPECT_TRUE(isRandomUuid(uuid)) << uuid;
   }
 }
 
-TEST(RandomUuid, IsAnotherOneEachTime) {
+TEST(RandomUuid, RandomUuidIsAnotherOneEachTime) {
   std::set<std::string> seen;
   for (int i = 0; i < 1000; ++i) {
     seen.insert(randomUuid());
@@ -28,7 +28,7 @@ TEST(RandomUuid, IsAnotherOneEachTime) {
   EXPECT_EQ(seen.size(), 1000U);
 }
 
-TEST(RandomUuid, UsesEveryVariantDigit) {
+TEST(RandomUuid, RandomUuidUsesEveryVariantDigit) {
   std::set<char> seen;
   for (int i = 0; i < 1000; ++i) {
     seen.insert(randomUuid()[19]);
@@ -36,7 +36,7 @@ TEST(RandomUuid, UsesEveryVariantDigit) {
   EXPECT_EQ(seen, (std::set<char>{'8', '9', 'a', 'b'}));
 }
 
-TEST(RandomUuid, DoesNotMindTheHostsLocale) {
+TEST(RandomUuid, RandomUuidDoesNotMindTheHostsLocale) {
   const vestra_test::ScopedLocale grouping(vestra_test::digitGroupingLocale());
   const std::string uuid = randomUuid();
   EXPECT_TRUE(isRandomUuid(uuid)) << uuid;

@@ -42,7 +42,7 @@ class DamagedSettings : public vestra_test::SettingsFixture {
   }
 };
 
-TEST_F(DamagedSettings, AnEmptyFileGetsAnIdentifier) {
+TEST_F(DamagedSettings, EmptyFileGetsAnIdentifier) {
   writeSettings("");
   expectNewIdentifierThatLasts();
 }
@@ -66,7 +66,7 @@ TEST_F(DamagedSettings, NulBytesInTheIdentifierAreKept) {
   EXPECT_EQ(VestraSetting().getRandomId(), "a\0b"s);
 }
 
-TEST_F(DamagedSettings, AFileOfNulBytesLosesTheFirstIdentifierBehindThem) {
+TEST_F(DamagedSettings, FileOfNulBytesLosesTheFirstIdentifierBehindThem) {
   writeSettings(std::string(4096, '\0'));
   const std::string lost = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(lost)) << lost;
@@ -87,17 +87,17 @@ TEST_F(DamagedSettings, OldMacLineEndsMakeOneLineOfAll) {
   expectNewIdentifierThatLasts();
 }
 
-TEST_F(DamagedSettings, ALineOfAMegabyteDoesNoHarm) {
+TEST_F(DamagedSettings, LineOfAMegabyteDoesNoHarm) {
   writeSettings(std::string(1048576, 'x') + "\nRandomID=abc\n");
   EXPECT_EQ(VestraSetting().getRandomId(), "abc");
 }
 
-TEST_F(DamagedSettings, AnEqualsSignInTheIdentifierDropsIt) {
+TEST_F(DamagedSettings, EqualsSignInTheIdentifierDropsIt) {
   writeSettings("RandomID=abc=\n");
   expectNewIdentifierThatLasts();
 }
 
-TEST_F(DamagedSettings, ATwiceWrittenLineCountsOnce) {
+TEST_F(DamagedSettings, TwiceWrittenLineCountsOnce) {
   writeSettings("RandomID=abc\nRandomID=abc\n");
   EXPECT_EQ(VestraSetting().getRandomId(), "abc");
   EXPECT_EQ(settings(), "RandomID=abc\nRandomID=abc\n");
@@ -114,78 +114,78 @@ TEST_F(DamagedSettings, EveryTruncationOfAGoodFileIsUsableAgainAfterTwoRuns) {
   }
 }
 
-TEST_F(DamagedSettings, AnIdentifierCutOffBehindItsEqualsSignIsMadeWholeByTheAppending) {
+TEST_F(DamagedSettings, IdentifierCutOffBehindItsEqualsSignIsMadeWholeByTheAppending) {
   writeSettings("a=b\nRandomID=");
   const std::string lost = VestraSetting().getRandomId();
   EXPECT_EQ(settings(), "a=b\nRandomID=RandomID=" + lost + "\n");
   expectNewIdentifierThatLasts();
 }
 
-TEST_F(DamagedSettings, ADirectoryInItsPlaceGivesNoIdentifier) {
+TEST_F(DamagedSettings, DirectoryInItsPlaceGivesNoIdentifier) {
   makeDirectory(file());
   expectNoIdentifier();
   EXPECT_EQ(vestra_test::namesIn(file()), std::vector<std::string>{});
 }
 
-TEST_F(DamagedSettings, ANamedPipeInItsPlaceGivesNoIdentifier) {
+TEST_F(DamagedSettings, NamedPipeInItsPlaceGivesNoIdentifier) {
   makeNamedPipe(file());
   expectNoIdentifier();
 }
 
-TEST_F(DamagedSettings, ALinkToANamedPipeGivesNoIdentifier) {
+TEST_F(DamagedSettings, LinkToANamedPipeGivesNoIdentifier) {
   makeNamedPipe(home / "pipe");
   makeLink(file(), home / "pipe");
   expectNoIdentifier();
 }
 
-TEST_F(DamagedSettings, ASocketInItsPlaceGivesNoIdentifier) {
+TEST_F(DamagedSettings, SocketInItsPlaceGivesNoIdentifier) {
   makeSocket(file());
   expectNoIdentifier();
 }
 
-TEST_F(DamagedSettings, ALinkToItselfGivesNoIdentifier) {
+TEST_F(DamagedSettings, LinkToItselfGivesNoIdentifier) {
   makeLink(file(), "vestra");
   expectNoIdentifier();
 }
 
-TEST_F(DamagedSettings, ALinkToNowhereIsFilled) {
+TEST_F(DamagedSettings, LinkToNowhereIsFilled) {
   makeLink(file(), home / "elsewhere");
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
   EXPECT_EQ(readFile(home / "elsewhere"), "RandomID=" + identifier + "\n");
 }
 
-TEST_F(DamagedSettings, ALinkIntoAMissingDirectoryGivesNoIdentifier) {
+TEST_F(DamagedSettings, LinkIntoAMissingDirectoryGivesNoIdentifier) {
   makeLink(file(), home / "missing/elsewhere");
   expectNoIdentifier();
 }
 
-TEST_F(DamagedSettings, TheNullDeviceGivesAnIdentifierForThisProcessOnly) {
+TEST_F(DamagedSettings, NullDeviceGivesAnIdentifierForThisProcessOnly) {
   makeLink(file(), "/dev/null");
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
   EXPECT_NE(VestraSetting().getRandomId(), identifier);
 }
 
-TEST_F(DamagedSettings, TheEndlessDeviceIsNotRead) {
+TEST_F(DamagedSettings, EndlessDeviceIsNotRead) {
   makeLink(file(), "/dev/zero");
   const std::string identifier = VestraSetting().getRandomId();
   EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
 }
 
 // The process's own memory is a regular file whose first byte cannot be read.
-TEST_F(DamagedSettings, AReadErrorIsTheEndOfTheFile) {
+TEST_F(DamagedSettings, ReadErrorIsTheEndOfTheFile) {
   makeLink(file(), "/proc/self/mem");
   EXPECT_EQ(VestraSetting().getPropertyValue("RandomID"), "");
 }
 
-TEST_F(DamagedSettings, AFileWithoutPermissionsGivesNoIdentifier) {
+TEST_F(DamagedSettings, FileWithoutPermissionsGivesNoIdentifier) {
   writeSettings("RandomID=abc\n");
   const vestra_test::ScopedMode none(file(), 0000);
   EXPECT_EQ(asOrdinaryUser([] { return VestraSetting().getRandomId(); }), "");
 }
 
-TEST_F(DamagedSettings, AReadOnlyFileWithAnIdentifierIsUsed) {
+TEST_F(DamagedSettings, ReadOnlyFileWithAnIdentifierIsUsed) {
   writeSettings("RandomID=abc\n");
   const vestra_test::ScopedMode readOnly(file(), 0444);
   EXPECT_EQ(asOrdinaryUser([] { return VestraSetting().getRandomId(); }), "abc");

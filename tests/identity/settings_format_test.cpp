@@ -21,15 +21,15 @@ Properties read(const std::string& text, Properties properties = {}) {
   return properties;
 }
 
-TEST(SettingsFormat, ALineIsAKeyAndAValue) {
+TEST(SettingsFormat, LineIsAKeyAndAValue) {
   EXPECT_EQ(read("RandomID=abc\n"), (Properties{{"RandomID", "abc"}}));
 }
 
-TEST(SettingsFormat, ALastLineNeedsNoEnd) {
+TEST(SettingsFormat, LastLineNeedsNoEnd) {
   EXPECT_EQ(read("a=1\nb=2"), (Properties{{"a", "1"}, {"b", "2"}}));
 }
 
-TEST(SettingsFormat, TheFirstLineWithAKeyWins) {
+TEST(SettingsFormat, FirstLineWithAKeyWins) {
   EXPECT_EQ(read("k=1\nk=2\n"), (Properties{{"k", "1"}}));
   EXPECT_EQ(read("k=\nk=2\n"), (Properties{{"k", ""}}));
 }
@@ -42,7 +42,7 @@ TEST(SettingsFormat, KeysDifferByLetterCase) {
   EXPECT_EQ(read("k=1\nK=2\n"), (Properties{{"K", "2"}, {"k", "1"}}));
 }
 
-TEST(SettingsFormat, ALineIsTrimmedAsAWhole) {
+TEST(SettingsFormat, LineIsTrimmedAsAWhole) {
   EXPECT_EQ(read("  RandomID=abc \r\n"), (Properties{{"RandomID", "abc"}}));
   EXPECT_EQ(read("\t\v\f RandomID=abc\t\v\f \r\n"), (Properties{{"RandomID", "abc"}}));
 }
@@ -52,9 +52,9 @@ TEST(SettingsFormat, BlanksAroundTheEqualsSignAreKept) {
   EXPECT_EQ(read("a b=c d\n"), (Properties{{"a b", "c d"}}));
 }
 
-TEST(SettingsFormat, AValueMayBeEmpty) { EXPECT_EQ(read("k=\n"), (Properties{{"k", ""}})); }
+TEST(SettingsFormat, ValueMayBeEmpty) { EXPECT_EQ(read("k=\n"), (Properties{{"k", ""}})); }
 
-TEST(SettingsFormat, AKeyMayBeEmpty) {
+TEST(SettingsFormat, KeyMayBeEmpty) {
   EXPECT_EQ(read("=v\n"), (Properties{{"", "v"}}));
   EXPECT_EQ(read("=\n"), (Properties{{"", ""}}));
 }
@@ -63,17 +63,17 @@ TEST(SettingsFormat, ThereAreNoComments) {
   EXPECT_EQ(read("#k=v\n;l=w\n"), (Properties{{"#k", "v"}, {";l", "w"}}));
 }
 
-TEST(SettingsFormat, ALineWithTwoEqualsSignsIsDropped) {
+TEST(SettingsFormat, LineWithTwoEqualsSignsIsDropped) {
   EXPECT_EQ(read("k=a=b\nk==b\nk=a=\n==\n"), Properties{});
 }
 
-TEST(SettingsFormat, ALineWithoutAnEqualsSignIsDropped) { EXPECT_EQ(read("kb\n"), Properties{}); }
+TEST(SettingsFormat, LineWithoutAnEqualsSignIsDropped) { EXPECT_EQ(read("kb\n"), Properties{}); }
 
 TEST(SettingsFormat, WhatStandsAroundADroppedLineIsRead) {
   EXPECT_EQ(read("a=1\nk=a=b\nkb\nb=2\n"), (Properties{{"a", "1"}, {"b", "2"}}));
 }
 
-TEST(SettingsFormat, AnEmptyTextGivesAnEmptyTable) { EXPECT_EQ(read(""), Properties{}); }
+TEST(SettingsFormat, EmptyTextGivesAnEmptyTable) { EXPECT_EQ(read(""), Properties{}); }
 
 TEST(SettingsFormat, BlankLinesGiveAnEmptyTable) {
   EXPECT_EQ(read("\n\n"), Properties{});
@@ -84,7 +84,7 @@ TEST(SettingsFormat, CarriageReturnsBeforeLineEndsAreTrimmed) {
   EXPECT_EQ(read("a=1\r\nb=2\r\n"), (Properties{{"a", "1"}, {"b", "2"}}));
 }
 
-TEST(SettingsFormat, ALoneCarriageReturnEndsNoLine) {
+TEST(SettingsFormat, LoneCarriageReturnEndsNoLine) {
   EXPECT_EQ(read("a=1\rb\n"), (Properties{{"a", "1\rb"}}));
   EXPECT_EQ(read("a=1\rb=2\r"), Properties{});
 }
@@ -98,17 +98,17 @@ TEST(SettingsFormat, BytesAbove127AreKept) {
   EXPECT_EQ(read("\xff\x80=\xc3\xa9\x85\xa0\n"), (Properties{{"\xff\x80", "\xc3\xa9\x85\xa0"}}));
 }
 
-TEST(SettingsFormat, AByteOrderMarkBelongsToTheKey) {
+TEST(SettingsFormat, ByteOrderMarkBelongsToTheKey) {
   EXPECT_EQ(read("\xef\xbb\xbfRandomID=abc\n"), (Properties{{"\xef\xbb\xbfRandomID", "abc"}}));
 }
 
-TEST(SettingsFormat, ALineOfAMegabyteIsRead) {
+TEST(SettingsFormat, LineOfAMegabyteIsRead) {
   const std::string megabyte(1048576, 'x');
   EXPECT_EQ(read("k=" + megabyte + "\nl=1\n"), (Properties{{"k", megabyte}, {"l", "1"}}));
   EXPECT_EQ(read(megabyte + "\nl=1\n"), (Properties{{"l", "1"}}));
 }
 
-TEST(SettingsFormat, AMegabyteOfEqualsSignsIsDropped) {
+TEST(SettingsFormat, MegabyteOfEqualsSignsIsDropped) {
   EXPECT_EQ(read(std::string(1048576, '=') + "\nl=1\n"), (Properties{{"l", "1"}}));
 }
 

@@ -25,7 +25,7 @@ class ProjectInfo : public vestra_test::ProjectFixture {
   VestraProjectInfo record{file(), &handler};
 };
 
-TEST_F(ProjectInfo, OfANewProjectHasANewIdentifierAndAnEmptyFile) {
+TEST_F(ProjectInfo, RecordOfANewProjectHasANewIdentifierAndAnEmptyFile) {
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
   EXPECT_EQ(record.getIteration(), 1U);
@@ -33,26 +33,26 @@ TEST_F(ProjectInfo, OfANewProjectHasANewIdentifierAndAnEmptyFile) {
   EXPECT_EQ(identity(), "");
 }
 
-TEST_F(ProjectInfo, OfANewProjectMakesTheMissingDirectories) {
+TEST_F(ProjectInfo, RecordOfANewProjectMakesTheMissingDirectories) {
   VestraProjectInfo deep(project / "a/b/vestra/.kelvo_vestrra.info", &handler);
   EXPECT_TRUE(deep.loadOrCreate());
   EXPECT_EQ(namesIn(project / "a/b/vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
 }
 
-TEST_F(ProjectInfo, OfANewProjectTakesTheLastNineteenBytesOfThePathForTheName) {
+TEST_F(ProjectInfo, RecordOfANewProjectTakesTheLastNineteenBytesOfThePathForTheName) {
   VestraProjectInfo odd(project / "vestra/123456789 123456789", &handler);
   EXPECT_TRUE(odd.loadOrCreate());
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{"123456789 123456789"});
   EXPECT_EQ(readFile(project / "vestra/123456789 123456789"), "");
 }
 
-TEST_F(ProjectInfo, OfANewProjectReachesTheFileWithTheFirstAttempt) {
+TEST_F(ProjectInfo, RecordOfANewProjectReachesTheFileWithTheFirstAttempt) {
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
   EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, OfANewProjectTakesTheHostsIdentifier) {
+TEST_F(ProjectInfo, RecordOfANewProjectTakesTheHostsIdentifier) {
   handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getProjectId(), "host's own");
@@ -61,21 +61,21 @@ TEST_F(ProjectInfo, OfANewProjectTakesTheHostsIdentifier) {
   EXPECT_EQ(identity(), "1700000000\n0\n2\n1\nhost's own\n");
 }
 
-TEST_F(ProjectInfo, OfANewProjectTakesTheHostsIdentifierInCapitals) {
+TEST_F(ProjectInfo, RecordOfANewProjectTakesTheHostsIdentifierInCapitals) {
   handler.addData("PROJECT_ID", "loud", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getProjectId(), "loud");
   EXPECT_EQ(record.getOrbeloFlow(), 1);
 }
 
-TEST_F(ProjectInfo, AnEmptyIdentifierOfTheHostCountsAsNone) {
+TEST_F(ProjectInfo, EmptyIdentifierOfTheHostCountsAsNone) {
   handler.addData("project_id", "", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
   EXPECT_EQ(record.getOrbeloFlow(), 0);
 }
 
-TEST_F(ProjectInfo, IsLoadedFromTheFile) {
+TEST_F(ProjectInfo, RecordIsLoadedFromTheFile) {
   writeIdentity("1\n2\n42\n0\nstored\n");
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getProjectId(), "stored");
@@ -84,7 +84,7 @@ TEST_F(ProjectInfo, IsLoadedFromTheFile) {
   EXPECT_EQ(identity(), "1\n2\n42\n0\nstored\n");
 }
 
-TEST_F(ProjectInfo, OfAnEmptyFileHasNoIdentifier) {
+TEST_F(ProjectInfo, RecordOfAnEmptyFileHasNoIdentifier) {
   writeIdentity("");
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getProjectId(), "");
@@ -94,7 +94,7 @@ TEST_F(ProjectInfo, OfAnEmptyFileHasNoIdentifier) {
   EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n\n");
 }
 
-TEST_F(ProjectInfo, OfAnEmptyFileTakesTheHostsIdentifierWithoutTheFlag) {
+TEST_F(ProjectInfo, RecordOfAnEmptyFileTakesTheHostsIdentifierWithoutTheFlag) {
   writeIdentity("");
   handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   EXPECT_TRUE(record.loadOrCreate());
@@ -102,7 +102,7 @@ TEST_F(ProjectInfo, OfAnEmptyFileTakesTheHostsIdentifierWithoutTheFlag) {
   EXPECT_EQ(record.getOrbeloFlow(), 0);
 }
 
-TEST_F(ProjectInfo, TheHostsIdentifierWinsOverTheStoredOneAndTheFlagStays) {
+TEST_F(ProjectInfo, HostsIdentifierWinsOverTheStoredOneAndTheFlagStays) {
   writeIdentity("1\n2\n42\n0\nstored\n");
   handler.addData("Project_Id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   EXPECT_TRUE(record.loadOrCreate());
@@ -112,20 +112,20 @@ TEST_F(ProjectInfo, TheHostsIdentifierWinsOverTheStoredOneAndTheFlagStays) {
   EXPECT_EQ(identity(), "1700000000\n2\n43\n0\nhost's own\n");
 }
 
-TEST_F(ProjectInfo, TheStoredFlagStaysWithoutAHostsIdentifier) {
+TEST_F(ProjectInfo, StoredFlagStaysWithoutAHostsIdentifier) {
   writeIdentity("1\n2\n42\n1\nstored\n");
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getOrbeloFlow(), 1);
   EXPECT_EQ(record.getProjectId(), "stored");
 }
 
-TEST_F(ProjectInfo, AnIdentifierInAnotherSectionIsNotTheHosts) {
+TEST_F(ProjectInfo, IdentifierInAnotherSectionIsNotTheHosts) {
   handler.addData("project_id", "elsewhere", Vestra::USER_ENVIRONMENT);
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
 }
 
-TEST_F(ProjectInfo, ALineEndInTheHostsIdentifierLosesWhatFollows) {
+TEST_F(ProjectInfo, LineEndInTheHostsIdentifierLosesWhatFollows) {
   handler.addData("project_id", "one\ntwo", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
   record.loadOrCreate();
   record.recordSendAttempt();
@@ -137,7 +137,7 @@ TEST_F(ProjectInfo, ALineEndInTheHostsIdentifierLosesWhatFollows) {
   EXPECT_EQ(next.getProjectId(), "one");
 }
 
-TEST_F(ProjectInfo, CountsEveryAttempt) {
+TEST_F(ProjectInfo, RecordCountsEveryAttempt) {
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
   EXPECT_FALSE(record.recordSendAttempt());
@@ -146,21 +146,21 @@ TEST_F(ProjectInfo, CountsEveryAttempt) {
   EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, IsNotDueAfterExactlyADay) {
+TEST_F(ProjectInfo, RecordIsNotDueAfterExactlyADay) {
   writeIdentity("1699913600\n0\n1\n0\nid\n");
   record.loadOrCreate();
   EXPECT_FALSE(record.recordSendAttempt());
   EXPECT_EQ(identity(), "1699913600\n0\n2\n0\nid\n");
 }
 
-TEST_F(ProjectInfo, IsDueASecondLater) {
+TEST_F(ProjectInfo, RecordIsDueASecondLater) {
   writeIdentity("1699913599\n0\n1\n0\nid\n");
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
   EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
 }
 
-TEST_F(ProjectInfo, IsDueOnceADay) {
+TEST_F(ProjectInfo, RecordIsDueOnceADay) {
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
   {
@@ -174,21 +174,21 @@ TEST_F(ProjectInfo, IsDueOnceADay) {
   EXPECT_EQ(identity(), "1700086401\n0\n4\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, ATimeInTheFutureHoldsReportsBack) {
+TEST_F(ProjectInfo, TimeInTheFutureHoldsReportsBack) {
   writeIdentity("9223372036854775807\n0\n1\n0\nid\n");
   record.loadOrCreate();
   EXPECT_FALSE(record.recordSendAttempt());
   EXPECT_EQ(identity(), "9223372036854775807\n0\n2\n0\nid\n");
 }
 
-TEST_F(ProjectInfo, TheEarliestTimeIsDue) {
+TEST_F(ProjectInfo, EarliestTimeIsDue) {
   writeIdentity("-9223372036854775808\n0\n1\n0\nid\n");
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
   EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
 }
 
-TEST_F(ProjectInfo, TheAlternativeSimulatorHasATimeOfItsOwn) {
+TEST_F(ProjectInfo, AlternativeSimulatorHasATimeOfItsOwn) {
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
   handler.setProductType(Vestra::KELVO_ALT);
@@ -198,7 +198,7 @@ TEST_F(ProjectInfo, TheAlternativeSimulatorHasATimeOfItsOwn) {
   EXPECT_EQ(identity(), "1700000000\n1700000100\n4\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, TheLabToolAndTheSimulatorShareATime) {
+TEST_F(ProjectInfo, LabToolAndTheSimulatorShareATime) {
   handler.setProductType(Vestra::TAVLO);
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
@@ -209,7 +209,7 @@ TEST_F(ProjectInfo, TheLabToolAndTheSimulatorShareATime) {
   EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, TheIterationTurnsRoundAtItsTypesEdge) {
+TEST_F(ProjectInfo, IterationTurnsRoundAtItsTypesEdge) {
   writeIdentity("0\n0\n-1\n0\nid\n");
   record.loadOrCreate();
   EXPECT_EQ(record.getIteration(), 18446744073709551615U);
@@ -217,7 +217,7 @@ TEST_F(ProjectInfo, TheIterationTurnsRoundAtItsTypesEdge) {
   EXPECT_EQ(identity(), "1700000000\n0\n0\n0\nid\n");
 }
 
-TEST_F(ProjectInfo, AnIterationPastTheSignedRangeIsRefusedTheNextTime) {
+TEST_F(ProjectInfo, IterationPastTheSignedRangeIsRefusedTheNextTime) {
   writeIdentity("0\n0\n9223372036854775807\n0\nid\n");
   record.loadOrCreate();
   record.recordSendAttempt();
@@ -228,14 +228,14 @@ TEST_F(ProjectInfo, AnIterationPastTheSignedRangeIsRefusedTheNextTime) {
   EXPECT_FALSE(vestra_test::exists(file()));
 }
 
-TEST_F(ProjectInfo, AnAttemptReplacesTheFile) {
+TEST_F(ProjectInfo, AttemptReplacesTheFile) {
   writeIdentity("0\n0\n1\n0\nid\nand a long tail that the new text does not reach\n");
   record.loadOrCreate();
   record.recordSendAttempt();
   EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
 }
 
-TEST_F(ProjectInfo, AnAttemptWritesOurBytesUnderTheHostsLocale) {
+TEST_F(ProjectInfo, AttemptWritesOurBytesUnderTheHostsLocale) {
   const std::locale both(vestra_test::digitGroupingLocale(), vestra_test::caseSwappingFilesLocale(),
                          std::locale::ctype);
   const vestra_test::ScopedLocale hosts(both);
@@ -246,7 +246,7 @@ TEST_F(ProjectInfo, AnAttemptWritesOurBytesUnderTheHostsLocale) {
   EXPECT_EQ(identity(), "1700000000\n0\n1001\n0\nMixed Case\n");
 }
 
-TEST_F(ProjectInfo, AFailureToWriteIsNotNoticed) {
+TEST_F(ProjectInfo, FailureToWriteIsNotNoticed) {
   writeIdentity("0\n0\n1\n0\nid\n");
   record.loadOrCreate();
   unlink(file().c_str());
@@ -257,7 +257,7 @@ TEST_F(ProjectInfo, AFailureToWriteIsNotNoticed) {
   EXPECT_EQ(namesIn(project.path()), std::vector<std::string>{});
 }
 
-TEST_F(ProjectInfo, APathShorterThanTheNameIsItsOwnDirectory) {
+TEST_F(ProjectInfo, PathShorterThanTheNameIsItsOwnDirectory) {
   const std::string path = "/tmp/vestra-x";
   ASSERT_LT(path.size(), 19U);
   ASSERT_FALSE(vestra_test::exists(path));
@@ -267,19 +267,19 @@ TEST_F(ProjectInfo, APathShorterThanTheNameIsItsOwnDirectory) {
   EXPECT_EQ(rmdir(path.c_str()), 0);
 }
 
-TEST_F(ProjectInfo, APathOfTheNameAloneHasNoDirectoryToMake) {
+TEST_F(ProjectInfo, PathOfTheNameAloneHasNoDirectoryToMake) {
   const vestra_test::ScopedCurrentDirectory here(project.path());
   VestraProjectInfo bare(".kelvo_vestrra.info", &handler);
   EXPECT_FALSE(bare.loadOrCreate());
   EXPECT_FALSE(vestra_test::exists(project / ".kelvo_vestrra.info"));
 }
 
-TEST_F(ProjectInfo, OfTheHandlerLiesInItsProjectDirectory) {
+TEST_F(ProjectInfo, HandlersRecordLiesInItsProjectDirectory) {
   EXPECT_TRUE(handler.setupVestraInfo());
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
 }
 
-TEST_F(ProjectInfo, OfTheHandlerIsMadeAnewEachTime) {
+TEST_F(ProjectInfo, HandlersRecordIsMadeAnewEachTime) {
   EXPECT_TRUE(handler.setupVestraInfo());
   writeIdentity("abc\n");
   EXPECT_FALSE(handler.setupVestraInfo());

@@ -24,14 +24,14 @@ using vestra_test::writeFile;
 
 class Settings : public vestra_test::SettingsFixture {};
 
-TEST_F(Settings, AreReadWhenTheObjectIsMade) {
+TEST_F(Settings, SettingsAreReadWhenTheObjectIsMade) {
   writeSettings("RandomID=abc\nother=value\n");
   const VestraSetting setting;
   EXPECT_EQ(setting.getPropertyValue("RandomID"), "abc");
   EXPECT_EQ(setting.getPropertyValue("other"), "value");
 }
 
-TEST_F(Settings, AreNotReadAgain) {
+TEST_F(Settings, SettingsAreNotReadAgain) {
   writeSettings("RandomID=abc\n");
   VestraSetting setting;
   writeSettings("RandomID=other\nk=v\n");
@@ -40,19 +40,19 @@ TEST_F(Settings, AreNotReadAgain) {
   EXPECT_EQ(setting.getRandomId(), "abc");
 }
 
-TEST_F(Settings, WithoutAFileAreEmptyAndMakeNothing) {
+TEST_F(Settings, SettingsWithoutAFileAreEmptyAndMakeNothing) {
   EXPECT_EQ(VestraSetting().getPropertyValue("RandomID"), "");
   EXPECT_EQ(namesIn(home.path()), std::vector<std::string>{});
 }
 
-TEST_F(Settings, AnAbsentKeyLooksLikeAnEmptyValue) {
+TEST_F(Settings, AbsentKeyLooksLikeAnEmptyValue) {
   writeSettings("empty=\n");
   const VestraSetting setting;
   EXPECT_EQ(setting.getPropertyValue("empty"), "");
   EXPECT_EQ(setting.getPropertyValue("absent"), "");
 }
 
-TEST_F(Settings, AreLookedUpByTheExactKey) {
+TEST_F(Settings, SettingsAreLookedUpByTheExactKey) {
   writeSettings("RandomID=abc\n spaced = v \n=anonymous\n");
   const VestraSetting setting;
   EXPECT_EQ(setting.getPropertyValue("randomid"), "");
@@ -70,13 +70,13 @@ TEST_F(Settings, ReadingAgainAddsOnlyNewKeys) {
   EXPECT_EQ(setting.getPropertyValue("b"), "3");
 }
 
-TEST_F(Settings, KeepTheirBytesUnderAConvertingLocale) {
+TEST_F(Settings, SettingsKeepTheirBytesUnderAConvertingLocale) {
   writeSettings("RandomID=aBc\n");
   const vestra_test::ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
   EXPECT_EQ(VestraSetting().getPropertyValue("RandomID"), "aBc");
 }
 
-TEST_F(Settings, ANewHomeIsUsedWhenThePathIsComputedAgain) {
+TEST_F(Settings, NewHomeIsUsedWhenThePathIsComputedAgain) {
   const TemporaryDirectory other;
   writeFile(other / ".Calvix/Common/2018.2/vestra", "k=other\n");
   VestraSetting setting;
@@ -87,7 +87,7 @@ TEST_F(Settings, ANewHomeIsUsedWhenThePathIsComputedAgain) {
   EXPECT_EQ(setting.getPropertyValue("k"), "other");
 }
 
-TEST(SettingsPath, ARelativeHomeIsLookedForInTheCurrentDirectory) {
+TEST(SettingsPath, RelativeHomeIsLookedForInTheCurrentDirectory) {
   const TemporaryDirectory directory;
   writeFile(directory / "home/.Calvix/Common/2018.2/vestra", "RandomID=relative\n");
   const vestra_test::ScopedCurrentDirectory there(directory.path());
@@ -95,7 +95,7 @@ TEST(SettingsPath, ARelativeHomeIsLookedForInTheCurrentDirectory) {
   EXPECT_EQ(VestraSetting().getPropertyValue("RandomID"), "relative");
 }
 
-TEST(SettingsPath, AHomeThatEndsInASlashKeepsIt) {
+TEST(SettingsPath, HomeThatEndsInASlashKeepsIt) {
   const TemporaryDirectory directory;
   writeFile(directory / ".Calvix/Common/2018.2/vestra", "RandomID=slash\n");
   const ScopedEnv home("HOME", directory.path() + "/");
@@ -121,23 +121,23 @@ class SettingsPathAtTheRoot : public testing::Test {
   TemporaryDirectory root;
 };
 
-TEST_F(SettingsPathAtTheRoot, WithoutAHomeIsBelowTmp) {
+TEST_F(SettingsPathAtTheRoot, SettingsFileWithoutAHomeIsBelowTmp) {
   writeFile(root / "tmp/.Calvix/Common/2018.2/vestra", "RandomID=fallback\n");
   EXPECT_EQ(randomIdIn(root.path(), std::nullopt), "fallback");
 }
 
-TEST_F(SettingsPathAtTheRoot, WithAnEmptyHomeIsBelowTmp) {
+TEST_F(SettingsPathAtTheRoot, SettingsFileWithAnEmptyHomeIsBelowTmp) {
   writeFile(root / "tmp/.Calvix/Common/2018.2/vestra", "RandomID=fallback\n");
   EXPECT_EQ(randomIdIn(root.path(), ""), "fallback");
 }
 
-TEST_F(SettingsPathAtTheRoot, WithoutAHomeANewIdentifierIsKeptBelowTmp) {
+TEST_F(SettingsPathAtTheRoot, SettingsFileWithoutAHomeANewIdentifierIsKeptBelowTmp) {
   const std::string identifier = randomIdIn(root.path(), std::nullopt);
   EXPECT_EQ(vestra_test::readFile(root / "tmp/.Calvix/Common/2018.2/vestra"),
             "RandomID=" + identifier + "\n");
 }
 
-TEST_F(SettingsPathAtTheRoot, WithTheRootAsHomeIsBelowTheRoot) {
+TEST_F(SettingsPathAtTheRoot, SettingsFileWithTheRootAsHomeIsBelowTheRoot) {
   writeFile(root / ".Calvix/Common/2018.2/vestra", "RandomID=root\n");
   EXPECT_EQ(randomIdIn(root.path(), "/"), "root");
 }
@@ -158,7 +158,7 @@ TEST_F(Settings, StringToBoolAsksForTrueAtTheBeginning) {
   EXPECT_FALSE(setting.stringToBool(""));
 }
 
-TEST_F(Settings, AreNamedByOneVersion) { EXPECT_EQ(VestraSetting().getCalvixVersion(), "2018.2"); }
+TEST_F(Settings, SettingsAreNamedByOneVersion) { EXPECT_EQ(VestraSetting().getCalvixVersion(), "2018.2"); }
 
 }  // namespace
 }  // namespace Oza

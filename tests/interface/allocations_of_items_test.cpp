@@ -45,12 +45,12 @@ std::string allocationsOfItems(const std::string& key, const std::string& value)
   });
 }
 
-TEST(AllocationsOfAnItem, AreThreeWithALongKeyAndValue) {
+TEST(AllocationsOfAnItem, AllocationsAreThreeWithALongKeyAndValue) {
   EXPECT_EQ(allocationsOfItems("a_key_of_16_byte", "a value of 24 characters"),
             "990 items: 3\n10 items: 4\n");
 }
 
-TEST(AllocationsOfAnItem, AreOneWithAShortKeyAndValue) {
+TEST(AllocationsOfAnItem, AllocationsAreOneWithAShortKeyAndValue) {
   EXPECT_EQ(allocationsOfItems("a_short_ke", "of eight"), "990 items: 1\n10 items: 2\n");
 }
 

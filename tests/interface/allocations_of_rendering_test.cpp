@@ -30,12 +30,12 @@ class AllocationsOfRendering : public testing::Test {
 };
 
 // The text is as large as the items, and is held beside them: it must not grow by copies.
-TEST_F(AllocationsOfRendering, AreOneForTheWholeScriptText) {
+TEST_F(AllocationsOfRendering, AllocationsAreOneForTheWholeScriptText) {
   EXPECT_EQ(allocationsOf(full, &VestraParentData::toTclString),
             allocationsOf(empty, &VestraParentData::toTclString) + 1);
 }
 
-TEST_F(AllocationsOfRendering, AreOneForTheWholeChecksumText) {
+TEST_F(AllocationsOfRendering, AllocationsAreOneForTheWholeChecksumText) {
   EXPECT_EQ(allocationsOf(full, &VestraParentData::toCRCSegment),
             allocationsOf(empty, &VestraParentData::toCRCSegment) + 1);
 }

@@ -13,7 +13,7 @@ namespace Oza {
 namespace {
 
 // Nothing else may use the manager in this program.
-TEST(FirstUseFromThreads, MakesOneManagerForAll) {
+TEST(FirstUseFromThreads, FirstUseMakesOneManagerForAll) {
   constexpr unsigned int threadCount = 16;
   const vestra_test::TemporaryDirectory home;
   const vestra_test::ScopedEnv homeVariable("HOME", home.path());

@@ -57,44 +57,44 @@ class FirstUse : public testing::Test {
 
 const std::string NULL_TEXT = "basic_string::_M_construct null not valid";
 
-TEST_F(FirstUse, ByAnItemMakesTheManager) {
+TEST_F(FirstUse, FirstUseByAnItemMakesTheManager) {
   EXPECT_EQ(managerAfter([] { Vestra::add("k", "v", PROJECT); }), "manager");
 }
 
-TEST_F(FirstUse, ByTheSiteMakesTheManager) {
+TEST_F(FirstUse, FirstUseByTheSiteMakesTheManager) {
   EXPECT_EQ(managerAfter([] { Vestra::internal(); }), "manager");
 }
 
-TEST_F(FirstUse, ByTheLogFileNameMakesTheManager) {
+TEST_F(FirstUse, FirstUseByTheLogFileNameMakesTheManager) {
   EXPECT_EQ(managerAfter([] { Vestra::getLogFileName(); }), "manager");
 }
 
-TEST_F(FirstUse, BySendingMakesTheManager) {
+TEST_F(FirstUse, FirstUseBySendingMakesTheManager) {
   EXPECT_EQ(managerAfter([&] { Vestra::send(project.path().c_str(), Vestra::KELVO); }), "manager");
 }
 
-TEST_F(FirstUse, WithANullValueThrowsAndMakesNoManager) {
+TEST_F(FirstUse, FirstUseWithANullValueThrowsAndMakesNoManager) {
   EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::add("k", nullptr, PROJECT); }); }), NULL_TEXT);
   EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::add("k", nullptr, PROJECT); }); }), "no manager");
 }
 
-TEST_F(FirstUse, WithANullKeyThrowsAndMakesNoManager) {
+TEST_F(FirstUse, FirstUseWithANullKeyThrowsAndMakesNoManager) {
   EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::add(nullptr, "v", PROJECT); }); }), NULL_TEXT);
   EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::add(nullptr, "v", PROJECT); }); }), "no manager");
 }
 
-TEST_F(FirstUse, WithANullKeyAndValueThrowsAndMakesNoManager) {
+TEST_F(FirstUse, FirstUseWithANullKeyAndValueThrowsAndMakesNoManager) {
   EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::add(nullptr, nullptr, PROJECT); }); }),
             NULL_TEXT);
   EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::add(nullptr, nullptr, PROJECT); }); }), "no manager");
 }
 
-TEST_F(FirstUse, WithANullProjectDirectoryThrowsAndMakesNoManager) {
+TEST_F(FirstUse, FirstUseWithANullProjectDirectoryThrowsAndMakesNoManager) {
   EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), NULL_TEXT);
   EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), "no manager");
 }
 
-TEST_F(FirstUse, BySendingFromADirectoryThatIsGoneLeavesTheProductAsItWas) {
+TEST_F(FirstUse, FirstUseBySendingFromADirectoryThatIsGoneLeavesTheProductAsItWas) {
   EXPECT_EQ(inChildProcess([&] {
               const vestra_test::ScopedCurrentDirectory there(project.path());
               rmdir(project.path().c_str());
@@ -104,7 +104,7 @@ TEST_F(FirstUse, BySendingFromADirectoryThatIsGoneLeavesTheProductAsItWas) {
             "KELVO");
 }
 
-TEST_F(FirstUse, ANullKeyOrValueLeavesAllContextsAsTheyWere) {
+TEST_F(FirstUse, NullKeyOrValueLeavesAllContextsAsTheyWere) {
   EXPECT_EQ(inChildProcess([] {
               VestraHandler* handler = VestraMgr::getInstance()->getHandler();
               std::string emptyContexts;
@@ -118,7 +118,7 @@ TEST_F(FirstUse, ANullKeyOrValueLeavesAllContextsAsTheyWere) {
             "empty empty empty empty empty empty ");
 }
 
-TEST_F(FirstUse, AnItemIsFiledUnderItsSection) {
+TEST_F(FirstUse, ItemIsFiledUnderItsSection) {
   EXPECT_EQ(inChildProcess([] {
               Vestra::add("k", "v", Vestra::KELVO_USAGE);
               std::string contexts;
@@ -130,7 +130,7 @@ TEST_F(FirstUse, AnItemIsFiledUnderItsSection) {
             "empty empty empty filled empty empty ");
 }
 
-TEST_F(FirstUse, AnItemsStringsAreCopied) {
+TEST_F(FirstUse, ItemsStringsAreCopied) {
   EXPECT_EQ(inChildProcess([] {
               std::string key = "project_id";
               std::string value = "value";
@@ -142,11 +142,11 @@ TEST_F(FirstUse, AnItemsStringsAreCopied) {
             "value");
 }
 
-TEST_F(FirstUse, TheLogFileNameBeforeAnySendingHasNoProjectDirectory) {
+TEST_F(FirstUse, LogFileNameBeforeAnySendingHasNoProjectDirectory) {
   EXPECT_EQ(inChildProcess([] { return Vestra::getLogFileName(); }), "/vestra/tavlo_vestra.log");
 }
 
-TEST_F(FirstUse, TheLogFileNameIsThatOfTheLastSending) {
+TEST_F(FirstUse, LogFileNameIsThatOfTheLastSending) {
   EXPECT_EQ(inChildProcess([&] {
               Vestra::send((project / "first").c_str(), Vestra::TAVLO);
               Vestra::send((project / "second").c_str(), Vestra::KELVO);
@@ -155,7 +155,7 @@ TEST_F(FirstUse, TheLogFileNameIsThatOfTheLastSending) {
             project / "second/vestra/tavlo_vestra.log");
 }
 
-TEST_F(FirstUse, TheSiteIsThatOfTheHandler) {
+TEST_F(FirstUse, SiteIsThatOfTheHandler) {
   EXPECT_EQ(inChildProcess([] {
               return Vestra::internal() == VestraMgr::getInstance()->getHandler()->isInternal() ? "the same"
                                                                                                 : "different";

@@ -55,11 +55,11 @@ class OrderOfFreeing : public testing::Test {
   vestra_test::ScopedEnv homeVariable{"HOME", home.path()};
 };
 
-TEST_F(OrderOfFreeing, TheIdentityGoesBeforeTheItems) {
+TEST_F(OrderOfFreeing, IdentityGoesBeforeTheItems) {
   EXPECT_EQ(blocksOfAHandler(true), blocksOfAHandler(false));
 }
 
-TEST_F(OrderOfFreeing, TheSettingsGoBeforeTheItems) {
+TEST_F(OrderOfFreeing, SettingsGoBeforeTheItems) {
   const long withSettings = blocksLeftAtTheItemsEnd([&](VestraAddData* item) {
     const VestraMgr manager;
     manager.getHandler()->setProjectDirectory(project.path());

@@ -132,7 +132,7 @@ TEST_F(OutOfMemory, MakingAManagerLeavesItsSettingsAtMost) {
   EXPECT_TRUE(leftSettings);
 }
 
-TEST_F(OutOfMemory, TheManagerOfTheProcessIsTriedAgain) {
+TEST_F(OutOfMemory, ManagerOfTheProcessIsTriedAgain) {
   bool hasFailed = true;
   long failures = 0;
   for (; hasFailed; ++failures) {

@@ -11,7 +11,7 @@
 namespace Oza {
 namespace {
 
-TEST(Manager, MakesSettingsThatHaveReadTheirFileAndAFreshHandler) {
+TEST(Manager, ManagerMakesSettingsThatHaveReadTheirFileAndAFreshHandler) {
   const vestra_test::TemporaryDirectory home;
   const vestra_test::ScopedEnv homeVariable("HOME", home.path());
   vestra_test::writeFile(home / ".Calvix/Common/2018.2/vestra", "RandomID=abc\n");
@@ -22,13 +22,13 @@ TEST(Manager, MakesSettingsThatHaveReadTheirFileAndAFreshHandler) {
   EXPECT_TRUE(manager.getHandler()->isParentEmpty(0));
 }
 
-TEST(Manager, GivesTheSameObjectsEachTime) {
+TEST(Manager, ManagerGivesTheSameObjectsEachTime) {
   const VestraMgr manager;
   EXPECT_EQ(manager.getSetting(), manager.getSetting());
   EXPECT_EQ(manager.getHandler(), manager.getHandler());
 }
 
-TEST(Manager, OfTheProcessIsOne) {
+TEST(Manager, ProcessHasOneManager) {
   EXPECT_EQ(VestraMgr::getInstance(), VestraMgr::getInstance());
   EXPECT_NE(VestraMgr::getInstance()->getSetting(), nullptr);
   EXPECT_NE(VestraMgr::getInstance()->getHandler(), nullptr);
