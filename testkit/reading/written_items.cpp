@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -65,12 +67,72 @@ std::optional<Ending> endingAt(std::string_view script, std::size_t position, co
   return Ending{position, end + END.size(), std::string(context.read).append(identifier)};
 }
 
+std::string lowerCased(std::string text) {
+  for (char& letter : text) {
+    letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+  }
+  return text;
+}
+
+/// What the host handed over, in the order in which the script must have it.
+class HandedItems {
+ public:
+  explicit HandedItems(const std::vector<WrittenItem>& items) {
+    for (const WrittenItem& item : items) {
+      if (item.context == CONTEXTS[0].read) {
+        projectFacts.emplace(lowerCased(item.key), item);
+      } else {
+        queues[item.context].items.push_back(&item);
+      }
+    }
+  }
+
+  /// The item whose command begins at `position`; null when it is none of these.
+  const WrittenItem* takeAt(std::string_view script, std::size_t position) {
+    for (auto& [context, queue] : queues) {
+      if (queue.next < queue.items.size() && stands(*queue.items[queue.next], script, position)) {
+        return queue.items[queue.next++];
+      }
+    }
+    return projectFactAt(script, position);
+  }
+
+ private:
+  struct Queue {
+    std::vector<const WrittenItem*> items;
+    std::size_t next = 0;
+  };
+
+  static bool stands(const WrittenItem& item, std::string_view script, std::size_t position) {
+    return standsAt(script, position, scriptLineOf(item));
+  }
+
+  /// Of a project's facts, the first with a key is written, in the order of a list.
+  const WrittenItem* projectFactAt(std::string_view script, std::size_t position) {
+    const std::size_t key = position + COMMAND.size() + CONTEXTS[0].client.size() + KEY.size();
+    const std::size_t keyEnd = script.find(VALUE, std::min(key, script.size()));
+    if (keyEnd == std::string_view::npos) {
+      return nullptr;
+    }
+    const auto found = projectFacts.find(std::string(script.substr(key, keyEnd - key)));
+    if (found == projectFacts.end()) {
+      return nullptr;
+    }
+    found->second.key = found->first;
+    return stands(found->second, script, position) ? &found->second : nullptr;
+  }
+
+  std::map<std::string, Queue> queues;
+  std::map<std::string, WrittenItem> projectFacts;
+};
+
 class Reader {
  public:
-  explicit Reader(std::string_view scriptText) : script(scriptText) {}
+  Reader(std::string_view scriptText, const std::vector<WrittenItem>& handedItems)
+      : script(scriptText), handed(handedItems) {}
 
-  std::vector<WrittenItem> read() {
-    for (std::size_t begin = nextCommand(0); begin != std::string_view::npos;) {
+  std::vector<WrittenItem> read(const std::function<bool()>& isEnough) {
+    for (std::size_t begin = nextCommand(0); begin != std::string_view::npos && !isEnough();) {
       const std::size_t end = readItem(begin);
       begin = nextCommand(end);
     }
@@ -89,6 +151,11 @@ class Reader {
 
   /// Gives where the search for the next command goes on.
   std::size_t readItem(std::size_t begin) {
+    if (const WrittenItem* item = handed.takeAt(script, begin)) {
+      items.push_back(*item);
+      items.back().line = lineAt(begin);
+      return begin + scriptLineOf(*item).size();
+    }
     const std::size_t clientBegin = begin + COMMAND.size();
     for (const std::string_view client : CLIENTS) {
       if (standsAt(script, clientBegin, client) && standsAt(script, clientBegin + client.size(), KEY)) {
@@ -141,6 +208,7 @@ class Reader {
   }
 
   std::string_view script;
+  HandedItems handed;
   std::vector<WrittenItem> items;
   std::set<std::string_view> finished;
   std::size_t countedTo = 0;
@@ -149,7 +217,14 @@ class Reader {
 
 }  // namespace
 
-std::vector<WrittenItem> itemsWrittenIn(std::string_view script) { return Reader(script).read(); }
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script) {
+  return itemsWrittenIn(script, {}, [] { return false; });
+}
+
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed,
+                                        const std::function<bool()>& isEnough) {
+  return Reader(script, handed).read(isEnough);
+}
 
 std::string scriptLineOf(const WrittenItem& item) {
   std::string context;

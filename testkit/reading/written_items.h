@@ -2,6 +2,7 @@
 #define VESTRA_READING_WRITTEN_ITEMS_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,14 @@ struct WrittenItem {
 /// another command of a report, or nothing, follows: so a value that imitates such an end is read as several
 /// items. A command without such an end is left out. Takes time in proportion to the script.
 std::vector<WrittenItem> itemsWrittenIn(std::string_view script);
+
+/// The same where it is known what the host handed over: such an item ends where its texts end, whatever
+/// they imitate.
+///
+/// @param handed   in the order of the calls
+/// @param isEnough asked before each item: whether to stop reading
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed,
+                                        const std::function<bool()>& isEnough);
 
 /// The item's command as the library writes it, line feed included.
 std::string scriptLineOf(const WrittenItem& item);

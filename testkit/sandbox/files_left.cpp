@@ -1,12 +1,14 @@
-#include "files_left.h"
+#include "sandbox/files_left.h"
 
 #include <algorithm>
 #include <charconv>
 
-#include "bytes.h"
+#include "recorder/bytes.h"
 
 namespace vestra::testkit {
 namespace {
+
+constexpr std::size_t PROJECT_LINE = 4;
 
 template <typename Number>
 std::optional<Number> numberIn(const std::vector<std::string>& lines, std::size_t index) {
@@ -17,6 +19,14 @@ std::optional<Number> numberIn(const std::vector<std::string>& lines, std::size_
   const std::string& line = lines[index];
   const auto result = std::from_chars(line.data(), line.data() + line.size(), number);
   return result.ec == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    text += line + "\n";
+  }
+  return text;
 }
 
 std::string trimmed(const std::string& line) {
@@ -48,8 +58,8 @@ Identity parseIdentity(const std::string& text) {
   if (const auto flow = numberIn<int>(lines, 3)) {
     identity.orbeloFlow = *flow != 0;
   }
-  if (lines.size() > 4) {
-    identity.projectId = lines[4];
+  if (lines.size() > PROJECT_LINE) {
+    identity.projectId = lines[PROJECT_LINE];
   }
   return identity;
 }
@@ -62,11 +72,14 @@ std::string agedIdentity(const std::string& text, std::int64_t seconds) {
       lines[slot] = std::to_string(*time - seconds);
     }
   }
-  std::string aged;
-  for (const std::string& line : lines) {
-    aged += line + "\n";
-  }
-  return aged;
+  return joined(lines);
+}
+
+std::string identityWithProject(const std::string& text, const std::string& project) {
+  std::vector<std::string> lines = linesOf(text);
+  lines.resize(PROJECT_LINE);
+  lines.push_back(project);
+  return joined(lines);
 }
 
 }  // namespace vestra::testkit

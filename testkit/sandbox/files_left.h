@@ -14,6 +14,9 @@ Identity parseIdentity(const std::string& text);
 /// never, and lines that hold no time stay.
 std::string agedIdentity(const std::string& text, std::int64_t seconds);
 
+/// An identity text, of four lines or more, with another project identifier.
+std::string identityWithProject(const std::string& text, const std::string& project);
+
 }  // namespace vestra::testkit
 
 #endif

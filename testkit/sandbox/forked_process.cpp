@@ -1,21 +1,22 @@
-#include "forked_process.h"
+#include "sandbox/forked_process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <system_error>
-#include <thread>
 
 namespace vestra::testkit {
 namespace {
-
-constexpr std::chrono::milliseconds POLLING_INTERVAL{2};
 
 void redirect(const char* path, int flags, int descriptor) {
   const int file = open(path, flags, 0600);
@@ -23,6 +24,13 @@ void redirect(const char* path, int flags, int descriptor) {
     _exit(126);
   }
   close(file);
+}
+
+/// Until then, in whole milliseconds as `poll` counts them.
+int millisecondsUntil(std::chrono::steady_clock::time_point deadline) {
+  using namespace std::chrono;
+  const auto left = ceil<milliseconds>(deadline - steady_clock::now()).count();
+  return static_cast<int>(std::clamp<std::int64_t>(left, 0, std::numeric_limits<int>::max()));
 }
 
 void leadProcessGroup() {
@@ -58,15 +66,28 @@ ForkedProcess::~ForkedProcess() {
   }
 }
 
+// A descriptor of the process becomes readable at its end.
+bool ForkedProcess::hasEndedBy(std::chrono::steady_clock::time_point deadline) const {
+  pollfd end{static_cast<int>(syscall(SYS_pidfd_open, process, 0)), POLLIN, 0};
+  if (end.fd < 0) {
+    throw std::system_error(errno, std::generic_category(), "pidfd_open");
+  }
+  int found = 0;
+  do {
+    found = poll(&end, 1, millisecondsUntil(deadline));
+  } while (found < 0 && errno == EINTR);
+  close(end.fd);
+  return found > 0;
+}
+
 ProcessEnd ForkedProcess::wait(std::chrono::steady_clock::time_point deadline) {
   ProcessEnd end;
+  if (!hasEndedBy(deadline)) {
+    end.timedOut = true;
+    kill(-process, SIGKILL);
+  }
   int status = 0;
-  while (waitpid(process, &status, WNOHANG) == 0) {
-    if (!end.timedOut && std::chrono::steady_clock::now() >= deadline) {
-      end.timedOut = true;
-      kill(-process, SIGKILL);
-    }
-    std::this_thread::sleep_for(POLLING_INTERVAL);
+  while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
   }
   reaped = true;
   if (WIFSIGNALED(status)) {

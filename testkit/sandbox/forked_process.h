@@ -34,6 +34,8 @@ class ForkedProcess {
   ProcessEnd wait(std::chrono::steady_clock::time_point deadline);
 
  private:
+  bool hasEndedBy(std::chrono::steady_clock::time_point deadline) const;
+
   pid_t process;
   bool reaped = false;
 };

@@ -1,4 +1,4 @@
-#include "locations.h"
+#include "sandbox/locations.h"
 
 #include <dlfcn.h>
 
@@ -22,6 +22,8 @@ std::string directoryOfThisLibrary() {
 }
 
 std::string supportLibraryPath() { return besideThis(SUPPORT_LIBRARY_FROM_HERE); }
+
+std::string preloadPath() { return besideThis(PRELOAD_FROM_HERE); }
 
 std::string designToolPath() { return besideThis(DESIGN_TOOL_FROM_HERE); }
 

@@ -1,4 +1,4 @@
-#include "report_reader.h"
+#include "sandbox/report_reader.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -7,7 +7,7 @@
 #include <boost/filesystem.hpp>
 #include <nlohmann/json.hpp>
 
-#include "bytes.h"
+#include "recorder/bytes.h"
 
 namespace vestra::testkit {
 namespace {
@@ -37,6 +37,14 @@ Rule ruleOf(const json& value) {
           text(value.at("html_map")), text(value.at("html_format"))};
 }
 
+std::map<std::string, std::string> filesIn(const std::string& folder) {
+  std::map<std::string, std::string> files;
+  for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(folder)) {
+    files[entry.path().filename().string()] = bytesOf(entry.path().string()).value_or("");
+  }
+  return files;
+}
+
 Report reportIn(const std::string& folder) {
   const auto bytes = bytesOf(folder + "/report.json");
   if (!bytes) {
@@ -45,6 +53,7 @@ Report reportIn(const std::string& folder) {
   const json value = json::parse(*bytes);
   Report report;
   report.folder = folder;
+  report.files = filesIn(folder);
   report.clientId = text(value.at("client_id"));
   report.registrationId = text(value.at("registration_id"));
   report.intro = text(value.at("intro"));

@@ -1,109 +1,84 @@
-#include "script_items.h"
+#include "sandbox/script_items.h"
 
+#include <algorithm>
 #include <array>
-#include <optional>
+#include <iterator>
+
+#include "reading/hazard.h"
+#include "reading/written_items.h"
 
 namespace vestra::testkit {
 namespace {
 
-const std::string COMMAND = "vestra_add_data -client ";
-const std::string KEY = " -key ";
-const std::string VALUE = " -value \"";
-const std::string CONTEXT = "\" -context \"";
-const std::string END = "\"\n";
-
-struct Section {
-  const char* client;
-  const char* written;
-  const char* read;
-};
+using reading::WrittenItem;
 
 // By Oza::Vestra::SectionType.
-constexpr std::array<Section, 6> SECTIONS = {{
-    {"project", "software_version_and_target_device", "software_version_and_target_device"},
-    {"project", "user_environment", "user_environment"},
-    {"kelvo", "kelvo\\\\command_line_options", "kelvo\\command_line_options"},
-    {"kelvo", "kelvo\\\\usage", "kelvo\\usage"},
-    {"tavlo", "tavlo\\\\command_line_options", "tavlo\\command_line_options"},
-    {"tavlo", "tavlo\\\\usage", "tavlo\\usage"},
-}};
+constexpr std::array<const char*, 6> CLIENTS = {"project", "project", "kelvo", "kelvo", "tavlo", "tavlo"};
+constexpr std::array<const char*, 6> CONTEXTS = {"software_version_and_target_device", "user_environment",
+                                                 "kelvo\\command_line_options",        "kelvo\\usage",
+                                                 "tavlo\\command_line_options",        "tavlo\\usage"};
 
-bool standsAt(const std::string& text, std::size_t position, const std::string& wanted) {
-  return text.compare(position, wanted.size(), wanted) == 0;
+WrittenItem handed(const AddedItem& item) {
+  return {CLIENTS.at(item.section), CONTEXTS.at(item.section), item.key, item.value, 0};
 }
 
-bool commandBeginsAt(const std::string& script, std::size_t position) {
-  return position >= script.size() || standsAt(script, position, COMMAND) ||
-         standsAt(script, position, "vestra_register_client -client ") ||
-         standsAt(script, position, "vestra_transmit -clientid ");
+std::vector<WrittenItem> handed(const std::vector<AddedItem>& added) {
+  std::vector<WrittenItem> items;
+  std::transform(added.begin(), added.end(), std::back_inserter(items),
+                 [](const AddedItem& item) { return handed(item); });
+  return items;
 }
 
-struct Found {
-  Item item;
-  std::size_t end;
-};
+WrittenItem written(const Item& item) { return {item.client, item.context, item.key, item.value, 0}; }
 
-/// The item of this section whose command begins at `begin`: it ends where its
-/// context is named and another command begins, however its texts look.
-std::optional<Found> itemAt(const std::string& script, std::size_t begin, const Section& section) {
-  const std::string head = COMMAND + section.client + KEY;
-  const std::string tail = CONTEXT + section.written + END;
-  if (!standsAt(script, begin, head)) {
-    return std::nullopt;
-  }
-  const std::size_t key = begin + head.size();
-  const std::size_t keyEnd = script.find(VALUE, key);
-  if (keyEnd == std::string::npos) {
-    return std::nullopt;
-  }
-  const std::size_t value = keyEnd + VALUE.size();
-  for (std::size_t end = script.find(tail, value); end != std::string::npos;
-       end = script.find(tail, end + 1)) {
-    if (commandBeginsAt(script, end + tail.size())) {
-      return Found{
-          {section.client, section.read, script.substr(key, keyEnd - key), script.substr(value, end - value)},
-          end + tail.size()};
+std::vector<Hazard> itemsReadOtherwise(const HostRun& run) {
+  std::vector<Hazard> found;
+  for (const Item& item : run.writtenItems) {
+    if (const auto reason = reading::hazardOf(written(item))) {
+      found.push_back({item, *reason});
     }
   }
-  return std::nullopt;
+  return found;
 }
 
-/// Of a client's two sections, the one whose end comes first.
-std::optional<Found> itemAt(const std::string& script, std::size_t begin) {
-  std::optional<Found> nearest;
-  for (const Section& section : SECTIONS) {
-    const auto found = itemAt(script, begin, section);
-    if (found && (!nearest || found->end < nearest->end)) {
-      nearest = found;
-    }
+/// Where the texts give no reason, the design tool's report may yet differ.
+std::vector<Hazard> itemReportedOtherwise(const HostRun& run) {
+  const Report* const report = run.report();
+  if (report == nullptr) {
+    return {};
   }
-  return nearest;
+  const auto [item, read] = std::mismatch(run.writtenItems.begin(), run.writtenItems.end(),
+                                          report->items.begin(), report->items.end());
+  if (item == run.writtenItems.end()) {
+    return {};
+  }
+  return {{*item, read == report->items.end() ? "the design tool does not report it"
+                                              : "the design tool reports something else in its place"}};
 }
 
 }  // namespace
 
-std::vector<Item> itemsWrittenIn(const std::string& script) {
-  std::vector<Item> items;
-  std::size_t position = script.find("\n" + COMMAND);
-  while (position != std::string::npos) {
-    const auto found = itemAt(script, position + 1);
-    if (found) {
-      items.push_back(found->item);
-    }
-    position = script.find("\n" + COMMAND, found ? found->end - 1 : position + 1);
+std::optional<std::vector<Item>> itemsWrittenIn(const std::string& script,
+                                                const std::vector<AddedItem>& added,
+                                                std::chrono::steady_clock::time_point deadline) {
+  bool isTimeUp = false;
+  const auto read = reading::itemsWrittenIn(
+      script, handed(added), [&] { return isTimeUp = std::chrono::steady_clock::now() >= deadline; });
+  if (isTimeUp) {
+    return std::nullopt;
   }
+  std::vector<Item> items;
+  std::transform(read.begin(), read.end(), std::back_inserter(items), [](const WrittenItem& item) {
+    return Item{item.client, item.context, item.key, item.value};
+  });
   return items;
 }
 
-std::string scriptLineOf(const Item& item) {
-  for (const Section& section : SECTIONS) {
-    if (item.context == section.read) {
-      return COMMAND + item.client + KEY + item.key + VALUE + item.value + CONTEXT + section.written + END;
-    }
-  }
-  return COMMAND + item.client + KEY + item.key + VALUE + item.value + CONTEXT + item.context + END;
-}
+std::string contextOf(Oza::Vestra::SectionType section) { return CONTEXTS.at(section); }
 
-std::string contextOf(Oza::Vestra::SectionType section) { return SECTIONS.at(section).read; }
+std::vector<Hazard> HostRun::hazards() const {
+  const std::vector<Hazard> found = itemsReadOtherwise(*this);
+  return found.empty() ? itemReportedOtherwise(*this) : found;
+}
 
 }  // namespace vestra::testkit

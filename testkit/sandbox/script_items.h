@@ -1,6 +1,8 @@
 #ifndef VESTRA_TESTKIT_SANDBOX_SCRIPT_ITEMS_H
 #define VESTRA_TESTKIT_SANDBOX_SCRIPT_ITEMS_H
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,10 +12,12 @@ namespace vestra::testkit {
 
 /// The items of a report script as they were written: keys and values byte for
 /// byte, before any interpreter has read them.
-std::vector<Item> itemsWrittenIn(const std::string& script);
-
-/// The script line of one item.
-std::string scriptLineOf(const Item& item);
+///
+/// @param added  what the host handed over, in order
+/// @return Nothing when the deadline came first.
+std::optional<std::vector<Item>> itemsWrittenIn(const std::string& script,
+                                                const std::vector<AddedItem>& added,
+                                                std::chrono::steady_clock::time_point deadline);
 
 }  // namespace vestra::testkit
 

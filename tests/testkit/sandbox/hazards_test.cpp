@@ -42,7 +42,7 @@ std::string onlyReason(const std::string& key, const std::string& value) {
   return hazards.size() == 1 ? hazards[0].reason : std::to_string(hazards.size()) + " hazards";
 }
 
-TEST(Hazards, AreNamedWithTheReason) {
+TEST(Hazards, HaveAReasonInWords) {
   EXPECT_EQ(onlyReason("", "v"), "the key is empty");
   EXPECT_EQ(onlyReason("two words", "v"), "the key holds white space, which ends it");
   EXPECT_EQ(onlyReason("two\nlines", "v"), "the key holds white space, which ends it");
@@ -61,7 +61,7 @@ TEST(Hazards, AreNamedWithTheReason) {
       "the key holds white space, which ends it, the value holds a dollar sign, which begins a variable");
 }
 
-TEST(Hazards, AreNotWhatTclReadsAsItStands) {
+TEST(Hazards, DoNotIncludeWhatTclReadsAsItStands) {
   const HostRun run = runWith(
       {{"k]", "]"}, {"a\"b", "{ }"}, {"#", "# ; { $ 1$"}, {"-value", "-key"}, {"line", "feed\nfeed"}});
   EXPECT_THAT(run, HasNoHazards());
@@ -69,7 +69,7 @@ TEST(Hazards, AreNotWhatTclReadsAsItStands) {
   EXPECT_EQ(run.report()->items, run.writtenItems);
 }
 
-TEST(Hazards, AreFoundBehindOneAnother) {
+TEST(Hazards, StandBehindOneAnother) {
   const HostRun run = runWith({{"good", "1"}, {"bad", "a\"b"}, {"fine", "2"}, {"worse", "x\" -context \"y"}});
   const auto hazards = run.hazards();
   ASSERT_THAT(hazards, SizeIs(2)) << run;

@@ -2,9 +2,12 @@
 #define VESTRA_TESTKIT_HOST_RUN_H
 
 #include <cstdint>
+#include <ctime>
 #include <iosfwd>
+#include <map>
 #include <optional>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include <vestra/vestra.h>
@@ -56,8 +59,10 @@ struct Hazard {
 
 /// What the stand-in design tool made of a script: one report in the outbox.
 struct Report {
-  /// Its folder in the outbox, with the script, the rules and both reports in it.
+  /// Its folder in the outbox, which goes with the sandbox.
   std::string folder;
+  /// The folder's files by name: the script, the rules and both reports, byte for byte.
+  std::map<std::string, std::string> files;
   /// The checksum of the report's content, which the design tool takes for the client's number.
   std::string clientId;
   /// As the script gives it.
@@ -72,9 +77,46 @@ struct Report {
   std::vector<Rule> rules;
   /// What the design tool found suspicious, as it printed it.
   std::vector<std::string> warnings;
+
+  /// The XML report, byte for byte.
+  VESTRA_TESTKIT_EXPORT std::string xml() const;
+  /// The HTML page, byte for byte.
+  VESTRA_TESTKIT_EXPORT std::string html() const;
 };
 
-/// One command line that the library gave to the shell.
+/// One item that the host handed to `Vestra::add`.
+struct AddedItem {
+  Oza::Vestra::SectionType section = Oza::Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+  std::string key;
+  std::string value;
+};
+
+/// One call of `Vestra::send`.
+struct Send {
+  /// The absolute directory.
+  std::string projectDirectory;
+  Oza::Vestra::ProductType product = Oza::Vestra::KELVO;
+  /// Nothing when the call let an exception out, or the host ended in it.
+  std::optional<bool> answer;
+};
+
+/// A command line of the host's own that it gave to the shell.
+struct HostCommand {
+  /// Byte for byte.
+  std::string commandLine;
+  /// As `system` returned it; nothing when the host ended first.
+  std::optional<int> status;
+};
+
+/// An assertion of the test framework that failed in the host's code.
+struct FailedAssertion {
+  std::string file;
+  int line = 0;
+  /// What the framework says of it.
+  std::string text;
+};
+
+/// One start of the main design tool by the library.
 struct ToolRun {
   /// Byte for byte.
   std::string commandLine;
@@ -95,7 +137,12 @@ struct Exception {
   std::string type;
   /// What it says of itself; empty when it is no `std::exception`.
   std::string text;
+  /// The names of the classes that it derives from in public, directly or not.
+  std::vector<std::string> bases = {};
 };
+
+/// The name that an exception of this type has in a run.
+VESTRA_TESTKIT_EXPORT std::string nameOf(const std::type_info& type);
 
 /// The per-user settings file.
 struct Settings {
@@ -126,21 +173,33 @@ struct Identity {
 /// A host that ended well gave an answer or let an exception out; otherwise a
 /// signal ended it (SIGKILL when its time was up), or it left by itself.
 struct HostRun {
-  /// What `send` gave, or the host's code.
+  /// What `send` gave, or the host's code. Of a program that was executed: what its
+  /// last `send` gave.
   std::optional<bool> answer;
-  /// What left the host's code instead.
+  /// What left the host's code instead. Unknown of a program that was executed.
   std::optional<Exception> exception;
   /// The signal that ended the process.
   std::optional<int> signal;
   /// Nothing when a signal ended the process.
   std::optional<int> exitStatus;
-  /// Whether it was ended because its time was up.
+  /// Whether the time limit was over before the host had ended, or before all was read
+  /// that it left; `writtenItems` may then lack items.
   bool timedOut = false;
 
   /// What the host wrote on its standard output, the tool's part taken out.
   std::string output;
   /// The same for its standard error.
   std::string errorOutput;
+
+  /// The items that the host handed over, in order. Empty for a program that holds
+  /// the library itself instead of loading it.
+  std::vector<AddedItem> added;
+  /// The reports that the host asked for, in order; empty likewise.
+  std::vector<Send> sends;
+  /// What the host gave to the shell itself, in order.
+  std::vector<HostCommand> hostCommands;
+  /// The assertions that failed in the host's code. They fail the test by themselves.
+  std::vector<FailedAssertion> failedAssertions;
 
   /// What the library started through the shell, in order.
   std::vector<ToolRun> toolRuns;
@@ -154,13 +213,19 @@ struct HostRun {
   std::string script;
   /// The rules file that was written last, likewise.
   std::string rulesFile;
-  /// The items in `script`, as the library wrote them.
+  /// The items in `script`, as the library wrote them: where the script could be read
+  /// in two ways, as the host handed them over.
   std::vector<Item> writtenItems;
 
   /// The settings file at the run's end; nothing when it is missing.
   std::optional<Settings> settings;
   /// The identity file at the run's end; nothing when it is missing.
   std::optional<Identity> identity;
+
+  /// The sandbox's directory, there or not.
+  std::string directory;
+  /// Where the identity file lies, there or not.
+  std::string identityFile;
 
   /// The last report's; nothing when none was made.
   VESTRA_TESTKIT_EXPORT const Report* report() const;
@@ -170,20 +235,51 @@ struct HostRun {
   VESTRA_TESTKIT_EXPORT std::vector<std::string> values(Oza::Vestra::SectionType section,
                                                         const std::string& key) const;
 
-  /// The items that the design tool would not read as they were written, each with
-  /// the reason in words. An item whose own text imitates the end of a script line
-  /// is judged by what stands before that.
+  /// The items that the design tool does not read as the host handed them over, each
+  /// with the reason in words.
   VESTRA_TESTKIT_EXPORT std::vector<Hazard> hazards() const;
+
+  /// Whether there is a script or a report to say something about.
+  VESTRA_TESTKIT_EXPORT bool hasScript() const;
+
+  /// Whether the host came to its end: no signal, no exception, no time-out.
+  VESTRA_TESTKIT_EXPORT bool endedWell() const;
 };
 
-/// A readable account of the run: how it ended, what was run, what was reported.
+/// How the host ended, in a few words: "whose host was ended by signal 11
+/// (Segmentation fault)".
+VESTRA_TESTKIT_EXPORT std::string endOf(const HostRun& run);
+
+/// Why the report was not sent, in words, with the file or the time that it hangs on.
+VESTRA_TESTKIT_EXPORT std::string whyNotSent(const HostRun& run);
+
+/// What there is in the place of an item: the values of its key, or that the key is
+/// missing, with the nearest key and the same key's place in other sections.
+VESTRA_TESTKIT_EXPORT std::string whatIsThere(const HostRun& run, Oza::Vestra::SectionType section,
+                                              const std::string& key);
+
+/// A readable account of the run: how it ended, what was run, what was reported, the
+/// script, and the files at its end. Names no path that is gone.
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostRun& run);
 
-/// One line, as failure messages show it.
-VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Item& item);
+// Each of these in one line or, for what has several, in lines of its own.
 
-/// The item and the reason, in one line.
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Item& item);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const AddedItem& item);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Hazard& hazard);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Rule& rule);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Report& report);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Send& send);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostCommand& command);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const FailedAssertion& assertion);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const ToolRun& run);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Exception& exception);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Settings& settings);
+VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Identity& identity);
+
+/// What the test framework prints for a run: how it ended, in one line, so that a
+/// matcher's reason stands before the account.
+VESTRA_TESTKIT_EXPORT void PrintTo(const HostRun& run, std::ostream* out);
 
 }  // namespace vestra::testkit
 

@@ -1,17 +1,17 @@
-#include "bytes.h"
+#include "recorder/bytes.h"
+
+#include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
 
-#include <boost/filesystem/operations.hpp>
-
 namespace vestra::testkit {
 
 std::optional<std::string> bytesOf(const std::string& path) {
-  boost::system::error_code ignored;
-  if (!boost::filesystem::is_regular_file(path, ignored)) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return std::nullopt;
   }
   std::ifstream in(path, std::ios::binary);

@@ -1,0 +1,69 @@
+#include "sandbox/assertions.h"
+
+#include <optional>
+#include <stdexcept>
+
+#include <vestra/testkit/test_framework.h>
+
+#include "recorder/bytes.h"
+#include "recorder/fields.h"
+#include "recorder/recording.h"
+
+namespace vestra::testkit {
+
+namespace {
+
+constexpr const char* RECORD = "assertions";
+constexpr std::size_t FIELDS = 3;
+
+std::optional<TestFramework>& framework() {
+  static std::optional<TestFramework> known;
+  return known;
+}
+
+void noteAssertion(const FailedAssertion& assertion) {
+  note(RECORD, {assertion.file, std::to_string(assertion.line), assertion.text});
+}
+
+/// GoogleTest's own words for an assertion that nobody else has heard of.
+void refuseUnnoticedAssertion(const std::string& output) {
+  for (const std::string& line : linesOf(output)) {
+    const std::string end = ": Failure";
+    if (line.size() > end.size() && line.compare(line.size() - end.size(), end.size(), end) == 0) {
+      throw std::runtime_error("an assertion failed in the host's process, where it cannot fail the test: " +
+                               output.substr(output.find(line)) +
+                               "include <vestra/testkit/matchers.h>, which brings it to the test");
+    }
+  }
+}
+
+}  // namespace
+
+bool useTestFramework(const TestFramework& known) {
+  framework() = known;
+  return true;
+}
+
+void watchAssertions() {
+  if (framework()) {
+    framework()->watch(noteAssertion);
+  }
+}
+
+std::vector<FailedAssertion> failAsRecorded(const std::string& directory, const std::string& output) {
+  if (!framework()) {
+    refuseUnnoticedAssertion(output);
+    return {};
+  }
+  std::vector<FailedAssertion> assertions;
+  const auto fields = fieldsIn(bytesOf(directory + "/" + RECORD).value_or(""));
+  for (std::size_t i = 0; i + FIELDS <= fields.size(); i += FIELDS) {
+    assertions.push_back({fields[i], std::stoi(fields[i + 1]), fields[i + 2]});
+    framework()->fail(assertions.back());
+  }
+  return assertions;
+}
+
+bool hasCurrentTestFailed() { return framework() && framework()->hasFailed(); }
+
+}  // namespace vestra::testkit

@@ -1,0 +1,126 @@
+#include "sandbox/temporary_tree.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <stdexcept>
+
+#include <boost/filesystem.hpp>
+
+#include "recorder/bytes.h"
+
+namespace vestra::testkit {
+namespace {
+
+namespace fs = boost::filesystem;
+
+constexpr const char* BEGINNING = "vestra-testkit-";
+// In a directory that outlives its owner on purpose.
+constexpr const char* KEPT = "/kept";
+
+void allowAll(const std::string& directory) {
+  boost::system::error_code ignored;
+  fs::permissions(directory, fs::owner_all | fs::add_perms, ignored);
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory, ignored)) {
+    if (fs::is_directory(entry.symlink_status(ignored))) {
+      allowAll(entry.path().string());
+    }
+  }
+}
+
+void removeTree(const std::string& directory) {
+  boost::system::error_code error;
+  fs::remove_all(directory, error);
+  if (error) {
+    allowAll(directory);
+    fs::remove_all(directory, error);
+  }
+  if (error) {
+    std::cerr << "vestra::testkit cannot remove " << directory << ": " << error.message() << '\n';
+  }
+}
+
+/// The directory's descriptor with its lock; -1 when it is gone or locked by another.
+int lockOf(const std::string& directory) {
+  const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    close(descriptor);
+    return -1;
+  }
+  return descriptor;
+}
+
+bool isUsers(const std::string& directory) {
+  struct stat status {};
+  return lstat(directory.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid();
+}
+
+bool isStaleName(const fs::path& path) { return path.filename().string().rfind(BEGINNING, 0) == 0; }
+
+void removeIfStale(const std::string& directory) {
+  if (!isUsers(directory) || fs::exists(directory + KEPT)) {
+    return;
+  }
+  const int lock = lockOf(directory);
+  // One whose permissions forbid even that is nobody's either.
+  if (lock >= 0) {
+    removeTree(directory);
+    close(lock);
+  } else if (errno == EACCES) {
+    removeTree(directory);
+  }
+}
+
+void removeStaleTreesIn(const fs::path& parent) {
+  boost::system::error_code ignored;
+  for (const fs::directory_entry& entry : fs::directory_iterator(parent, ignored)) {
+    if (isStaleName(entry.path())) {
+      removeIfStale(entry.path().string());
+    }
+  }
+}
+
+std::string makeDirectoryIn(const fs::path& parent) {
+  std::string path = (parent / (std::string(BEGINNING) + "XXXXXX")).string();
+  if (mkdtemp(path.data()) == nullptr) {
+    throw std::runtime_error("the sandbox cannot make a directory in " + parent.string() + ": " +
+                             std::strerror(errno));
+  }
+  return path;
+}
+
+}  // namespace
+
+TemporaryTree::TemporaryTree() {
+  const fs::path parent = fs::canonical(fs::temp_directory_path());
+  static const bool isSwept = (removeStaleTreesIn(parent), true);
+  // Until it is locked, another owner may take it for stale.
+  while (isSwept && lock < 0) {
+    directory = makeDirectoryIn(parent);
+    lock = lockOf(directory);
+    if (lock >= 0 && !isUsers(directory)) {
+      close(lock);
+      lock = -1;
+    }
+  }
+}
+
+TemporaryTree::~TemporaryTree() {
+  if (!isKept) {
+    removeTree(directory);
+  }
+  close(lock);
+}
+
+void TemporaryTree::keep() {
+  isKept = true;
+  writeBytes(directory + KEPT, "");
+}
+
+}  // namespace vestra::testkit
