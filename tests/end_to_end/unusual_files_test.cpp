@@ -1,5 +1,5 @@
-// What stands where the library expects a file of its own: nothing of it may make
-// the host wait, crash or lose what was there.
+// Pipes, directories, devices and links in the places of the library's files: none of them
+// may block or crash the host, and nothing in them may be lost.
 
 #include <sys/stat.h>
 

@@ -1,5 +1,5 @@
-// Disks that are full, read-only or gone, and a machine without a shell. What the
-// host finds is real: file systems of this process's own.
+// Disks that are full, read-only or gone, and a machine without a shell. The file systems
+// are real: mounts in this process's own namespace.
 
 #include <boost/filesystem.hpp>
 

@@ -1,5 +1,4 @@
-// Every system call that a report takes fails once, with each error that a machine
-// in trouble gives.
+// Each system call of a report fails once, with each error that can be expected of it.
 
 #include <sys/syscall.h>
 

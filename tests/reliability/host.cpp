@@ -2,6 +2,8 @@
 //
 //     reliability_host OUTCOME_FILE PROJECT_DIRECTORY PRODUCT
 //
+// HOST_PROJECT_ID in its environment is the project identifier that it supplies.
+//
 // It stops itself where its use of the library begins and where it ends. How that
 // went stands in the outcome file afterwards: "answer true", "answer false" or
 // "exception " and the type's name, and then by how many its open descriptors have
@@ -49,6 +51,9 @@ std::string readable(const char* typeName) {
 void use(const char* project, Vestra::ProductType product, std::string& outcome) {
   try {
     Vestra::add("product_version", "2018.2", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    if (const char* identifier = std::getenv("HOST_PROJECT_ID")) {
+      Vestra::add("project_id", identifier, Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    }
     Vestra::add("runs", "2", product == Vestra::TAVLO ? Vestra::TAVLO_USAGE : Vestra::KELVO_USAGE);
     outcome = Vestra::send(project, product) ? "answer true" : "answer false";
   } catch (...) {

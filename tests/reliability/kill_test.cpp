@@ -1,6 +1,5 @@
-// The host is killed at each system call that a report takes. What its files may look
-// like then, and what the next host makes of them, is tabulated in the description of
-// the file formats.
+// The host is killed at each system call of a report. docs/file-formats.md tabulates the
+// states that its files can be in then, and what the next host makes of them.
 
 #include <csignal>
 #include <iostream>

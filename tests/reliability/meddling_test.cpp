@@ -25,8 +25,8 @@ void removeAll(const std::string& path) {
 
 class MeddledHost : public WatchedHost {
  protected:
-  /// Does the deed before each call in turn, and expects every host to end well and
-  /// the next one to report once `repair` has been done.
+  /// Does the deed before each call in turn. Every host must end well, and after `repair`
+  /// the next one must report.
   void meddle(const std::function<void()>& deed, const std::function<void()>& repair) {
     const std::size_t calls = callsOfARun().size();
     for (std::size_t number = 0; number < calls; number += SANITIZED ? 5 : 1) {

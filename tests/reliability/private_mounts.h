@@ -30,7 +30,7 @@ class PrivateMounts {
   std::vector<std::string> mounted;
 };
 
-/// Writes files until no byte more has room.
+/// Fills the file system to the last byte.
 void fill(const std::string& directory);
 /// Removes what `fill` wrote.
 void makeRoom(const std::string& directory);

@@ -25,8 +25,8 @@ bool managesMemory(long number);
 /// choice and Boost's.
 bool asksForStatus(long number);
 
-/// The errors that a machine in trouble gives, as errno values. None for what fails
-/// only when it is called wrongly.
+/// The errors to expect of a machine in trouble, as errno values. None for calls that
+/// fail only when they are used wrongly.
 const std::vector<int>& errorsOf(long number);
 
 }  // namespace vestra_test

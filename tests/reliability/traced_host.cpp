@@ -55,6 +55,9 @@ void setVariables(const HostStart& start) {
   setenv("VESTRA_TESTKIT_EXEC_PATH", start.designTool.c_str(), 1);
   setenv("VESTRA_TESTKIT_REGID", "REG-1", 1);
   setenv("VESTRA_TESTKIT_ENVIRONMENT", "a#1#b#2#c#3#d#4#e#5#f#6#date_generated#2026-11-21", 1);
+  if (start.projectId) {
+    setenv("HOST_PROJECT_ID", start.projectId->c_str(), 1);
+  }
   setenv("CALVIX_VESTRA_DEBUG_EXT", start.keepsReportFiles ? "1" : "", 1);
   // The leak checker is a tracer itself, and a process has only one.
   setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
@@ -136,7 +139,7 @@ class Tracee {
   void wait() { succeed(waitpid(process, &status, 0) == process, "waitpid"); }
 
   // A signal that stopped it on the way to the host is passed on, except the
-  // host's own mark and the one that follows `exec`. What has ended goes nowhere.
+  // host's own mark and the one that follows `exec`. A process that has ended is not resumed.
   void goOn(__ptrace_request request) {
     if (!isAlive()) {
       return;

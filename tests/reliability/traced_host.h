@@ -55,6 +55,8 @@ struct HostStart {
   Oza::Vestra::ProductType product = Oza::Vestra::KELVO;
   /// The command that the support library gives for the main design tool.
   std::string designTool = ":";
+  /// The project identifier that the host supplies; nothing for none.
+  std::optional<std::string> projectId;
   /// Whether script and rules file stay after the run.
   bool keepsReportFiles = false;
   /// An existing directory for the host's outcome and output.

@@ -20,8 +20,8 @@ class WatchedHost : public testing::TestWithParam<Situation> {
   /// The system calls of a run that nothing disturbs.
   std::vector<SystemCall> callsOfARun();
 
-  /// Whether no host has found the files as they are now. A host sees nothing else
-  /// of the past: what worked once, works again.
+  /// Whether no host has started from the present state of the files yet. Hosts know the
+  /// past by its files alone, so each state needs to be tried only once.
   bool isNewState() { return seenStates.insert(workplace.state()).second; }
   std::size_t stateCount() const { return seenStates.size(); }
 

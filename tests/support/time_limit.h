@@ -6,7 +6,7 @@
 namespace vestra_test {
 
 /// Ends the process by the alarm signal when it lives longer than the given number
-/// of seconds: for what must come back where it could wait for ever.
+/// of seconds: for code that must not block.
 class TimeLimit {
  public:
   explicit TimeLimit(unsigned int seconds) { alarm(seconds); }
