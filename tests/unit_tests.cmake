@@ -1,16 +1,16 @@
 # The unit tests drive the inner classes, so they link the library's objects. They
 # bring a clock, a domain name and a shell of their own, which are the real ones
 # except where a test sets them.
-add_executable(unit_tests
+add_test_program(unit_tests SOURCES
   support/interposed/clock.cpp
   support/interposed/domain_name.cpp
   support/interposed/shell.cpp)
 
 # The operator new that fails, and the very first use in a process, each need a
 # program of their own.
-add_executable(out_of_memory_tests)
-add_executable(first_use_tests)
-add_executable(first_use_thread_tests)
+add_test_program(out_of_memory_tests)
+add_test_program(first_use_tests)
+add_test_program(first_use_thread_tests)
 
 add_subdirectory(data)
 add_subdirectory(files)
@@ -22,13 +22,10 @@ target_link_libraries(unit_tests PRIVATE
   PkgConfig::LIBCONFIGXX PkgConfig::TCL ZLIB::ZLIB rapidcheck rapidcheck_gtest)
 
 foreach(tests unit_tests out_of_memory_tests first_use_tests first_use_thread_tests)
-  target_link_libraries(${tests} PRIVATE
-    vestra_objects vestra_test_support GTest::gtest_main Threads::Threads)
-  gtest_discover_tests(${tests} PROPERTIES TIMEOUT 60 LABELS unit)
+  target_link_libraries(${tests} PRIVATE vestra_objects)
 endforeach()
 target_link_libraries(unit_tests PRIVATE vestra_stand_in_library)
 target_link_libraries(out_of_memory_tests PRIVATE vestra_stand_in_library)
 
 # ctest runs each test in a process of its own; they must not mind sharing one.
 add_test(NAME unit_tests.in_one_process COMMAND unit_tests --gtest_shuffle --gtest_brief)
-set_tests_properties(unit_tests.in_one_process PROPERTIES TIMEOUT 300 LABELS unit)

@@ -24,7 +24,6 @@ class UnusualFile : public Scenario {
  protected:
   UnusualFile() {
     useRecordingTool();
-    sandbox.setTimeLimit(std::chrono::seconds(20));
     fs::create_directories(inVestraDirectory(""));
     fs::create_directories(fs::path(sandbox.settingsFile()).parent_path());
   }

@@ -44,7 +44,7 @@ class OpenFile : public testing::Test {
   }
 
   vestra_test::TemporaryDirectory directory;
-  vestra_test::TimeLimit limit{10};
+  vestra_test::TimeLimit limit;
 };
 
 TEST_F(OpenFile, RegularFileOpensEveryWay) {

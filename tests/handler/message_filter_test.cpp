@@ -40,7 +40,7 @@ class MessageFilter : public testing::Test {
 
   vestra_test::TemporaryDirectory project;
   VestraHandler handler;
-  vestra_test::TimeLimit limit{20};
+  vestra_test::TimeLimit limit;
 };
 
 TEST_F(MessageFilter, MessageFilterOfTheSimulatorIsEmptyAndLeavesTheLog) {

@@ -46,7 +46,7 @@ class ReportFixture : public testing::Test {
   Oza::VestraHandler handler;
   ScopedTime now{1700000000};
   ScopedEnv zone{"TZ", "UTC"};
-  TimeLimit limit{20};
+  TimeLimit limit;
 };
 
 }  // namespace vestra_test

@@ -119,7 +119,7 @@ class RulesFile : public testing::Test {
 
   vestra_test::TemporaryDirectory project;
   VestraHandler handler;
-  vestra_test::TimeLimit limit{20};
+  vestra_test::TimeLimit limit;
 };
 
 TEST_F(RulesFile, SimulatorsRulesFileIsWhole) {

@@ -28,7 +28,7 @@ class SiteText : public testing::Test {
   std::string resolver() const { return directory / "resolv.conf"; }
 
   vestra_test::TemporaryDirectory directory;
-  vestra_test::TimeLimit limit{20};
+  vestra_test::TimeLimit limit;
 };
 
 TEST_F(SiteText, SiteTextIsTheDomainNameWhereItSaysSomething) {

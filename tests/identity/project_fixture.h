@@ -26,7 +26,7 @@ class ProjectFixture : public testing::Test {
   TemporaryDirectory project;
   Oza::VestraHandler handler;
   ScopedTime now{1700000000};
-  TimeLimit limit{20};
+  TimeLimit limit;
 };
 
 }  // namespace vestra_test

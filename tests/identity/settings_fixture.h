@@ -21,7 +21,7 @@ class SettingsFixture : public testing::Test {
 
   TemporaryDirectory home;
   ScopedEnv homeVariable{"HOME", home.path()};
-  TimeLimit limit{20};
+  TimeLimit limit;
 };
 
 }  // namespace vestra_test
