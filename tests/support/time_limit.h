@@ -5,14 +5,17 @@
 
 namespace vestra_test {
 
-/// Ends the process by the alarm signal when it lives longer than the given number
-/// of seconds: for code that must not block.
+/// Ends the process by the alarm signal when code blocks that must not. No machine is so
+/// busy that anything else takes that long.
 class TimeLimit {
  public:
-  explicit TimeLimit(unsigned int seconds) { alarm(seconds); }
+  TimeLimit() { alarm(SECONDS); }
   TimeLimit(const TimeLimit&) = delete;
   TimeLimit& operator=(const TimeLimit&) = delete;
   ~TimeLimit() { alarm(0); }
+
+ private:
+  static constexpr unsigned int SECONDS = 300;
 };
 
 }  // namespace vestra_test
