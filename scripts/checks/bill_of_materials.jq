@@ -1,0 +1,33 @@
+def package(id; name; version; license; from): {
+  SPDXID: ("SPDXRef-" + id), name: name, versionInfo: version, supplier: "NOASSERTION",
+  downloadLocation: from, filesAnalyzed: false,
+  licenseConcluded: license, licenseDeclared: license, copyrightText: "NOASSERTION"
+};
+def relation(from; kind; to): {
+  spdxElementId: ("SPDXRef-" + from), relationshipType: kind, relatedSpdxElement: ("SPDXRef-" + to)
+};
+{
+  spdxVersion: "SPDX-2.3",
+  dataLicense: "CC0-1.0",
+  SPDXID: "SPDXRef-DOCUMENT",
+  name: ("vestra-" + $version),
+  documentNamespace: ("https://calvix.example/vestra/spdx/" + $version + "-" + $sum),
+  creationInfo: { created: $created, creators: ["Organization: Vestra developers", "Tool: scripts/release"] },
+  hasExtractedLicensingInfos: [{
+    licenseId: "LicenseRef-vestra", name: "proprietary", extractedText: "See share/doc/vestra/copyright."
+  }],
+  packages: [
+    package("vestra"; "vestra"; $version; "LicenseRef-vestra"; "NOASSERTION")
+      + { packageFileName: $library, checksums: [{ algorithm: "SHA256", checksumValue: $sum }] },
+    package("boost-filesystem"; "Boost.Filesystem"; $boost; "BSL-1.0"; "NOASSERTION"),
+    package("boost-headers"; "Boost's headers: Uuid, String Algorithms and what these include"; $boost;
+      "BSL-1.0"; "NOASSERTION"),
+    package("compiler"; "GCC"; $compiler; "GPL-3.0-or-later WITH GCC-exception-3.1"; "NOASSERTION")
+  ],
+  relationships: [
+    relation("DOCUMENT"; "DESCRIBES"; "vestra"),
+    relation("vestra"; "STATIC_LINK"; "boost-filesystem"),
+    relation("vestra"; "CONTAINS"; "boost-headers"),
+    relation("compiler"; "BUILD_TOOL_OF"; "vestra")
+  ]
+}
