@@ -20,7 +20,8 @@ void measureRendering(const Take& take);
 void measureChecksum(const Take& take);
 /// `Vestra::send` beside a C program that does the same to the same files.
 void measureSending(const Take& take);
-/// Starting a program that is linked to the library, beside an empty library.
+/// Starting a program that is linked to the library, with either Boost, beside an empty
+/// library without.
 void measureLoading(const Take& take);
 
 }  // namespace vestra_bench
