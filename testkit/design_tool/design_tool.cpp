@@ -1,6 +1,7 @@
 #include "design_tool/design_tool.h"
 
 #include <filesystem>
+#include <memory>
 #include <ostream>
 
 #include <fmt/format.h>
@@ -8,6 +9,7 @@
 #include "design_tool/diagnosis/diagnostic.h"
 #include "design_tool/files/input_file.h"
 #include "design_tool/files/outbox.h"
+#include "design_tool/files/output_place.h"
 #include "design_tool/files/pending_file.h"
 #include "design_tool/pages/html_page.h"
 #include "design_tool/pages/report_record.h"
@@ -64,33 +66,68 @@ void sayWhatWasRead(const RunRequest& request, const Run& run, std::ostream& out
 
 std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
-void keepCopy(const RunRequest& request, const Run& run, const std::string& xml, const std::string& html,
-              std::ostream& out) {
+/// The two reports' places; neither may be a file that the run reads, or the other.
+struct Places {
+  OutputPlace xml;
+  OutputPlace html;
+};
+
+[[noreturn]] void failAt(const OutputPlace& place, const std::string& message) {
+  throw DiagnosedError({place.path(), 0, message, "", 0, 0});
+}
+
+void refuseInputs(const OutputPlace& place, const RunRequest& request, const Run& run) {
+  if (place.isSameAs(identityOf(request.source))) {
+    failAt(place, "is the script itself");
+  }
+  if (place.isSameAs(identityOf(run.report.transmission.wdm))) {
+    failAt(place, "is the rules file");
+  }
+}
+
+Places placesFor(const RunRequest& request, const Run& run) {
   const Transmission& transmission = run.report.transmission;
-  const std::filesystem::path folder =
-      Outbox(request.outbox)
-          .keep(productOf(run.report), {{fileName(request.source), run.script},
-                                        {fileName(transmission.wdm), run.rulesText},
-                                        {fileName(transmission.xml), xml},
-                                        {fileName(transmission.html), html},
-                                        {"report.json", renderRecord(run.report, run.rules, run.warnings)}});
-  say(out, fmt::format("kept a copy in {}", forTerminal(folder.string())));
+  Places places{OutputPlace(transmission.xml, run.report.vestraDir),
+                OutputPlace(transmission.html, run.report.vestraDir)};
+  refuseInputs(places.xml, request, run);
+  refuseInputs(places.html, request, run);
+  if (places.xml.isSameAs(places.html)) {
+    failAt(places.html, "is the XML report as well");
+  }
+  return places;
+}
+
+std::unique_ptr<PendingCopy> prepareCopy(const RunRequest& request, const Run& run, const std::string& xml,
+                                         const std::string& html) {
+  if (request.outbox.empty()) {
+    return nullptr;
+  }
+  const Transmission& transmission = run.report.transmission;
+  return Outbox(request.outbox)
+      .prepare(productOf(run.report), {{fileName(request.source), run.script},
+                                       {fileName(transmission.wdm), run.rulesText},
+                                       {fileName(transmission.xml), xml},
+                                       {fileName(transmission.html), html},
+                                       {"report.json", renderRecord(run.report, run.rules, run.warnings)}});
 }
 
 void write(const RunRequest& request, const Run& run, std::ostream& out) {
-  const Transmission& transmission = run.report.transmission;
+  const Places places = placesFor(request, run);
   const std::string xml = renderXml(run.report, run.rules);
   const std::string html = renderHtml(run.report, run.rules);
-  PendingFile xmlFile(transmission.xml, xml);
-  PendingFile htmlFile(transmission.html, html);
-  if (!request.outbox.empty()) {
-    keepCopy(request, run, xml, html, out);
-  }
+  PendingFile xmlFile(places.xml, xml);
+  PendingFile htmlFile(places.html, html);
+  const std::unique_ptr<PendingCopy> copy = prepareCopy(request, run, xml, html);
   xmlFile.commit();
   htmlFile.commit();
-  say(out, "wrote " + forTerminal(transmission.xml));
-  say(out, "wrote " + forTerminal(transmission.html));
-  say(out, fmt::format("report {} is complete; nothing was transmitted", transmission.clientId));
+  if (copy) {
+    say(out, fmt::format("kept a copy in {}", forTerminal(copy->publish().string())));
+  }
+  xmlFile.keep();
+  htmlFile.keep();
+  say(out, "wrote " + forTerminal(places.xml.path()));
+  say(out, "wrote " + forTerminal(places.html.path()));
+  say(out, fmt::format("report {} is complete; nothing was transmitted", run.report.transmission.clientId));
 }
 
 }  // namespace

@@ -8,25 +8,10 @@
 #include <unistd.h>
 
 #include "design_tool/diagnosis/diagnostic.h"
+#include "design_tool/files/descriptor.h"
 
 namespace vestra::design_tool {
 namespace {
-
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : number(descriptor) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (number >= 0) {
-      ::close(number);
-    }
-  }
-  int get() const { return number; }
-
- private:
-  int number;
-};
 
 [[noreturn]] void fail(const std::string& path, const std::string& message) {
   throw DiagnosedError({path, 0, message, "", 0, 0});

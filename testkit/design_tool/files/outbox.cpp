@@ -4,16 +4,18 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <fstream>
 #include <set>
 #include <system_error>
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <fmt/format.h>
 
 #include "design_tool/diagnosis/diagnostic.h"
+#include "design_tool/files/descriptor.h"
+#include "design_tool/files/new_file.h"
 #include "reading/visible_text.h"
 
 namespace vestra::design_tool {
@@ -25,6 +27,10 @@ namespace {
 
 [[noreturn]] void fail(const fs::path& place, const std::string& message) {
   throw DiagnosedError({place.string(), 0, message, "", 0, 0});
+}
+
+[[noreturn]] void failToWrite(const fs::path& outbox, const std::error_code& error) {
+  fail(outbox, "the outbox cannot be written: " + error.message());
 }
 
 bool isForFileName(char letter) {
@@ -63,64 +69,6 @@ bool isTaken(const fs::path& directory, int number) {
   });
 }
 
-/// A hidden folder that holds its number: making it fails for all but one. It goes away unless it is
-/// published.
-class Claim {
- public:
-  explicit Claim(const fs::path& outbox) : directory(outbox) {
-    number = lastNumber(directory) + 1;
-    while (!take()) {
-      ++number;
-    }
-  }
-  Claim(const Claim&) = delete;
-  Claim& operator=(const Claim&) = delete;
-  ~Claim() {
-    std::error_code ignored;
-    if (!isPublished) {
-      fs::remove_all(folder(), ignored);
-    }
-  }
-
-  fs::path folder() const { return directory / fmt::format(".{:04}", number); }
-
-  fs::path publish(const std::string& name) {
-    const fs::path place = directory / fmt::format("{:04}-{}", number, name);
-    fs::rename(folder(), place);
-    isPublished = true;
-    return place;
-  }
-
- private:
-  /// A report that was published since the numbers were read no longer holds its hidden folder.
-  bool take() {
-    if (::mkdir(folder().c_str(), 0777) != 0) {
-      if (errno == EEXIST) {
-        return false;
-      }
-      throw fs::filesystem_error("mkdir", folder(), std::error_code(errno, std::generic_category()));
-    }
-    if (!isTaken(directory, number)) {
-      return true;
-    }
-    fs::remove(folder());
-    return false;
-  }
-
-  fs::path directory;
-  int number = 0;
-  bool isPublished = false;
-};
-
-void write(const fs::path& path, const std::string& content) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(content.data(), static_cast<std::streamsize>(content.size()));
-  file.close();
-  if (!file) {
-    fail(path, std::string("cannot be written: ") + std::strerror(errno));
-  }
-}
-
 void refuseSharedNames(const fs::path& directory, const std::vector<KeptFile>& files) {
   std::set<std::string> names;
   for (const KeptFile& file : files) {
@@ -133,6 +81,57 @@ void refuseSharedNames(const fs::path& directory, const std::vector<KeptFile>& f
 
 }  // namespace
 
+/// The hidden folder holds the number: making it fails for all but one.
+PendingCopy::PendingCopy(fs::path outbox, std::string wanted)
+    : directory(std::move(outbox)), name(std::move(wanted)), number(lastNumber(directory) + 1) {
+  while (!take()) {
+    ++number;
+  }
+}
+
+PendingCopy::~PendingCopy() {
+  std::error_code ignored;
+  if (!isPublished) {
+    fs::remove_all(folder(), ignored);
+  }
+}
+
+void PendingCopy::add(const KeptFile& file) const {
+  const Descriptor place(::open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  const int error = place.isOpen() ? writeNewFile(place.get(), file.name, file.content) : errno;
+  if (error != 0) {
+    fail(folder() / file.name, std::string("cannot be written: ") + std::strerror(error));
+  }
+}
+
+fs::path PendingCopy::publish() {
+  fs::path place = directory / fmt::format("{:04}-{}", number, name);
+  std::error_code error;
+  fs::rename(folder(), place, error);
+  if (error) {
+    failToWrite(directory, error);
+  }
+  isPublished = true;
+  return place;
+}
+
+fs::path PendingCopy::folder() const { return directory / fmt::format(".{:04}", number); }
+
+/// A report that was published since the numbers were read no longer holds its hidden folder.
+bool PendingCopy::take() {
+  if (::mkdir(folder().c_str(), 0777) != 0) {
+    if (errno == EEXIST) {
+      return false;
+    }
+    failToWrite(directory, std::error_code(errno, std::generic_category()));
+  }
+  if (!isTaken(directory, number)) {
+    return true;
+  }
+  fs::remove(folder());
+  return false;
+}
+
 Outbox::Outbox(fs::path place) : directory(std::move(place)) {
   std::error_code error;
   fs::create_directories(directory, error);
@@ -141,16 +140,17 @@ Outbox::Outbox(fs::path place) : directory(std::move(place)) {
   }
 }
 
-fs::path Outbox::keep(const std::string& name, const std::vector<KeptFile>& files) const {
+std::unique_ptr<PendingCopy> Outbox::prepare(const std::string& name,
+                                             const std::vector<KeptFile>& files) const {
   refuseSharedNames(directory, files);
   try {
-    Claim claim(directory);
+    auto copy = std::make_unique<PendingCopy>(directory, plainName(name));
     for (const KeptFile& file : files) {
-      write(claim.folder() / file.name, file.content);
+      copy->add(file);
     }
-    return claim.publish(plainName(name));
+    return copy;
   } catch (const fs::filesystem_error& error) {
-    fail(directory, "the outbox cannot be written: " + error.code().message());
+    failToWrite(directory, error.code());
   }
 }
 

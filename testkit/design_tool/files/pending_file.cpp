@@ -1,58 +1,71 @@
 #include "design_tool/files/pending_file.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
-#include <utility>
 
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <fmt/format.h>
-
 #include "design_tool/diagnosis/diagnostic.h"
+#include "design_tool/files/new_file.h"
 
 namespace vestra::design_tool {
 namespace {
 
-[[noreturn]] void failToWrite(const std::string& path, const std::string& reason) {
-  throw DiagnosedError({path, 0, "cannot be written: " + reason, "", 0, 0});
+[[noreturn]] void failToWrite(const OutputPlace& place, int error) {
+  throw DiagnosedError(
+      {place.path(), 0, std::string("cannot be written: ") + std::strerror(error), "", 0, 0});
 }
 
-std::string hiddenNameFor(const std::string& path) {
-  const std::filesystem::path place(path);
-  return place.parent_path() / fmt::format(".{}.{}", place.filename().string(), ::getpid());
+void remove(const OutputPlace& place, const std::string& name) {
+  ::unlinkat(place.directory(), name.c_str(), 0);
 }
 
 }  // namespace
 
-PendingFile::PendingFile(std::string target, std::string_view content)
-    : path(std::move(target)), hiddenPath(hiddenNameFor(path)) {
-  std::ofstream file(hiddenPath, std::ios::binary);
-  file.write(content.data(), static_cast<std::streamsize>(content.size()));
-  file.close();
-  if (file) {
-    return;
+PendingFile::PendingFile(const OutputPlace& target, std::string_view content)
+    : place(target), hiddenName(unpredictableName()) {
+  const int error = writeNewFile(place.directory(), hiddenName, content);
+  if (error != 0) {
+    failToWrite(place, error);
   }
-  const std::string reason = std::strerror(errno);
-  ::unlink(hiddenPath.c_str());
-  failToWrite(path, reason);
 }
 
 PendingFile::~PendingFile() {
-  if (!isCommitted) {
-    ::unlink(hiddenPath.c_str());
+  if (isCommitted && !isKept) {
+    takeBack();
+  } else if (!isCommitted || hasReplaced) {
+    remove(place, hiddenName);
   }
 }
 
+/// The file that is replaced takes the hidden name until this one is kept, where the file system can exchange
+/// two files.
 void PendingFile::commit() {
-  std::error_code error;
-  std::filesystem::rename(hiddenPath, path, error);
-  if (error) {
-    failToWrite(path, error.message());
+  if (moveWith(RENAME_NOREPLACE)) {
+    isCommitted = true;
+    return;
   }
-  isCommitted = true;
+  hasReplaced = errno == EEXIST && moveWith(RENAME_EXCHANGE);
+  isCommitted = hasReplaced || ((errno == EINVAL || errno == ENOSYS) && moveWith(0));
+  if (!isCommitted) {
+    failToWrite(place, errno);
+  }
+}
+
+bool PendingFile::moveWith(unsigned int flags) const {
+  return ::renameat2(place.directory(), hiddenName.c_str(), place.directory(), place.name().c_str(), flags) ==
+         0;
+}
+
+void PendingFile::takeBack() const {
+  if (hasReplaced) {
+    moveWith(RENAME_EXCHANGE);
+    remove(place, hiddenName);
+  } else {
+    remove(place, place.name());
+  }
 }
 
 }  // namespace vestra::design_tool

@@ -5,6 +5,8 @@
 
 #include <sstream>
 
+#include <boost/filesystem/operations.hpp>
+
 #include "support/files.h"
 #include "support/temporary_directory.h"
 #include "testkit/design_tool/golden.h"
@@ -29,6 +31,17 @@ class DesignTool : public testing::Test {
   }
 
   int start(const std::string& outbox = "") { return runDesignTool({scriptFile, outbox}, out, err); }
+
+  /// Lets the script name another file for one of its reports.
+  void nameOutput(const std::string& output, const std::string& other) const {
+    std::string script = goldenIn(directory.path(), "kelvo_vestra.tcl");
+    writeFile(scriptFile, script.replace(script.find(output), output.size(), other));
+  }
+
+  void expectNothingWritten() const {
+    EXPECT_THAT(namesIn(vestra("")), ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+    EXPECT_FALSE(vestra_test::exists(directory / "outbox") && !namesIn(directory / "outbox").empty());
+  }
 
   std::string vestra(const std::string& name) const { return directory / ("vestra/" + name); }
 
@@ -87,9 +100,7 @@ TEST_F(DesignTool, AWrongScriptHasNothingWritten) {
   EXPECT_EQ(err.str(), scriptFile + ":1: vestra_terminate comes before vestra_init\n" +
                            "    vestra_terminate\n"
                            "    ^~~~~~~~~~~~~~~~\n");
-  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory / "vestra"),
-              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  expectNothingWritten();
 }
 
 TEST_F(DesignTool, WrongRulesHaveNothingWritten) {
@@ -98,20 +109,65 @@ TEST_F(DesignTool, WrongRulesHaveNothingWritten) {
   EXPECT_EQ(err.str(), wdmFile + ":2: setting clients is not a list in parentheses\n" +
                            "    clients = 1\n"
                            "    ^\n");
-  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory / "vestra"),
-              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  expectNothingWritten();
 }
 
 TEST_F(DesignTool, AReportThatCannotBeWrittenHasNothingWritten) {
-  std::string script = goldenIn(directory.path(), "kelvo_vestra.tcl");
-  script.replace(script.find(htmlFile), htmlFile.size(), directory / "none/page.html");
-  writeFile(scriptFile, script);
+  const std::string page = directory / "none/page.html";
+  nameOutput(htmlFile, page);
   EXPECT_EQ(start(directory / "outbox"), 1);
-  EXPECT_EQ(err.str(), directory / "none/page.html: cannot be written: No such file or directory\n");
-  EXPECT_THAT(namesIn(directory.path()), ElementsAre("vestra"));
-  EXPECT_THAT(namesIn(directory / "vestra"),
-              ElementsAre("kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
+  EXPECT_EQ(err.str(), page + ": cannot be written: No such file or directory\n");
+  expectNothingWritten();
+}
+
+TEST_F(DesignTool, ADirectoryInThePlaceOfAPageHasNothingWritten) {
+  boost::filesystem::create_directory(htmlFile);
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(err.str(), htmlFile + ": is a directory, not a file\n");
+  boost::filesystem::remove(htmlFile);
+  expectNothingWritten();
+}
+
+TEST_F(DesignTool, AnOutboxThatIsFullOfItselfHasNothingWritten) {
+  boost::filesystem::create_directories(directory / "outbox");
+  // The report's own record has this name too.
+  const std::string page = vestra("report.json");
+  nameOutput(htmlFile, page);
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(err.str(), directory / "outbox: the outbox cannot keep two files named \"report.json\"\n");
+  expectNothingWritten();
+}
+
+TEST_F(DesignTool, OneFileIsNotTakenForTwoWhateverPathLeadsThere) {
+  nameOutput(htmlFile, vestra("./usage_statistics_ext_kelvo.xml"));
+  EXPECT_EQ(start(directory / "outbox"), 1);
+  EXPECT_EQ(err.str(), vestra("./usage_statistics_ext_kelvo.xml") + ": is the XML report as well\n");
+  expectNothingWritten();
+}
+
+TEST_F(DesignTool, TheScriptAndTheRulesAreNotOverwritten) {
+  nameOutput(xmlFile, vestra("../vestra/kelvo_vestra.tcl"));
+  EXPECT_EQ(start(), 1);
+  EXPECT_EQ(err.str(), vestra("../vestra/kelvo_vestra.tcl") + ": is the script itself\n");
+  boost::filesystem::create_hard_link(wdmFile, vestra("second_name"));
+  nameOutput(xmlFile, vestra("second_name"));
+  err.str("");
+  EXPECT_EQ(start(), 1);
+  EXPECT_EQ(err.str(), vestra("second_name") + ": is the rules file\n");
+  boost::filesystem::remove(vestra("second_name"));
+  expectNothingWritten();
+}
+
+TEST_F(DesignTool, NoOutputLeavesTheDirectoryOfTheReport) {
+  const std::string root = ": does not lie below the directory of vestra_init, \"" + vestra("") + "\"\n";
+  for (const std::string& outside :
+       {directory / "page.html", std::string("/dev/null"), vestra("../p.html")}) {
+    nameOutput(htmlFile, outside);
+    err.str("");
+    EXPECT_EQ(start(directory / "outbox"), 1);
+    EXPECT_EQ(err.str(), outside + root);
+    expectNothingWritten();
+  }
 }
 
 TEST_F(DesignTool, AnOutboxThatCannotBeWrittenHasNoReportWritten) {

@@ -21,12 +21,16 @@ using testing::IsEmpty;
 using vestra_test::namesIn;
 using vestra_test::readFile;
 
+std::string kept(const Outbox& outbox, const std::string& name, const std::vector<KeptFile>& files) {
+  return outbox.prepare(name, files)->publish().string();
+}
+
 TEST(Outbox, EachReportHasAFolderThatCountsUp) {
   const vestra_test::TemporaryDirectory directory;
   const Outbox outbox(directory / "deep/outbox");
-  EXPECT_EQ(outbox.keep("kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}}),
+  EXPECT_EQ(kept(outbox, "kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}}),
             directory / "deep/outbox/0001-kelvo");
-  EXPECT_EQ(outbox.keep("tavlo", {{"a", "2"}}), directory / "deep/outbox/0002-tavlo");
+  EXPECT_EQ(kept(outbox, "tavlo", {{"a", "2"}}), directory / "deep/outbox/0002-tavlo");
   EXPECT_THAT(namesIn(directory / "deep/outbox"), ElementsAre("0001-kelvo", "0002-tavlo"));
   EXPECT_EQ(readFile(directory / "deep/outbox/0001-kelvo/b"), std::string("\0", 1));
   EXPECT_EQ(readFile(directory / "deep/outbox/0002-tavlo/a"), "2");
@@ -37,23 +41,29 @@ TEST(Outbox, AReportsNumberFollowsTheHighestThereIs) {
   for (const char* name : {"0007-kelvo/x", "12-by-hand/x", ".0020/x", "notes/x", "-5/x"}) {
     vestra_test::writeFile(directory / name, "");
   }
-  EXPECT_EQ(Outbox(directory.path()).keep("kelvo", {}), directory / "0021-kelvo");
+  EXPECT_EQ(kept(Outbox(directory.path()), "kelvo", {}), directory / "0021-kelvo");
 }
 
 TEST(Outbox, ReportNumbersMayOutgrowFourDigits) {
   const vestra_test::TemporaryDirectory directory;
   vestra_test::writeFile(directory / "9999-kelvo/x", "");
   const Outbox outbox(directory.path());
-  EXPECT_EQ(outbox.keep("kelvo", {}), directory / "10000-kelvo");
-  EXPECT_EQ(outbox.keep("kelvo", {}), directory / "10001-kelvo");
+  EXPECT_EQ(kept(outbox, "kelvo", {}), directory / "10000-kelvo");
+  EXPECT_EQ(kept(outbox, "kelvo", {}), directory / "10001-kelvo");
 }
 
 TEST(Outbox, AFolderNameIsMadeAPlainWord) {
   const vestra_test::TemporaryDirectory directory;
   const Outbox outbox(directory.path());
-  EXPECT_EQ(outbox.keep("", {}), directory / "0001-report");
-  EXPECT_EQ(outbox.keep("../\n", {}), directory / "0002-report");
-  EXPECT_EQ(outbox.keep("../My_tool-2", {}), directory / "0003-My_tool-2");
+  EXPECT_EQ(kept(outbox, "", {}), directory / "0001-report");
+  EXPECT_EQ(kept(outbox, "../\n", {}), directory / "0002-report");
+  EXPECT_EQ(kept(outbox, "../My_tool-2", {}), directory / "0003-My_tool-2");
+}
+
+TEST(Outbox, ACopyThatIsNotPublishedLeavesNothing) {
+  const vestra_test::TemporaryDirectory directory;
+  Outbox(directory.path()).prepare("kelvo", {{"a", "1"}});
+  EXPECT_THAT(namesIn(directory.path()), IsEmpty());
 }
 
 /// The error that this ends with, as the tool prints it; "no error" when it does not.
@@ -69,7 +79,7 @@ std::string errorOf(const std::function<void()>& action) {
 TEST(Outbox, TwoFilesOfOneNameAreNotKept) {
   const vestra_test::TemporaryDirectory directory;
   EXPECT_EQ(errorOf([&] {
-              Outbox(directory.path()).keep("kelvo", {{"r", "1"}, {"r", "2"}});
+              kept(Outbox(directory.path()), "kelvo", {{"r", "1"}, {"r", "2"}});
             }),
             directory.path() + ": the outbox cannot keep two files named \"r\"\n");
   EXPECT_THAT(namesIn(directory.path()), IsEmpty());
@@ -78,7 +88,7 @@ TEST(Outbox, TwoFilesOfOneNameAreNotKept) {
 TEST(Outbox, AFolderThatCannotBeWrittenLeavesNothing) {
   const vestra_test::TemporaryDirectory directory;
   EXPECT_EQ(errorOf([&] {
-              Outbox(directory.path()).keep("kelvo", {{"a", "1"}, {"missing/b", "2"}});
+              kept(Outbox(directory.path()), "kelvo", {{"a", "1"}, {"missing/b", "2"}});
             }),
             directory / ".0001/missing/b: cannot be written: No such file or directory\n");
   EXPECT_THAT(namesIn(directory.path()), IsEmpty());
@@ -95,7 +105,7 @@ TEST(Outbox, AnOutboxThatHasGoneIsAnError) {
   const vestra_test::TemporaryDirectory directory;
   const Outbox outbox(directory / "outbox");
   boost::filesystem::remove(directory / "outbox");
-  EXPECT_EQ(errorOf([&] { outbox.keep("kelvo", {}); }),
+  EXPECT_EQ(errorOf([&] { kept(outbox, "kelvo", {}); }),
             directory / "outbox: the outbox cannot be written: No such file or directory\n");
 }
 
@@ -107,7 +117,7 @@ TEST(Outbox, ManyReportsAtOnceGetANumberEach) {
   for (std::size_t writer = 0; writer < WRITERS; ++writer) {
     writers.emplace_back([&, writer] {
       for (std::size_t i = 0; i < REPORTS; ++i) {
-        Outbox(directory.path()).keep(writer % 2 == 0 ? "kelvo" : "tavlo", {{"f", std::to_string(writer)}});
+        kept(Outbox(directory.path()), writer % 2 == 0 ? "kelvo" : "tavlo", {{"f", std::to_string(writer)}});
       }
     });
   }
