@@ -65,7 +65,7 @@ std::string scriptOf(const std::vector<Item>& items, const std::string& environm
 std::optional<vestra::design_tool::Report> reportOf(const std::string& script) {
   vestra::design_tool::Limits limits;
   limits.commands = 100'000;
-  limits.time = std::chrono::seconds(2);
+  limits.processorTime = std::chrono::seconds(2);
   try {
     return vestra::design_tool::evaluateScript("script", script, limits);
   } catch (const vestra::design_tool::DiagnosedError&) {

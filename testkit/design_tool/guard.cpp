@@ -2,15 +2,18 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <ostream>
 #include <system_error>
 
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
+#include <tcl.h>
 #include <unistd.h>
 
 #include <fmt/format.h>
@@ -29,10 +32,18 @@ constexpr bool IS_SANITIZED = true;
 constexpr bool IS_SANITIZED = false;
 #endif
 
-constexpr rlim_t MEMORY = rlim_t{8} << 30;
-constexpr rlim_t PROCESSOR_SECONDS = 300;
+/// For what becomes of a script, which needs more than running it.
+constexpr rlim_t MEMORY_OF_THE_RUN = rlim_t{8} << 30;
+constexpr rlim_t PROCESSOR_SECONDS_OF_THE_RUN = 900;
 
-volatile std::size_t* sharedLine = nullptr;
+/// What both processes see.
+struct Shared {
+  volatile std::size_t line;
+  volatile bool isOutOfMemory;
+};
+
+Shared* shared = nullptr;
+Allowance granted;
 
 void limit(int resource, rlim_t most) {
   struct rlimit limits = {};
@@ -43,21 +54,66 @@ void limit(int resource, rlim_t most) {
   ::setrlimit(static_cast<__rlimit_resource_t>(resource), &limits);
 }
 
-void limitResources() {
-  if (!IS_SANITIZED) {
-    limit(RLIMIT_AS, MEMORY);
+void limitMemory(rlim_t most) {
+  struct rlimit limits = {};
+  if (!IS_SANITIZED && ::getrlimit(RLIMIT_AS, &limits) == 0) {
+    limits.rlim_cur = std::min(most, limits.rlim_max);
+    ::setrlimit(RLIMIT_AS, &limits);
   }
-  limit(RLIMIT_CPU, PROCESSOR_SECONDS);
-  limit(RLIMIT_CORE, 0);
 }
 
-void shareLine() {
+void setTimer(int timer, std::chrono::milliseconds time) {
+  struct itimerval value = {};
+  value.it_value.tv_sec = time.count() / 1000;
+  value.it_value.tv_usec = time.count() % 1000 * 1000;
+  ::setitimer(static_cast<__itimer_which_t>(timer), &value, nullptr);
+}
+
+[[noreturn]] void endWithoutMemory() {
+  shared->isOutOfMemory = true;
+  std::abort();
+}
+
+/// The interpreter does not go on without memory.
+void onPanic(const char* format, ...) {
+  if (std::strncmp(format, "unable to ", std::strlen("unable to ")) == 0) {
+    endWithoutMemory();
+  }
+  std::abort();
+}
+
+void limitResources() {
+  if (!IS_SANITIZED) {
+    limit(RLIMIT_AS, MEMORY_OF_THE_RUN);
+  }
+  limit(RLIMIT_CPU, PROCESSOR_SECONDS_OF_THE_RUN);
+  limit(RLIMIT_CORE, 0);
+  setTimer(ITIMER_REAL, granted.wait);
+  Tcl_SetPanicProc(&onPanic);
+}
+
+[[noreturn]] void runWithinLimits(const std::function<int()>& work) {
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  limitResources();
+  try {
+    std::exit(work());
+  } catch (const std::bad_alloc&) {
+    endWithoutMemory();
+  }
+}
+
+void share() {
   void* const page =
-      ::mmap(nullptr, sizeof *sharedLine, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+      ::mmap(nullptr, sizeof *shared, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (page == MAP_FAILED) {
     throw std::system_error(errno, std::generic_category(), "mmap");
   }
-  sharedLine = static_cast<volatile std::size_t*>(page);
+  shared = new (page) Shared{};
+}
+
+void unshare() {
+  ::munmap(shared, sizeof *shared);
+  shared = nullptr;
 }
 
 int waitFor(pid_t child) {
@@ -70,34 +126,51 @@ int waitFor(pid_t child) {
   return status;
 }
 
-int reportDeath(const std::string& file, int signal) {
-  const std::string message =
-      fmt::format("the script has brought the interpreter down ({})", ::strsignal(signal));
-  std::fputs(format({file, *sharedLine, message, "", 0, 0}).c_str(), stderr);
-  return 1;
+std::string causeOf(int signal) {
+  if (shared->isOutOfMemory) {
+    return fmt::format("the command needs more than {} MiB of memory", granted.memory >> 20);
+  }
+  if (signal == SIGPROF) {
+    return fmt::format("the command has run for more than {} s of processor time",
+                       static_cast<double>(granted.processorTime.count()) / 1000);
+  }
+  if (signal == SIGALRM) {
+    return fmt::format("the run has not ended for {} s", static_cast<double>(granted.wait.count()) / 1000);
+  }
+  return fmt::format("the script has brought the interpreter down ({})", ::strsignal(signal));
 }
 
 }  // namespace
 
-int runGuarded(const std::string& file, const std::function<int()>& work) {
-  shareLine();
+int runGuarded(const std::string& file, const std::function<int()>& work, std::ostream& err,
+               const Allowance& allowance) {
+  share();
+  granted = allowance;
   const pid_t child = ::fork();
   if (child < 0) {
     throw std::system_error(errno, std::generic_category(), "fork");
   }
   if (child == 0) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    limitResources();
-    std::exit(work());
+    runWithinLimits(work);
   }
   const int status = waitFor(child);
-  return WIFSIGNALED(status) ? reportDeath(file, WTERMSIG(status)) : WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) {
+    err << format({file, shared->line, causeOf(WTERMSIG(status)), "", 0, 0});
+  }
+  unshare();
+  return WIFSIGNALED(status) ? 1 : WEXITSTATUS(status);
 }
 
 void noteLine(std::size_t line) {
-  if (sharedLine != nullptr) {
-    *sharedLine = line;
+  if (shared == nullptr) {
+    return;
   }
+  const bool isRunning = line != 0;
+  if (isRunning != (shared->line != 0)) {
+    limitMemory(isRunning ? granted.memory : MEMORY_OF_THE_RUN);
+  }
+  shared->line = line;
+  setTimer(ITIMER_PROF, isRunning ? granted.processorTime : std::chrono::milliseconds(0));
 }
 
 }  // namespace vestra::design_tool

@@ -26,11 +26,12 @@ struct Perform {
     return 2;
   }
   int operator()(const ShowRequest& request) const {
-    return runGuarded(request.script, [&] { return showReport(request, std::cout, std::cerr, &noteLine); });
+    return runGuarded(
+        request.script, [&] { return showReport(request, std::cout, std::cerr, &noteLine); }, std::cerr);
   }
   int operator()(const RunRequest& request) const {
-    return runGuarded(request.source,
-                      [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); });
+    return runGuarded(
+        request.source, [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); }, std::cerr);
   }
 };
 

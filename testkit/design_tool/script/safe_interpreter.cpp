@@ -68,6 +68,7 @@ SafeInterpreter::SafeInterpreter(const Limits& scriptLimits)
     : interpreter(createInterpreter()), limits(scriptLimits) {
   keepOnlyComputation();
   limitCommands();
+  limitTime();
 }
 
 std::string SafeInterpreter::exceededLimit() const {
@@ -77,7 +78,8 @@ std::string SafeInterpreter::exceededLimit() const {
   if (Tcl_LimitTypeExceeded(get(), TCL_LIMIT_COMMANDS)) {
     return fmt::format("the script has run more than {} commands", limits.commands);
   }
-  return fmt::format("the command has run for more than {} s", limits.time.count());
+  return fmt::format("the command has run for more than {} s of processor time",
+                     static_cast<double>(limits.processorTime.count()) / 1000);
 }
 
 std::string SafeInterpreter::result() const {
@@ -99,12 +101,31 @@ void SafeInterpreter::keepOnlyComputation() {
 }
 
 void SafeInterpreter::restartClock() {
+  started = std::clock();
+  setDeadline(limits.processorTime);
+}
+
+/// The interpreter knows the clock on the wall only: it is given a deadline, and at the deadline as much time
+/// more as the processor has not worked for the command.
+void SafeInterpreter::onDeadline(ClientData self, Tcl_Interp*) {
+  auto& interpreter = *static_cast<SafeInterpreter*>(self);
+  const std::chrono::microseconds used((std::clock() - interpreter.started) * 1'000'000 / CLOCKS_PER_SEC);
+  if (used < interpreter.limits.processorTime) {
+    interpreter.setDeadline(interpreter.limits.processorTime - used);
+  }
+}
+
+void SafeInterpreter::setDeadline(std::chrono::microseconds timeFromNow) {
   Tcl_Time deadline;
   Tcl_GetTime(&deadline);
-  deadline.sec += limits.time.count();
+  const auto microseconds = deadline.usec + timeFromNow.count();
+  deadline.sec += static_cast<long>(microseconds / 1'000'000);
+  deadline.usec = static_cast<long>(microseconds % 1'000'000);
   Tcl_LimitSetTime(get(), &deadline);
   Tcl_LimitTypeSet(get(), TCL_LIMIT_TIME);
 }
+
+void SafeInterpreter::limitTime() { Tcl_LimitAddHandler(get(), TCL_LIMIT_TIME, &onDeadline, this, nullptr); }
 
 void SafeInterpreter::limitCommands() {
   Tcl_LimitSetCommands(get(), limits.commands);

@@ -1,6 +1,8 @@
 #ifndef VESTRA_DESIGN_TOOL_SAFE_INTERPRETER_H
 #define VESTRA_DESIGN_TOOL_SAFE_INTERPRETER_H
 
+#include <chrono>
+#include <ctime>
 #include <memory>
 #include <string>
 
@@ -18,6 +20,10 @@ class SafeInterpreter {
 
   Tcl_Interp* get() const { return interpreter.get(); }
 
+  SafeInterpreter(const SafeInterpreter&) = delete;
+  SafeInterpreter& operator=(const SafeInterpreter&) = delete;
+  ~SafeInterpreter() = default;
+
   /// Gives the next command its time.
   void restartClock();
 
@@ -32,11 +38,16 @@ class SafeInterpreter {
     void operator()(Tcl_Interp* interpreter) const { Tcl_DeleteInterp(interpreter); }
   };
 
+  static void onDeadline(ClientData self, Tcl_Interp* tcl);
+
   void keepOnlyComputation();
+  void limitTime();
+  void setDeadline(std::chrono::microseconds timeFromNow);
   void limitCommands();
 
   std::unique_ptr<Tcl_Interp, Deleter> interpreter;
   Limits limits;
+  std::clock_t started = 0;
 };
 
 }  // namespace vestra::design_tool

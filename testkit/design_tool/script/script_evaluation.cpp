@@ -108,6 +108,7 @@ class Evaluation {
 
   void defineCommands();
   void runCommand(const TclCommand& command);
+  void observe(std::size_t line) const;
   void throwWhatWentWrong(const TclCommand& command) const;
   std::string interpreterMessage(const TclCommand& command) const;
   void take(int count, Tcl_Obj* const words[]);
@@ -137,6 +138,7 @@ Report Evaluation::run() {
     }
     position = command.end();
   }
+  observe(0);
   checkIsOver();
   return protocol.release();
 }
@@ -186,15 +188,19 @@ void Evaluation::runCommand(const TclCommand& command) {
   }
   current = &command;
   currentLine = script.lineOf(command.span.begin);
-  if (observer != nullptr) {
-    observer(currentLine);
-  }
   interpreter.restartClock();
+  observe(currentLine);
   const char* const text = script.text().data() + command.span.begin;
   const int status =
       Tcl_EvalEx(interpreter.get(), text, static_cast<int>(command.span.length), TCL_EVAL_GLOBAL);
   if (status != TCL_OK || protocolError || failure) {
     throwWhatWentWrong(command);
+  }
+}
+
+void Evaluation::observe(std::size_t line) const {
+  if (observer != nullptr) {
+    observer(line);
   }
 }
 

@@ -9,8 +9,8 @@
 
 namespace vestra::design_tool {
 
-/// Called with the number of each line on which a command is about to run, for a process that outlives the
-/// interpreter.
+/// Called with the number of each line on which a command is about to run, and with 0 when none will run any
+/// more, for a process that outlives the interpreter.
 using LineObserver = void (*)(std::size_t line);
 
 /// Runs a report script and gives back what it said.

@@ -12,8 +12,9 @@ namespace vestra::design_tool {
 struct Limits {
   /// In the whole script, those inside of loops and procedures included.
   int commands = 20'000'000;
-  /// For each command of the script itself, so that a large report is not stopped on a busy machine.
-  std::chrono::seconds time{20};
+  /// For each command of the script itself, so that a large report is not stopped. Time of the processor, so
+  /// that a busy machine does not count.
+  std::chrono::milliseconds processorTime{20'000};
   /// The interpreter counts a text's bytes in an int, the byte that ends it included.
   std::size_t bytes = INT_MAX - 1;
 };

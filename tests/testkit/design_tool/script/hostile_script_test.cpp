@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "testkit/design_tool/script/error_text.h"
 #include "testkit/design_tool/script/script_text.h"
 
@@ -65,10 +67,18 @@ TEST(HostileScript, AProtocolErrorCannotBeCaught) {
 }
 
 TEST(HostileScript, AnEndlessLoopIsStoppedByTheTime) {
-  EXPECT_EQ(errorOf("while 1 {}\n", {20'000'000, std::chrono::seconds(1)}),
-            "s.tcl:1: the command has run for more than 1 s\n"
+  EXPECT_EQ(errorOf("while 1 {}\n", {20'000'000, std::chrono::milliseconds(100)}),
+            "s.tcl:1: the command has run for more than 0.1 s of processor time\n"
             "    while 1 {}\n"
             "    ^~~~~\n");
+}
+
+TEST(HostileScript, TimeThatTheProcessorDoesNotWorkIsNotCounted) {
+  const auto blockLikeABusyMachine = [](std::size_t) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  };
+  EXPECT_NO_THROW(evaluateScript("s.tcl", scriptAround("set i 0\nwhile {$i < 100} {incr i}\n"),
+                                 {20'000'000, std::chrono::milliseconds(50)}, blockLikeABusyMachine));
 }
 
 TEST(HostileScript, AnEndlessLoopIsStoppedByTheNumberOfCommands) {
