@@ -17,6 +17,15 @@ constexpr const char* RECORD_VARIABLE = "VESTRA_TESTKIT_RECORD";
 /// The time to hold the clock at: see holdClock.
 constexpr const char* NOW_VARIABLE = "VESTRA_TESTKIT_NOW";
 
+// What is recorded of the shell, in a file of records that begin with one of two words.
+
+constexpr const char* SHELL_RECORD = "shell";
+/// Then: number, command line, script and rules file of the design tool, sizes of what was
+/// printed on standard output and error.
+constexpr const char* BEGUN = "begun";
+/// Then: number, status, the lab tool's log, sizes again.
+constexpr const char* ENDED = "ended";
+
 /// From now on, what this process asks of the library and of the shell is written down
 /// below `directory`.
 void beginRecording(const std::string& directory);

@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <atomic>
 #include <cstdio>
 #include <string>
 
@@ -23,48 +23,29 @@ std::string sizeOf(int descriptor) {
   return fstat(descriptor, &status) == 0 ? std::to_string(status.st_size) : "0";
 }
 
-void writePrintedSizes(const std::string& path) {
-  writeBytes(path, sizeOf(STDOUT_FILENO) + "\n" + sizeOf(STDERR_FILENO) + "\n");
+/// What tells the commands of one run apart: its processes may start several at a time.
+std::string nextNumber() {
+  static std::atomic<int> count{0};
+  return std::to_string(getpid()) + "-" + std::to_string(++count);
 }
 
-void copyIfThere(const std::string& from, const std::string& to) {
-  if (const auto bytes = bytesOf(from)) {
-    writeBytes(to, *bytes);
-  }
-}
+std::string bytesIfThere(const std::string& path) { return bytesOf(path).value_or(""); }
 
-// The processes of one run may start commands at the same time: the one that makes the
-// directory has the number.
-std::string makeDirectoryForCommand() {
-  for (int number = 1;; ++number) {
-    const std::string directory = recordDirectory() + "/shell-" + std::to_string(number);
-    if (mkdir(directory.c_str(), 0700) == 0) {
-      return directory;
-    }
-    if (errno != EEXIST) {
-      return {};
-    }
-  }
+std::string rulesFor(const ToolCommandLine& tool) {
+  return tool.script.empty() ? "" : bytesIfThere(rulesFileBeside(tool.script));
 }
 
 using System = int (*)(const char*);
 
 int runRecorded(const char* command, System run) {
-  const std::string directory = makeDirectoryForCommand();
-  const auto tool = toolCommandLine(command);
-  writeBytes(directory + "/command", command);
-  if (tool) {
-    copyIfThere(tool->script, directory + "/script");
-    copyIfThere(rulesFileBeside(tool->script), directory + "/rules");
-  }
+  const std::string number = nextNumber();
+  const ToolCommandLine tool = toolCommandLine(command).value_or(ToolCommandLine());
   std::fflush(nullptr);
-  writePrintedSizes(directory + "/printed-before");
+  note(SHELL_RECORD, {BEGUN, number, command, bytesIfThere(tool.script), rulesFor(tool),
+                      sizeOf(STDOUT_FILENO), sizeOf(STDERR_FILENO)});
   const int status = run(command);
-  writePrintedSizes(directory + "/printed-after");
-  if (tool) {
-    copyIfThere(tool->log, directory + "/log");
-  }
-  writeBytes(directory + "/status", std::to_string(status));
+  note(SHELL_RECORD, {ENDED, number, std::to_string(status), bytesIfThere(tool.log), sizeOf(STDOUT_FILENO),
+                      sizeOf(STDERR_FILENO)});
   return status;
 }
 

@@ -8,10 +8,7 @@
 
 #include <boost/filesystem.hpp>
 
-#include <vestra/vestra.h>
-
 #include "recorder/recording.h"
-#include "sandbox/locations.h"
 
 namespace vestra::testkit {
 namespace {
@@ -27,6 +24,13 @@ constexpr bool HAS_SANITIZERS_THREAD = true;
 constexpr bool HAS_SANITIZERS_THREAD = false;
 #endif
 
+/// Where the library that holds an address begins.
+const void* libraryOf(const void* address) {
+  Dl_info info{};
+  dladdr(address, &info);
+  return info.dli_fbase;
+}
+
 long threads() {
   const fs::directory_iterator tasks("/proc/self/task");
   return std::distance(begin(tasks), end(tasks)) - (HAS_SANITIZERS_THREAD ? 1 : 0);
@@ -35,10 +39,8 @@ long threads() {
 }  // namespace
 
 void requireTestKitFirst() {
-  const void* first = dlsym(RTLD_DEFAULT, "_ZN3Oza6Vestra3addEPKcS2_NS0_11SectionTypeE");
-  Dl_info info{};
-  if (dladdr(first, &info) == 0 || fs::canonical(info.dli_fname).parent_path() != directoryOfThisLibrary() ||
-      fs::path(info.dli_fname).filename().string().rfind("libvestra_testkit.", 0) != 0) {
+  if (libraryOf(dlsym(RTLD_DEFAULT, "_ZN3Oza6Vestra3addEPKcS2_NS0_11SectionTypeE")) !=
+      libraryOf(reinterpret_cast<const void*>(&requireTestKitFirst))) {
     throw std::runtime_error(
         "this program finds Vestra before its test kit, which could not see what the host adds: link "
         "vestra::testkit before vestra::vestra, -lvestra_testkit before -lvestra");

@@ -1,34 +1,30 @@
 #include "sandbox/shell_record.h"
 
-#include <charconv>
+#include <algorithm>
+#include <utility>
 
 #include "recorder/bytes.h"
 #include "recorder/command_line.h"
+#include "recorder/fields.h"
+#include "recorder/recording.h"
 
 namespace vestra::testkit {
 namespace {
 
-/// The number on a line of a file, or another one where there is none.
-std::size_t numberIn(const std::string& path, std::size_t line, std::size_t otherwise) {
-  const auto lines = linesOf(bytesOf(path).value_or(""));
-  std::size_t number = otherwise;
-  if (line < lines.size()) {
-    std::from_chars(lines[line].data(), lines[line].data() + lines[line].size(), number);
-  }
-  return number;
-}
+using Fields = std::vector<std::string>;
 
 /// One stream, divided into what the host and what its design tools have printed.
 class Printed {
  public:
-  /// @param theText     all that was printed
-  /// @param lineInSize  where the files with sizes hold this stream's
-  Printed(const std::string& theText, std::size_t lineInSize) : text(theText), line(lineInSize) {}
+  explicit Printed(const std::string& theText) : text(theText) {}
 
-  /// What was printed while one command ran.
-  std::string takeToolsPart(const std::string& directory) {
-    const std::size_t begin = numberIn(directory + "/printed-before", line, text.size());
-    const std::size_t end = numberIn(directory + "/printed-after", line, text.size());
+  /// What was printed while one command ran, but for what another has taken.
+  ///
+  /// @param begin  how much had been printed before
+  /// @param end    and how much at its end
+  std::string takeToolsPart(std::size_t begin, std::size_t end) {
+    begin = std::max(begin, position);
+    end = std::max(begin, end);
     own += text.substr(position, begin - position);
     position = end;
     return text.substr(begin, end - begin);
@@ -38,25 +34,62 @@ class Printed {
 
  private:
   const std::string& text;
-  std::size_t line;
   std::size_t position = 0;
   std::string own;
 };
 
-std::optional<int> statusIn(const std::string& directory) {
-  const auto status = bytesOf(directory + "/status");
-  return status ? std::optional(std::stoi(*status)) : std::nullopt;
+/// One command that the shell was given.
+struct ShellCommand {
+  std::string number;
+  std::string commandLine;
+  std::string script;
+  std::string rulesFile;
+  std::size_t outBegin = 0;
+  std::size_t errBegin = 0;
+  // Of one that had no end: what was printed until the host's.
+  std::optional<int> status = std::nullopt;
+  std::string log = {};
+  std::size_t outEnd = std::string::npos;
+  std::size_t errEnd = std::string::npos;
+};
+
+ShellCommand begunCommand(Fields::iterator field) {
+  return {field[1], field[2], field[3], field[4], std::stoul(field[5]), std::stoul(field[6])};
 }
 
-ToolRun toolRunIn(const std::string& directory, const std::string& commandLine, Printed& out, Printed& err) {
-  ToolRun run;
-  run.commandLine = commandLine;
-  run.status = statusIn(directory);
-  run.output = out.takeToolsPart(directory) + err.takeToolsPart(directory);
-  run.output += bytesOf(directory + "/log").value_or("");
-  run.script = bytesOf(directory + "/script").value_or("");
-  run.rulesFile = bytesOf(directory + "/rules").value_or("");
-  return run;
+void endCommand(std::vector<ShellCommand>& commands, Fields::iterator field) {
+  const auto command = std::find_if(commands.begin(), commands.end(),
+                                    [&](const ShellCommand& each) { return each.number == field[1]; });
+  if (command != commands.end()) {
+    command->status = std::stoi(field[2]);
+    command->log = field[3];
+    command->outEnd = std::stoul(field[4]);
+    command->errEnd = std::stoul(field[5]);
+  }
+}
+
+std::vector<ShellCommand> commandsIn(const std::string& directory) {
+  constexpr std::ptrdiff_t BEGUN_FIELDS = 7;
+  constexpr std::ptrdiff_t ENDED_FIELDS = 6;
+  Fields fields = fieldsIn(bytesOf(directory + "/" + SHELL_RECORD).value_or(""));
+  std::vector<ShellCommand> commands;
+  for (auto field = fields.begin(); fields.end() - field >= ENDED_FIELDS;) {
+    const bool isBegun = *field == BEGUN;
+    if (!isBegun) {
+      endCommand(commands, field);
+    } else if (fields.end() - field >= BEGUN_FIELDS) {
+      commands.push_back(begunCommand(field));
+    }
+    field += std::min(isBegun ? BEGUN_FIELDS : ENDED_FIELDS, fields.end() - field);
+  }
+  return commands;
+}
+
+ToolRun toolRunFrom(const ShellCommand& command, Printed& out, Printed& err) {
+  return {command.commandLine, command.status,
+          out.takeToolsPart(command.outBegin, command.outEnd) +
+              err.takeToolsPart(command.errBegin, command.errEnd) + command.log,
+          command.script, command.rulesFile};
 }
 
 }  // namespace
@@ -64,18 +97,15 @@ ToolRun toolRunIn(const std::string& directory, const std::string& commandLine, 
 ShellRecord shellRecordIn(const std::string& directory, const std::string& output,
                           const std::string& errorOutput) {
   ShellRecord record;
-  Printed out(output, 0);
-  Printed err(errorOutput, 1);
-  for (int number = 1;; ++number) {
-    const std::string shell = directory + "/shell-" + std::to_string(number);
-    const auto command = bytesOf(shell + "/command");
-    if (!command) {
-      break;
-    }
-    if (toolCommandLine(*command)) {
-      record.toolRuns.push_back(toolRunIn(shell, *command, out, err));
+  Printed out(output);
+  Printed err(errorOutput);
+  for (ShellCommand& command : commandsIn(directory)) {
+    if (toolCommandLine(command.commandLine)) {
+      command.outEnd = std::min(command.outEnd, output.size());
+      command.errEnd = std::min(command.errEnd, errorOutput.size());
+      record.toolRuns.push_back(toolRunFrom(command, out, err));
     } else {
-      record.hostCommands.push_back({*command, statusIn(shell)});
+      record.hostCommands.push_back({command.commandLine, command.status});
     }
   }
   record.output = out.hostsPart();

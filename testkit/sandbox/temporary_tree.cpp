@@ -86,6 +86,14 @@ void removeStaleTreesIn(const fs::path& parent) {
   }
 }
 
+void removeStaleTreesOnceIn(const fs::path& parent) {
+  static pid_t sweeper = 0;
+  if (sweeper != getpid()) {
+    sweeper = getpid();
+    removeStaleTreesIn(parent);
+  }
+}
+
 std::string makeDirectoryIn(const fs::path& parent) {
   std::string path = (parent / (std::string(BEGINNING) + "XXXXXX")).string();
   if (mkdtemp(path.data()) == nullptr) {
@@ -99,9 +107,9 @@ std::string makeDirectoryIn(const fs::path& parent) {
 
 TemporaryTree::TemporaryTree() {
   const fs::path parent = fs::canonical(fs::temp_directory_path());
-  static const bool isSwept = (removeStaleTreesIn(parent), true);
+  removeStaleTreesOnceIn(parent);
   // Until it is locked, another owner may take it for stale.
-  while (isSwept && lock < 0) {
+  while (lock < 0) {
     directory = makeDirectoryIn(parent);
     lock = lockOf(directory);
     if (lock >= 0 && !isUsers(directory)) {

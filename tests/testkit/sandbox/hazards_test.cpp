@@ -79,6 +79,34 @@ TEST(Hazards, StandBehindOneAnother) {
   EXPECT_THAT(run.reports, IsEmpty());
 }
 
+// A value that closes its quote and adds an item of its own.
+const std::string INJECTED_LINE =
+    "1\" -context \"kelvo\\\\usage\"\nvestra_add_data -client kelvo -key stolen -value \"2";
+const std::string INJECTED_COMMAND =
+    "1\" -context \"kelvo\\\\usage\"; vestra_add_data -client kelvo -key stolen -value \"2";
+
+TEST(Hazards, IncludeAValueThatAddsAnItemOfItsOwn) {
+  for (const std::string& value : {INJECTED_LINE, INJECTED_COMMAND}) {
+    const HostRun run = runWith({{"runs", value}, {"good", "1"}});
+    ASSERT_THAT(run.reports, SizeIs(1)) << run;
+    EXPECT_THAT(run.values(Vestra::KELVO_USAGE, "stolen"), ElementsAre("2"));
+    const auto hazards = run.hazards();
+    ASSERT_THAT(hazards, SizeIs(1)) << run;
+    EXPECT_EQ(hazards[0].item.key, "runs");
+    EXPECT_EQ(hazards[0].item.value, value);
+    EXPECT_THAT(hazards[0].reason, testing::StartsWith("the value holds a double quote, which ends it"));
+  }
+}
+
+TEST(Hazards, IncludeAKeyThatAddsAnItemOfItsOwn) {
+  const std::string key =
+      "k -value \"1\" -context \"kelvo\\\\usage\"\nvestra_add_data -client kelvo -key stolen";
+  const HostRun run = runWith({{key, "2"}});
+  const auto hazards = run.hazards();
+  ASSERT_THAT(hazards, SizeIs(1)) << run;
+  EXPECT_EQ(hazards[0].item.key, key);
+}
+
 std::string bytesFrom(const std::string& wanted, const std::string& unwanted) {
   const auto bytes = *rc::gen::container<std::vector<char>>(
       rc::gen::suchThat(rc::gen::oneOf(rc::gen::arbitrary<char>(), rc::gen::elementOf(wanted)),

@@ -1,0 +1,139 @@
+// Programs that a sandbox executes: the host as it is shipped.
+
+#include <fstream>
+#include <stdexcept>
+
+#include <gmock/gmock.h>
+#include <vestra/testkit/matchers.h>
+#include <vestra/testkit/sandbox.h>
+
+#include "support/error_of.h"
+#include "support/scoped_current_directory.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+using Oza::Vestra;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using vestra::testkit::EndedQuietly;
+using vestra::testkit::HasItem;
+using vestra::testkit::HasNoHazards;
+using vestra::testkit::HostRun;
+using vestra::testkit::Sandbox;
+using vestra::testkit::SupportAnswers;
+using vestra::testkit::WasSent;
+
+class Program : public testing::Test {
+ protected:
+  /// What `program_host` does: see there.
+  HostRun runHost(const std::string& what = "report") {
+    return sandbox.runProgram({PROGRAM_HOST, what, sandbox.project()});
+  }
+
+  Sandbox sandbox;
+};
+
+TEST_F(Program, ReportLeavesTheSameRecordAsARun) {
+  const HostRun run = runHost();
+  EXPECT_THAT(run, WasSent());
+  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", 2));
+  EXPECT_THAT(run, HasNoHazards());
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.output, "the host is done\n");
+  ASSERT_THAT(run.toolRuns, SizeIs(1));
+  EXPECT_THAT(run.toolRuns[0].output, HasSubstr("nothing was transmitted"));
+  EXPECT_EQ(run.toolRuns[0].script, run.script);
+  EXPECT_THAT(run.script, HasSubstr("vestra_terminate\n"));
+  EXPECT_THAT(run.supportCalls, SizeIs(3));
+  ASSERT_THAT(run.added, SizeIs(1));
+  EXPECT_EQ(run.added[0].key, "runs");
+  ASSERT_THAT(run.sends, SizeIs(1));
+  EXPECT_EQ(run.sends[0].projectDirectory, sandbox.project());
+  EXPECT_EQ(run.sends[0].answer, true);
+  EXPECT_EQ(run.identity->iteration, 2U);
+  EXPECT_EQ(run.settings->randomId.size(), 36U);
+}
+
+TEST_F(Program, AnswerIsThatOfItsLastSend) {
+  EXPECT_EQ(runHost().answer, true);
+  const HostRun second = runHost();
+  EXPECT_EQ(second.answer, false);
+  EXPECT_THAT(second, Not(WasSent()));
+}
+
+TEST_F(Program, WithoutASendHasNoAnswer) {
+  const HostRun run = sandbox.runProgram({"true"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_FALSE(run.answer);
+  EXPECT_THAT(run, Not(WasSent()));
+  EXPECT_FALSE(testing::Value(run, HasNoHazards()));
+  EXPECT_FALSE(testing::Value(run, Not(HasItem(Vestra::KELVO_USAGE, "runs", 2))));
+}
+
+TEST_F(Program, NameIsLookedUpFromTheCallersDirectory) {
+  const std::string host = PROGRAM_HOST;
+  const vestra_test::ScopedCurrentDirectory directory(host.substr(0, host.rfind('/')));
+  const HostRun run = sandbox.runProgram({"." + host.substr(host.rfind('/')), "report", sandbox.project()});
+  EXPECT_THAT(run, WasSent());
+}
+
+TEST_F(Program, MayBeStartedByAScript) {
+  const HostRun run = sandbox.runProgram({"sh", "-c", "exec \"$0\" report project", PROGRAM_HOST});
+  EXPECT_THAT(run, WasSent());
+  EXPECT_EQ(run.sends.at(0).projectDirectory, sandbox.project());
+}
+
+TEST_F(Program, ThatCannotBeStartedIsNamed) {
+  try {
+    sandbox.runProgram({"/nowhere/host"});
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "the sandbox cannot run the host: /nowhere/host: No such file or directory");
+  }
+  EXPECT_THROW(sandbox.runProgram({}), std::runtime_error);
+}
+
+TEST_F(Program, CrashIsTold) {
+  const HostRun run = runHost("crash");
+  EXPECT_TRUE(run.signal);
+  EXPECT_FALSE(run.answer);
+  EXPECT_FALSE(testing::Value(run, Not(WasSent())));
+}
+
+TEST_F(Program, IsEndedWhenItsTimeIsUp) {
+  sandbox.setTimeLimit(200ms);
+  const HostRun run = sandbox.runProgram({"sleep", "600"});
+  EXPECT_TRUE(run.timedOut);
+}
+
+TEST_F(Program, OwnCommandsAreListedApart) {
+  const HostRun run = runHost("command");
+  EXPECT_THAT(run, WasSent());
+  EXPECT_THAT(run.toolRuns, SizeIs(1));
+  ASSERT_THAT(run.hostCommands, SizeIs(1));
+  EXPECT_EQ(run.hostCommands[0].commandLine, "true");
+  EXPECT_THAT(run.script, HasSubstr("vestra_terminate\n"));
+}
+
+TEST_F(Program, MissesTheSupportLibrary) {
+  SupportAnswers answers;
+  answers.missing = {"library"};
+  sandbox.setSupportAnswers(answers);
+  const HostRun run = runHost();
+  EXPECT_EQ(run.answer, false);
+  EXPECT_THAT(run.supportCalls, IsEmpty());
+  EXPECT_EQ(whyNotSent(run), "which found no support library, libqvzcommonvestrasupport.so");
+}
+
+TEST_F(Program, SeesTheClockThatIsHeld) {
+  sandbox.setNow(1600000000);
+  const HostRun run = runHost("time");
+  EXPECT_EQ(run.output, "1600000000 1600000000 1600000000\n");
+}
+
+}  // namespace

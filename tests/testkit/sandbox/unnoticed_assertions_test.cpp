@@ -1,0 +1,26 @@
+// A program that does not bring assertions out of the host's process, as it includes no
+// more of the test kit than the sandbox.
+
+#include <stdexcept>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <vestra/testkit/sandbox.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+TEST(AnAssertionThatCannotReachTheTest, MakesTheRunThrow) {
+  vestra::testkit::Sandbox sandbox;
+  try {
+    sandbox.run(Oza::Vestra::KELVO, [] { EXPECT_EQ(1 + 1, 3); });
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const std::runtime_error& error) {
+    EXPECT_THAT(error.what(), HasSubstr(std::string(__FILE__) + ":" + std::to_string(__LINE__ - 3)));
+    EXPECT_THAT(error.what(), HasSubstr("1 + 1"));
+    EXPECT_THAT(error.what(), HasSubstr("include <vestra/testkit/matchers.h>"));
+  }
+}
+
+}  // namespace
