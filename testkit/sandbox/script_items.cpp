@@ -56,6 +56,24 @@ std::vector<Hazard> itemReportedOtherwise(const HostRun& run) {
                                               : "the design tool reports something else in its place"}};
 }
 
+// The library brings these keys to lower case with the host's locale. A Turkish or Azeri
+// one does not make a capital I an i, and then the report leaves the item out.
+bool isLostInSomeLocales(const AddedItem& item) {
+  return item.section == Oza::Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE &&
+         item.key.find('I') != std::string::npos;
+}
+
+std::vector<Hazard> itemsLostInSomeLocales(const HostRun& run) {
+  std::vector<Hazard> found;
+  for (const AddedItem& item : run.added) {
+    if (isLostInSomeLocales(item)) {
+      found.push_back({{CLIENTS.at(item.section), CONTEXTS.at(item.section), item.key, item.value},
+                       "the key holds a capital I, which Turkish and Azeri locales do not make an i"});
+    }
+  }
+  return found;
+}
+
 }  // namespace
 
 std::optional<std::vector<Item>> itemsWrittenIn(const std::string& script,
@@ -77,8 +95,13 @@ std::optional<std::vector<Item>> itemsWrittenIn(const std::string& script,
 std::string contextOf(Oza::Vestra::SectionType section) { return CONTEXTS.at(section); }
 
 std::vector<Hazard> HostRun::hazards() const {
-  const std::vector<Hazard> found = itemsReadOtherwise(*this);
-  return found.empty() ? itemReportedOtherwise(*this) : found;
+  std::vector<Hazard> found = itemsReadOtherwise(*this);
+  if (found.empty()) {
+    found = itemReportedOtherwise(*this);
+  }
+  const std::vector<Hazard> lost = itemsLostInSomeLocales(*this);
+  found.insert(found.end(), lost.begin(), lost.end());
+  return found;
 }
 
 }  // namespace vestra::testkit

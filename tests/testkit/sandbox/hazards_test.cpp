@@ -61,6 +61,19 @@ TEST(Hazards, HaveAReasonInWords) {
       "the key holds white space, which ends it, the value holds a dollar sign, which begins a variable");
 }
 
+TEST(Hazards, CapitalIInAFactsKeyIsLostInSomeLocales) {
+  Sandbox sandbox;
+  const HostRun run = sandbox.run(Vestra::KELVO, [] {
+    Vestra::add("BUILD_VERSION", "1", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    Vestra::add("Build_Version", "2", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    Vestra::add("ITEMS", "3", Vestra::KELVO_USAGE);
+  });
+  const std::vector<Hazard> hazards = run.hazards();
+  ASSERT_THAT(hazards, SizeIs(1)) << run;
+  EXPECT_EQ(hazards[0].item.key, "BUILD_VERSION");
+  EXPECT_EQ(hazards[0].reason, "the key holds a capital I, which Turkish and Azeri locales do not make an i");
+}
+
 TEST(Hazards, DoNotIncludeWhatTclReadsAsItStands) {
   const HostRun run = runWith(
       {{"k]", "]"}, {"a\"b", "{ }"}, {"#", "# ; { $ 1$"}, {"-value", "-key"}, {"line", "feed\nfeed"}});

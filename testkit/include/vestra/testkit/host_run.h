@@ -235,8 +235,8 @@ struct HostRun {
   VESTRA_TESTKIT_EXPORT std::vector<std::string> values(Oza::Vestra::SectionType section,
                                                         const std::string& key) const;
 
-  /// The items that the design tool does not read as the host handed them over, each
-  /// with the reason in words.
+  /// The items that the design tool does not read as the host handed them over, or that
+  /// some locales lose, each with the reason in words.
   VESTRA_TESTKIT_EXPORT std::vector<Hazard> hazards() const;
 
   /// Whether there is a script or a report to say something about.
