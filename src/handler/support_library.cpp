@@ -9,8 +9,6 @@
 namespace Oza::support_library {
 namespace {
 
-constexpr const char* LIBRARY = "libqvzcommonvestrasupport.so";
-
 /// One entry point: its symbol, and its address once the library is open.
 template <typename... Arguments>
 class EntryPoint {
@@ -23,7 +21,7 @@ class EntryPoint {
 
   std::string answer(Arguments... arguments) const {
     if (!isKnown()) {
-      throw std::logic_error(std::string(LIBRARY) + " lacks " + symbol);
+      throw std::logic_error(std::string(FILE_NAME) + " lacks " + symbol);
     }
     return byteString(function(arguments...));
   }
@@ -35,16 +33,16 @@ class EntryPoint {
   Function function = nullptr;
 };
 
-EntryPoint<> execPathEntry("oza_vestra_exec_path");
-EntryPoint<const char*> registrationEntry("oza_vestra_regid");
-EntryPoint<const char*> environmentEntry("oza_vestra_enviroment_data");
+EntryPoint<> execPathEntry(EXEC_PATH_ENTRY);
+EntryPoint<const char*> registrationEntry(REGISTRATION_ENTRY);
+EntryPoint<const char*> environmentEntry(ENVIRONMENT_ENTRY);
 
 }  // namespace
 
 bool isOpen() { return execPathEntry.isKnown(); }
 
 void* open() {
-  void* handle = dlopen(LIBRARY, RTLD_LAZY);
+  void* handle = dlopen(FILE_NAME, RTLD_LAZY);
   if (handle != nullptr) {
     execPathEntry.lookUp(handle);
     registrationEntry.lookUp(handle);

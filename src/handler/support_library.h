@@ -8,6 +8,13 @@
 /// handle belongs to the handler that opened it.
 namespace Oza::support_library {
 
+inline constexpr char FILE_NAME[] = "libqvzcommonvestrasupport.so";
+
+// Its entry points. The spelling of the last one is a part of the interface.
+inline constexpr char EXEC_PATH_ENTRY[] = "oza_vestra_exec_path";
+inline constexpr char REGISTRATION_ENTRY[] = "oza_vestra_regid";
+inline constexpr char ENVIRONMENT_ENTRY[] = "oza_vestra_enviroment_data";
+
 /// Whether the library has been opened and not been closed since.
 bool isOpen();
 

@@ -4,6 +4,7 @@
 #include "handler/environment_switch.h"
 #include "handler/site_detection.h"
 #include "handler/support_library.h"
+#include "handler/time_stamp.h"
 #include "handler/vestra_handler.h"
 
 namespace Oza {
@@ -27,17 +28,7 @@ bool VestraHandler::isInternal() {
   return site == Site::INTERNAL;
 }
 
-// The host may have threads and a time zone that it changes: its own localtime
-// buffer stays untouched, and the zone is read anew as localtime would.
-std::string VestraHandler::getTimeStampSeg() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  tzset();
-  localtime_r(&now, &local);
-  char text[16] = "";
-  std::strftime(text, sizeof text, "%j%Y%H", &local);
-  return text;
-}
+std::string VestraHandler::getTimeStampSeg() { return timeStamp(std::time(nullptr)); }
 
 std::string VestraHandler::getRegId() { return support_library::registrationId(); }
 

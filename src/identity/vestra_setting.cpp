@@ -20,6 +20,7 @@ namespace Oza {
 namespace {
 
 constexpr const char* RANDOM_ID = "RandomID";
+constexpr const char* CALVIX_VERSION = "2018.2";
 constexpr const char* FILE_NAME = "vestra";
 
 }  // namespace
@@ -36,23 +37,25 @@ void readSettings(std::istream& in, std::map<std::string, std::string>& properti
   }
 }
 
+std::string settingsPath(const char* home) {
+  std::string path = home != nullptr ? home : "";
+  if (path.empty()) {
+    path = "/tmp";
+  }
+  path += "/.Calvix/";
+  path += "Common/";
+  path += CALVIX_VERSION;
+  path += "/";
+  path += FILE_NAME;
+  return path;
+}
+
 VestraSetting::VestraSetting() {
   setOrbeloFile();
   readFile();
 }
 
-void VestraSetting::setOrbeloFile() {
-  const char* home = std::getenv("HOME");
-  settingsFile = home != nullptr ? home : "";
-  if (settingsFile.empty()) {
-    settingsFile = "/tmp";
-  }
-  settingsFile += "/.Calvix/";
-  settingsFile += "Common/";
-  settingsFile += getCalvixVersion();
-  settingsFile += "/";
-  settingsFile += FILE_NAME;
-}
+void VestraSetting::setOrbeloFile() { settingsFile = settingsPath(std::getenv("HOME")); }
 
 void VestraSetting::readFile() {
   std::ifstream in;
@@ -67,7 +70,7 @@ std::string VestraSetting::getPropertyValue(const std::string& key) const {
 
 bool VestraSetting::stringToBool(const std::string& text) { return text.rfind("true", 0) == 0; }
 
-std::string VestraSetting::getCalvixVersion() const { return "2018.2"; }
+std::string VestraSetting::getCalvixVersion() const { return CALVIX_VERSION; }
 
 std::string VestraSetting::getRandomId() {
   const std::string known = getPropertyValue(RANDOM_ID);

@@ -14,6 +14,11 @@ namespace Oza {
 /// a key wins, over later lines and not over what the table already holds.
 void readSettings(std::istream& in, std::map<std::string, std::string>& properties);
 
+/// Path of a user's settings file.
+///
+/// @param home  Null or empty for one without a home: "/tmp" takes its place.
+std::string settingsPath(const char* home);
+
 /// The per-user settings: the lines of `$HOME`/.Calvix/Common/2018.2/vestra as
 /// they stood when the object was made, and the random installation identifier
 /// that lives among them.

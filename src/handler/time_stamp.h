@@ -1,0 +1,15 @@
+#ifndef VESTRA_HANDLER_TIME_STAMP_H
+#define VESTRA_HANDLER_TIME_STAMP_H
+
+#include <ctime>
+#include <string>
+
+namespace Oza {
+
+/// What a report's checksum says of its time: day of the year, year and hour of the local
+/// time, nine digits.
+std::string timeStamp(std::time_t time);
+
+}  // namespace Oza
+
+#endif
