@@ -1,0 +1,129 @@
+#include "checks/finding.h"
+
+namespace vestra::inspect {
+
+const std::vector<Check>& allChecks() {
+  constexpr Level P = Level::problem;
+  constexpr Level W = Level::warning;
+  constexpr Level N = Level::note;
+  static const std::vector<Check> checks = {
+      {"project.missing", P, "A host would make the directory; more likely another one is meant."},
+      {"project.unwritable", P, "The vestra directory cannot be made: nothing is reported."},
+      {"project.vestra_is_file", P,
+       "Something stands where the vestra directory belongs: nothing is reported."},
+      {"project.readonly", P, "Projects on a read-only file system do not report."},
+      {"project.full", P, "The identity file will be cut or emptied by the next run."},
+      {"project.shell", P, "Nothing is quoted: the shell is given other words, and other files are written."},
+      {"project.script_locked", P,
+       "The old script and rules file cannot be replaced or removed: the tool would be "
+       "given an old report."},
+      {"project.shared_writable", W, "Others may exchange the script between writing and running."},
+      {"send.none", N, "No run asked for a report here: the host ended before, or named another directory."},
+
+      {"identity.missing", N, "A new project: the next report makes an identifier, and is due."},
+      {"identity.empty", P,
+       "Reports of this project carry an empty project_id for good. It was left by a run that did "
+       "not come to its end."},
+      {"identity.cut", P,
+       "The fields that are missing are lost; without line 5, project_id is empty for good."},
+      {"identity.id_empty", P, "Reports of this project carry an empty project_id for good."},
+      {"identity.number", P,
+       "The next run deletes the file and reports nothing. The one after it makes a new "
+       "identifier, counts from 1, and is due."},
+      {"identity.range", P,
+       "The next run deletes the file and reports nothing. The one after it makes a new "
+       "identifier, counts from 1, and is due."},
+      {"identity.overflow", P,
+       "The next run writes a number that is too large; the one after it deletes the file and "
+       "reports nothing."},
+      {"identity.negative", W, "The report says a huge project_iteration."},
+      {"identity.blank_line", N, "The line counts as in a new project."},
+      {"identity.trailing", N, "What stands behind the digits is ignored, and gone after the next run."},
+      {"identity.more_lines", N, "What follows line 5 is ignored, and gone after the next run."},
+      {"identity.no_line_end", N, "Read as if the line end were there."},
+      {"identity.flow", N, "Any number but 0 counts as 1: the report says tool_flow kelvo_orbelo."},
+      {"identity.id_cr", W, "The carriage return is a part of the identifier."},
+      {"identity.id_nul", W, "The identifier is reported up to the NUL."},
+      {"identity.id_script", P, "The main design tool runs these characters as script."},
+      {"identity.merged", W, "Two runs wrote the file at once, and its lines ran together."},
+      {"identity.unreadable", P, "Each run empties the file, reports an empty project_id, and is due."},
+      {"identity.unwritable", P, "Nothing is reported."},
+      {"identity.special", P, "Nothing is reported."},
+      {"identity.read_error", P, "Nothing is reported until the file can be read."},
+      {"identity.link", N, "The link is followed and kept."},
+      {"identity.loop", P, "Nothing is reported."},
+
+      {"due.later", N, "Runs until then are counted and write their report, which is not handed over."},
+      {"due.future", P, "A clock was ahead when that report went. Nothing goes until a day after that time."},
+      {"due.negative", N, "Counts as long ago: the next report is due."},
+      {"due.shared", N, "KELVO and TAVLO share one day: each reports only when the other did not."},
+      {"clock.behind", W, "This machine's clock, or the file server's, was set back."},
+
+      {"home.unset", W, "The settings lie below /tmp, and all users of the machine share them."},
+      {"home.relative", W, "Each directory that a host starts in has an identifier of its own."},
+      {"home.volatile", N,
+       "The home does not last: a new user after each start of the machine or container."},
+      {"settings.missing", N, "The next report makes an identifier and keeps it there."},
+      {"settings.none", N, "The next report makes an identifier and adds a line."},
+      {"settings.unwritable", P, "Reports carry an empty random_id."},
+      {"settings.readonly", N, "The identifier is used; nothing needs to be written."},
+      {"settings.unreadable", P, "Each report carries a new random_id, and the file grows by a line."},
+      {"settings.special", P, "Reports carry an empty random_id."},
+      {"settings.empty_first", P, "Each report carries a new random_id, and the file grows by a line."},
+      {"settings.no_newline", W, "The next identifier is appended to that line and damaged by it."},
+      {"settings.near_miss", N, "The line is not taken for the identifier."},
+      {"settings.several", N, "The first one counts."},
+      {"settings.carriage_return", N, "Read as if they were not there."},
+      {"settings.id_form", N, "Reported as it stands; it may have been cut."},
+      {"settings.id_nul", W, "The identifier is reported up to the NUL."},
+      {"settings.id_script", P, "The main design tool runs these characters as script."},
+      {"settings.full", W, "The identifier cannot be kept: the next run makes another."},
+
+      {"support.absent", P, "Nothing is reported, and the identity file of a new project stays empty."},
+      {"support.hidden", P,
+       "The loader stops at the first file of that name that is no library: nothing is reported."},
+      {"support.needs", P, "The library cannot be loaded: nothing is reported."},
+      {"support.noexec", P, "The library cannot be loaded: nothing is reported."},
+      {"support.entry", P, "The host gets an exception, and nothing is reported."},
+      {"support.secure", P, "The loader ignores LD_LIBRARY_PATH for such a program."},
+      {"support.runpath", N, "A RUNPATH does not count here, since Vestra asks and not the program."},
+      {"support.writable", W, "Others can have their own code run in the host."},
+      {"support.standin", W,
+       "This is the test kit's stand-in: reports are written, and nothing is transmitted."},
+
+      {"tool.shell", P, "The main design tool cannot be started; send answers true all the same."},
+      {"tool.log", P,
+       "The old log cannot be removed: TAVLO's host gets an exception, the attempt is counted."},
+      {"tool.log_missing", N, "There is none before TAVLO's first report has gone."},
+      {"tool.script_place", P,
+       "The tool is started on a script that is not there, or the host gets an exception after "
+       "it."},
+      {"tool.failed", W, "The tool was started and failed, or writes its reports elsewhere."},
+
+      {"report.cut", P,
+       "The support library gave no registration, the host was killed, or the disk was full."},
+      {"report.lost_client", P, "The tool is given items of a client that was never registered."},
+      {"report.hazard", P,
+       "The tool reads it otherwise, or refuses the script; the host's author must mend that."},
+      {"report.line_feed", N, "The command stands on several lines, which the tool accepts."},
+      {"report.checksum", W, "The script was altered after it was written, or its time was."},
+      {"report.rules", W, "These are not the rules that this library writes."},
+      {"report.personal", W, "The host reports it; whether it may is a question for its author."},
+      {"report.empty_ids", P, "The report cannot be told from others without an identifier."},
+      {"report.marked", N, "The report was written as that of a machine of the maker's own."},
+      {"report.kept", N,
+       "The files are kept by the switch, or the host ended during the run: whether the report went "
+       "cannot be told."},
+      {"report.went", N,
+       "The tool came as far as writing its own copies; transmission is known to it alone."},
+
+      {"site.internal", N, "Reports are marked as tests."},
+      {"site.override", N, "The machine reports like any other."},
+      {"env.debug", N, "Script and rules file stay after a report."},
+      {"env.testkit", W, "The stand-ins of the test kit answer as these variables say."},
+      {"host.running", N, "Do not edit the files now."},
+  };
+  return checks;
+}
+
+}  // namespace vestra::inspect

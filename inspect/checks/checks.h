@@ -1,0 +1,39 @@
+#ifndef VESTRA_INSPECT_CHECKS_CHECKS_H
+#define VESTRA_INSPECT_CHECKS_CHECKS_H
+
+#include <cstdint>
+#include <string>
+
+#include "checks/finding.h"
+#include "facts/facts.h"
+
+namespace vestra::inspect {
+
+// Each looks at the facts of one subject and adds what it finds.
+
+void checkProject(const Facts& facts, Findings& findings);
+void checkIdentity(const Facts& facts, Findings& findings);
+void checkDue(const Facts& facts, Findings& findings);
+void checkUser(const Facts& facts, Findings& findings);
+void checkSupport(const Facts& facts, Findings& findings);
+void checkTool(const Facts& facts, Findings& findings);
+void checkReports(const Facts& facts, Findings& findings);
+void checkSurroundings(const Facts& facts, Findings& findings);
+
+/// Looks for hosts of the user that run: reads /proc, so only the doctor does it.
+void checkRunningHosts(Findings& findings);
+
+/// All of them, but for the running hosts.
+Findings findingsIn(const Facts& facts);
+
+/// Characters that the interpreter of the main design tool does not read as themselves.
+bool holdsScript(const std::string& identifier);
+
+/// A time as people write it, in the local zone.
+std::string timeText(std::int64_t seconds);
+/// "21 h 4 min", "365 days"
+std::string durationText(std::int64_t seconds);
+
+}  // namespace vestra::inspect
+
+#endif

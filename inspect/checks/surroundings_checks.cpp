@@ -1,0 +1,81 @@
+#include <unistd.h>
+
+#include <cctype>
+#include <iterator>
+
+#include <fmt/format.h>
+#include <boost/filesystem/operations.hpp>
+
+#include "checks/checks.h"
+#include "reading/visible_text.h"
+
+namespace vestra::inspect {
+namespace {
+
+constexpr const char* INTERNAL = "CALVIX_VESTRA_INTERNAL_TRANSMIT";
+constexpr const char* KEEP = "CALVIX_VESTRA_DEBUG_EXT";
+
+void checkSite(const SiteFacts& site, Findings& findings) {
+  if (site.internalWithoutOverride) {
+    const std::string evidence = site.usesResolverFile
+                                     ? fmt::format("/etc/resolv.conf:{}:{}: {}", site.line, site.column,
+                                                   reading::inQuotes(site.lineText))
+                                     : "the domain name is " + reading::inQuotes(site.domainName);
+    findings.add("site.internal", evidence);
+  }
+  if (site.overrideIsOn) {
+    findings.add(
+        "site.override",
+        fmt::format("{} is set{}", INTERNAL, site.internalWithoutOverride ? "" : ", and has no effect here"),
+        {fmt::format("unset {}", INTERNAL)});
+  }
+}
+
+void checkEnvironment(const View& view, Findings& findings) {
+  if (view.isSwitchedOn(KEEP)) {
+    findings.add("env.debug", fmt::format("{} is {}", KEEP, reading::inQuotes(view.variable(KEEP))),
+                 {fmt::format("unset {}", KEEP)});
+  }
+  for (const auto& [name, value] : view.environment) {
+    if (name.rfind("VESTRA_TESTKIT_", 0) == 0 || name == "VESTRA_OUTBOX") {
+      findings.add("env.testkit", fmt::format("{} is {}", name, reading::inQuotes(value)),
+                   {"unset " + shellWord(name)});
+    }
+  }
+}
+
+bool hasLibrary(const std::string& process) {
+  const auto maps = readFileAt(process + "/maps").text;
+  return maps && maps->find("/libvestra.so") != std::string::npos;
+}
+
+}  // namespace
+
+void checkSurroundings(const Facts& facts, Findings& findings) {
+  checkSite(facts.site, findings);
+  checkEnvironment(facts.view, findings);
+}
+
+void checkRunningHosts(Findings& findings) {
+  boost::system::error_code error;
+  boost::filesystem::directory_iterator processes("/proc", error);
+  for (; !error && processes != boost::filesystem::directory_iterator(); processes.increment(error)) {
+    const std::string path = processes->path().string();
+    const std::string id = processes->path().filename().string();
+    if (std::isdigit(static_cast<unsigned char>(id.front())) != 0 && lookAt(path).owner == geteuid() &&
+        hasLibrary(path)) {
+      findings.add("host.running", fmt::format("process {} has loaded Vestra", id));
+    }
+  }
+}
+
+Findings findingsIn(const Facts& facts) {
+  Findings findings;
+  for (const auto check : {checkProject, checkIdentity, checkDue, checkUser, checkSupport, checkTool,
+                           checkReports, checkSurroundings}) {
+    check(facts, findings);
+  }
+  return findings;
+}
+
+}  // namespace vestra::inspect

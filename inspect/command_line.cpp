@@ -1,0 +1,106 @@
+#include "command_line.h"
+
+#include <cstring>
+#include <map>
+
+#include <CLI/CLI.hpp>
+
+namespace vestra::inspect {
+namespace {
+
+constexpr const char* DESCRIPTION =
+    "Shows what Vestra keeps about you and a project, when the next report goes\n"
+    "and what it says, and what stands in its way. Without a command: status.";
+
+constexpr const char* FOOTER =
+    "Only rehearse starts anything; nothing else changes anything.\n"
+    "Exit status: 0 answered, 1 doctor has findings, 2 wrong command line,\n"
+    "3 something could not be looked at. rehearse: the program's own; 124 it\n"
+    "leaked, 125 it cannot be held back, 126 and 127 as env(1).";
+
+const std::map<std::string, Product> PRODUCTS = {
+    {"KELVO", Oza::Vestra::KELVO}, {"KELVO_ALT", Oza::Vestra::KELVO_ALT}, {"TAVLO", Oza::Vestra::TAVLO}};
+
+void addOptions(CLI::App& app, Request& request) {
+  app.add_option("--product", request.products, "KELVO, KELVO_ALT or TAVLO; those that left traces otherwise")
+      ->transform(CLI::Transformer(PRODUCTS))
+      ->expected(1)
+      ->type_name("P");
+  app.add_option("--home", request.home, "look with another home")->type_name("DIR");
+  app.add_option("--env", request.environmentFile, "look with the environment in a file")->type_name("FILE");
+  app.add_option("--host", request.host, "look as this program would")->type_name("FILE");
+  app.add_option("--now", request.now, "take this for the present, in seconds")->type_name("SECONDS");
+  app.add_flag("--json", request.asJson, "one document of schema vestra-inspect/1");
+  app.add_flag("--redact", request.isRedacted, "marks for identifiers and names, for tickets");
+  app.add_option("--fail-on", request.failOn, "doctor: the least level for status 1")
+      ->check(CLI::IsMember({"problem", "warning", "note", "never"}))
+      ->type_name("LEVEL");
+  app.add_option("--color", request.colour, "auto, always or never")
+      ->check(CLI::IsMember({"auto", "always", "never"}))
+      ->type_name("WHEN");
+}
+
+void addCommand(CLI::App& app, const char* name, const char* description, Request& request) {
+  CLI::App* command = app.add_subcommand(name, description);
+  command->fallthrough();
+  command->add_option("SUBJECT", request.subject,
+                      name == std::string("report") ? "a project or a script" : "a project");
+  command->callback([&request, name] { request.command = name; });
+}
+
+void addRehearsal(CLI::App& app, Request& request) {
+  CLI::App* command =
+      app.add_subcommand("rehearse", "run a program and keep its report back: rehearse -- HOST ARG...");
+  command->fallthrough();
+  command->callback([&request] {
+    request.command = "rehearse";
+    if (request.program.empty()) {
+      throw CLI::RequiredError("HOST");
+    }
+  });
+}
+
+/// The program of a rehearsal, and its words, are nobody else's business: they stand behind
+/// "--", or behind "rehearse" itself. @return How many words are before them.
+int takeProgram(int count, const char* const* words, Request& request) {
+  for (int i = 1; i + 1 < count; ++i) {
+    const bool isRehearsal = std::strcmp(words[i], "rehearse") == 0;
+    for (int end = i + 1; isRehearsal && end < count; ++end) {
+      const bool isSeparator = std::strcmp(words[end], "--") == 0;
+      if (isSeparator || (end == i + 1 && *words[end] != '-')) {
+        request.program.assign(words + end + (isSeparator ? 1 : 0), words + count);
+        return end;
+      }
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+CommandLine readCommandLine(int count, const char* const* words) {
+  CommandLine line;
+  CLI::App app(DESCRIPTION, "vestra-inspect");
+  app.footer(FOOTER);
+  app.set_version_flag("--version", "vestra-inspect " VESTRA_VERSION);
+  app.require_subcommand(0, 1);
+  addOptions(app, line.request);
+  addCommand(app, "status", "what is kept, what goes next, when and why", line.request);
+  addCommand(app, "report", "the report on the disk, item by item", line.request);
+  addCommand(app, "doctor", "what is wrong and how to mend it", line.request);
+  addRehearsal(app, line.request);
+  app.add_option("PROJECT", line.request.subject, "for status");
+  try {
+    app.parse(takeProgram(count, words, line.request), words);
+  } catch (const CLI::Success&) {
+    line.exitStatus = 0;
+    line.output =
+        count > 1 && std::string(words[count - 1]) == "--version" ? app.version() + "\n" : app.help();
+  } catch (const CLI::ParseError& error) {
+    line.exitStatus = app.got_subcommand("rehearse") ? 125 : 2;
+    line.complaint = "vestra-inspect: " + std::string(error.what()) + "\nTry --help.\n";
+  }
+  return line;
+}
+
+}  // namespace vestra::inspect

@@ -1,0 +1,164 @@
+#include "facts/looked_file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+
+#include <fmt/format.h>
+
+namespace vestra::inspect {
+namespace {
+
+FileKind kindOf(mode_t mode) {
+  switch (mode & S_IFMT) {
+    case S_IFREG:
+      return FileKind::regular;
+    case S_IFDIR:
+      return FileKind::directory;
+    case S_IFIFO:
+      return FileKind::pipe;
+    case S_IFSOCK:
+      return FileKind::socket;
+    default:
+      return FileKind::device;
+  }
+}
+
+bool may(const std::string& path, int access) {
+  return faccessat(AT_FDCWD, path.c_str(), access, AT_EACCESS) == 0;
+}
+
+std::optional<std::string> linkAt(const std::string& path) {
+  std::array<char, 4096> target{};
+  const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+  return length < 0 ? std::nullopt
+                    : std::optional(std::string(target.data(), static_cast<std::size_t>(length)));
+}
+
+void note(const struct stat& status, LookedFile& file) {
+  file.kind = kindOf(status.st_mode);
+  file.mode = status.st_mode & 07777;
+  file.owner = status.st_uid;
+  file.size = status.st_size;
+  file.modified = status.st_mtim.tv_sec;
+  file.modifiedNanoseconds = status.st_mtim.tv_nsec;
+  file.readable = may(file.path, R_OK);
+  file.writable = may(file.path, W_OK);
+}
+
+std::optional<std::string> allOf(int descriptor) {
+  std::string text;
+  std::array<char, 65536> piece{};
+  ssize_t length = 0;
+  while ((length = read(descriptor, piece.data(), piece.size())) > 0) {
+    text.append(piece.data(), static_cast<std::size_t>(length));
+  }
+  return length < 0 ? std::nullopt : std::optional(std::move(text));
+}
+
+std::string parentOf(const std::string& path) {
+  const std::size_t end = path.find_last_not_of('/');
+  const std::size_t slash = path.find_last_of('/', end);
+  if (slash == std::string::npos) {
+    return ".";
+  }
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+bool isEmptyDirectory(const std::string& path) {
+  DIR* directory = opendir(path.c_str());
+  int entries = 0;
+  while (directory != nullptr && entries < 3 && readdir(directory) != nullptr) {
+    ++entries;
+  }
+  if (directory != nullptr) {
+    closedir(directory);
+  }
+  return entries == 2;
+}
+
+/// In a sticky directory, only owners take away.
+bool stickinessForbids(const std::string& path, const struct stat& file) {
+  struct stat directory {};
+  if (stat(parentOf(path).c_str(), &directory) != 0 || (directory.st_mode & S_ISVTX) == 0) {
+    return false;
+  }
+  return geteuid() != 0 && geteuid() != file.st_uid && geteuid() != directory.st_uid;
+}
+
+}  // namespace
+
+LookedFile lookAt(const std::string& path) {
+  LookedFile file;
+  file.path = path;
+  file.link = linkAt(path);
+  struct stat status {};
+  if (stat(path.c_str(), &status) == 0) {
+    note(status, file);
+  } else if (errno != ENOENT && errno != ENOTDIR) {
+    file.kind = FileKind::unknown;
+    file.error = errno;
+  }
+  return file;
+}
+
+LookedFile readFileAt(const std::string& path) {
+  LookedFile file = lookAt(path);
+  if (!file.isRegular()) {
+    return file;
+  }
+  const int descriptor = openToLook(path);
+  if (descriptor >= 0) {
+    file.text = allOf(descriptor);
+    file.readFailed = !file.text;
+    close(descriptor);
+  }
+  return file;
+}
+
+// Only a file's owner may leave its access time alone.
+int openToLook(const std::string& path) {
+  constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const int descriptor = open(path.c_str(), flags | O_NOATIME);
+  return descriptor < 0 && errno == EPERM ? open(path.c_str(), flags) : descriptor;
+}
+
+bool mayChangeDirectory(const std::string& directory) { return may(directory, W_OK | X_OK); }
+
+bool canHoldFiles(const std::string& directory, std::string& obstacle) {
+  // With its final slash, a file in the directory's place would seem to be missing.
+  std::string nearest = directory.substr(0, directory.find_last_not_of('/') + 1);
+  while (lookAt(nearest).kind == FileKind::missing && nearest != "/" && nearest != ".") {
+    if (lookAt(nearest).link) {
+      break;
+    }
+    nearest = parentOf(nearest);
+  }
+  obstacle = nearest;
+  return lookAt(nearest).kind == FileKind::directory && mayChangeDirectory(nearest);
+}
+
+bool canBeRemoved(const std::string& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0) {
+    return errno == ENOENT || errno == ENOTDIR;
+  }
+  if (S_ISDIR(status.st_mode) && !isEmptyDirectory(path)) {
+    return false;
+  }
+  return mayChangeDirectory(parentOf(path)) && !stickinessForbids(path, status);
+}
+
+const char* nameOf(FileKind kind) {
+  constexpr std::array<const char*, 7> names = {"missing", "regular", "directory", "pipe",
+                                                "socket",  "device",  "unknown"};
+  return names.at(static_cast<std::size_t>(kind));
+}
+
+std::string modeText(mode_t mode) { return fmt::format("{:04o}", mode); }
+
+}  // namespace vestra::inspect

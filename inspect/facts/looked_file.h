@@ -1,0 +1,68 @@
+#ifndef VESTRA_INSPECT_FACTS_LOOKED_FILE_H
+#define VESTRA_INSPECT_FACTS_LOOKED_FILE_H
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vestra::inspect {
+
+enum class FileKind { missing, regular, directory, pipe, socket, device, unknown };
+
+/// What stands at a path, links followed.
+struct LookedFile {
+  std::string path;
+  FileKind kind = FileKind::missing;
+  /// Why nothing is known; 0 for what exists and for what is simply missing.
+  int error = 0;
+  /// Where a link at the path leads; nothing when it is none.
+  std::optional<std::string> link;
+  mode_t mode = 0;
+  uid_t owner = 0;
+  std::int64_t size = 0;
+  /// Seconds since the epoch.
+  std::int64_t modified = 0;
+  std::int64_t modifiedNanoseconds = 0;
+  // What the effective user may do there.
+  bool readable = false;
+  bool writable = false;
+  /// Its bytes, where they were asked for and could be read.
+  std::optional<std::string> text;
+  /// Whether reading began and failed.
+  bool readFailed = false;
+
+  bool exists() const { return kind != FileKind::missing && kind != FileKind::unknown; }
+  bool isRegular() const { return kind == FileKind::regular; }
+};
+
+/// Looks without opening anything.
+LookedFile lookAt(const std::string& path);
+
+/// Looks, and reads the bytes of a regular file.
+LookedFile readFileAt(const std::string& path);
+
+/// Opens a file for reading without changing its access time, without waiting and
+/// without taking a terminal. @return The descriptor; -1 on failure, with errno.
+int openToLook(const std::string& path);
+
+/// Whether the effective user could make or remove files in the directory.
+bool mayChangeDirectory(const std::string& directory);
+
+/// Whether a directory can be made at the path, its parents included, or is there and
+/// files can be made in it. @param obstacle  Otherwise the path of what is in the way.
+bool canHoldFiles(const std::string& directory, std::string& obstacle);
+
+/// Whether a file can be taken away: missing counts as such.
+bool canBeRemoved(const std::string& path);
+
+/// "regular", "directory", ...
+const char* nameOf(FileKind kind);
+
+/// As ls writes it: "0644".
+std::string modeText(mode_t mode);
+
+}  // namespace vestra::inspect
+
+#endif

@@ -1,0 +1,141 @@
+#include "facts/project_facts.h"
+
+#include <sstream>
+#include <stdexcept>
+
+#include <boost/filesystem/operations.hpp>
+
+#include "facts/user_facts.h"
+#include "handler/product_profile.h"
+
+namespace vestra::inspect {
+namespace {
+
+/// Reads a line alone, with blank ones before it for the fields that it is not about.
+bool isReadable(const std::string& line, std::size_t number, bool& tooLarge) {
+  std::istringstream in(std::string(number, '\n') + line + "\n");
+  Oza::ProjectIdentity identity;
+  try {
+    Oza::readProjectIdentity(in, identity);
+    return true;
+  } catch (const std::logic_error& error) {
+    tooLarge = dynamic_cast<const std::out_of_range*>(&error) != nullptr;
+    return false;
+  }
+}
+
+std::optional<NumberFault> faultIn(const std::string& text) {
+  const std::vector<std::string> lines = linesOf(text);
+  for (std::size_t i = 0; i < lines.size() && i < 4; ++i) {
+    bool tooLarge = false;
+    if (!isReadable(lines[i], i, tooLarge)) {
+      return NumberFault{i + 1, tooLarge};
+    }
+  }
+  return std::nullopt;
+}
+
+IdentityState stateOfText(ProjectFacts& project) {
+  project.fault = faultIn(*project.identityFile.text);
+  if (project.fault) {
+    return IdentityState::damaged;
+  }
+  std::istringstream in(*project.identityFile.text);
+  Oza::readProjectIdentity(in, project.identity);
+  return IdentityState::usable;
+}
+
+IdentityState stateOf(ProjectFacts& project) {
+  const LookedFile& file = project.identityFile;
+  if (file.kind == FileKind::missing) {
+    const std::string target =
+        file.link ? boost::filesystem::weakly_canonical(file.path).string() : file.path;
+    const std::string directory = target.substr(0, target.find_last_of('/') + 1);
+    const bool canBeMade = canHoldFiles(project.vestra.path, project.obstacle) &&
+                           (!file.link || canHoldFiles(directory, project.obstacle));
+    return canBeMade ? IdentityState::fresh : IdentityState::unusable;
+  }
+  if (file.kind == FileKind::device && file.writable) {
+    return IdentityState::unreadable;
+  }
+  if (!file.isRegular() || !file.writable || file.readFailed) {
+    return IdentityState::unusable;
+  }
+  return file.text ? stateOfText(project) : IdentityState::unreadable;
+}
+
+void addFile(const std::string& role, const Oza::ProductProfile& product, const char* name,
+             ProjectFacts& project) {
+  LookedFile file = lookAt(project.pathOf(name));
+  if (file.exists() || file.link) {
+    project.files.push_back({role, product.name, std::move(file)});
+  }
+}
+
+void addFiles(Product product, ProjectFacts& project) {
+  const Oza::ProductProfile& profile = Oza::profileOf(product);
+  addFile("script", profile, profile.script, project);
+  addFile("rules", profile, profile.rules, project);
+  addFile("xml", profile, profile.xml, project);
+  addFile("html", profile, profile.html, project);
+  if (product == Oza::Vestra::TAVLO) {
+    addFile("log", profile, Oza::LOG_FILE, project);
+  }
+}
+
+bool hasTraceOf(const std::string& product, const ProjectFacts& project) {
+  for (const ReportFile& file : project.files) {
+    if (file.product == product) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+const ReportFile* ProjectFacts::find(const std::string& role, const std::string& product) const {
+  for (const ReportFile& file : files) {
+    if (file.role == role && file.product == product) {
+      return &file;
+    }
+  }
+  return nullptr;
+}
+
+ProjectFacts lookAtProject(const View& view, const std::string& directory) {
+  ProjectFacts project;
+  project.directory = boost::filesystem::absolute(directory, view.currentDirectory).string();
+  project.root = lookAt(project.directory);
+  project.vestra = lookAt(Oza::vestraDirectoryOf(project.directory));
+  project.identityFile = readFileAt(project.pathOf(Oza::PROJECT_IDENTITY_FILE));
+  project.state = stateOf(project);
+  addFiles(Oza::Vestra::KELVO, project);
+  addFiles(Oza::Vestra::TAVLO, project);
+  return project;
+}
+
+std::string nearestProject(const std::string& directory) {
+  for (boost::filesystem::path each = directory; !each.empty(); each = each.parent_path()) {
+    if (lookAt(Oza::vestraDirectoryOf(each.string()) + Oza::PROJECT_IDENTITY_FILE).exists()) {
+      return each.string();
+    }
+  }
+  return directory;
+}
+
+std::vector<Product> productsOf(const ProjectFacts& project) {
+  std::vector<Product> products;
+  if (hasTraceOf("KELVO", project)) {
+    products.push_back(Oza::Vestra::KELVO);
+  }
+  if (project.identity.lastSendTimeType1 != 0) {
+    products.push_back(Oza::Vestra::KELVO_ALT);
+  }
+  if (hasTraceOf("TAVLO", project)) {
+    products.push_back(Oza::Vestra::TAVLO);
+  }
+  return products.empty() ? std::vector<Product>{Oza::Vestra::KELVO} : products;
+}
+
+}  // namespace vestra::inspect

@@ -1,0 +1,27 @@
+#ifndef VESTRA_INSPECT_REHEARSE_REHEARSAL_H
+#define VESTRA_INSPECT_REHEARSE_REHEARSAL_H
+
+#include <string>
+
+#include "command_line.h"
+#include "facts/view.h"
+#include "inspector.h"
+
+namespace vestra::inspect {
+
+/// The status of a rehearsal that let something through.
+inline constexpr int LEAKED = 124;
+/// The status of a program that cannot be held back, and was not started.
+inline constexpr int CANNOT_BE_HELD_BACK = 125;
+
+/// Runs the program with its reports held back, and tells what they would have been.
+/// @throws std::runtime_error when the program cannot be held back: it was not started.
+Answer rehearse(const Request& request, const View& view);
+
+/// Why the shim would not hold the program; empty when it does. A script is held by what
+/// interprets it.
+std::string whyNotHeldBack(const std::string& program);
+
+}  // namespace vestra::inspect
+
+#endif
