@@ -5,6 +5,7 @@
 #include <vestra/testkit/sandbox.h>
 
 using Oza::Vestra;
+using testing::Not;
 using vestra::testkit::HasItem;
 using vestra::testkit::HasNoHazards;
 using vestra::testkit::Sandbox;
@@ -16,7 +17,7 @@ TEST(UsageReport, SaysWhatWasSimulated) {
   EXPECT_THAT(run, WasSent());
   EXPECT_THAT(run, HasItem(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, "target_device", "x7k325t"));
   EXPECT_THAT(run, HasItem(Vestra::KELVO_COMMAND_LINE_OPTIONS, "mode", "batch"));
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", "2"));
+  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", 2));
   EXPECT_THAT(run, HasNoHazards());
 }
 
@@ -31,7 +32,7 @@ TEST(UsageReport, IsSentOnceADay) {
   Sandbox sandbox;
   const auto host = [] { reportUsage({"x7k325t", "gui", 1}); };
   EXPECT_THAT(sandbox.run(Vestra::KELVO, host), WasSent());
-  EXPECT_THAT(sandbox.run(Vestra::KELVO, host), ::testing::Not(WasSent()));
+  EXPECT_THAT(sandbox.run(Vestra::KELVO, host), Not(WasSent()));
   sandbox.ageUntilDue();
   EXPECT_THAT(sandbox.run(Vestra::KELVO, host), WasSent());
 }
