@@ -43,9 +43,11 @@ target_link_options(vestra PRIVATE
 
 # A library that the library needs and is not linked to would be missed on some systems
 # only. Clang's sanitizers are such a one by design: programs bring them.
+set(CMAKE_TRY_COMPILE_CONFIGURATION "${CMAKE_BUILD_TYPE}")
 set(CMAKE_REQUIRED_FLAGS "-fPIC")
 set(CMAKE_REQUIRED_LINK_OPTIONS -shared LINKER:-z,defs)
 check_cxx_source_compiles("int valueOf(const int* place) { return *place; }" VESTRA_LINKS_COMPLETELY)
+unset(CMAKE_TRY_COMPILE_CONFIGURATION)
 unset(CMAKE_REQUIRED_FLAGS)
 unset(CMAKE_REQUIRED_LINK_OPTIONS)
 if(VESTRA_LINKS_COMPLETELY)
