@@ -109,8 +109,12 @@ class HandedItems {
 
   /// Of a project's facts, the first with a key is written, in the order of a list.
   const WrittenItem* projectFactAt(std::string_view script, std::size_t position) {
-    const std::size_t key = position + COMMAND.size() + CONTEXTS[0].client.size() + KEY.size();
-    const std::size_t keyEnd = script.find(VALUE, std::min(key, script.size()));
+    const std::string head = std::string(COMMAND).append(CONTEXTS[0].client).append(KEY);
+    if (projectFacts.empty() || !standsAt(script, position, head)) {
+      return nullptr;
+    }
+    const std::size_t key = position + head.size();
+    const std::size_t keyEnd = script.find(VALUE, key);
     if (keyEnd == std::string_view::npos) {
       return nullptr;
     }

@@ -21,13 +21,18 @@ namespace vestra::testkit {
 /// |             |                            | separated by commas                   |
 /// | calls       | VESTRA_TESTKIT_CALLS       | file that each call is appended to    |
 ///
+/// @param name  of the setting, as in the table
 /// @return Nothing when it is set nowhere.
 std::optional<std::string> setting(const std::string& name);
 
-/// Whether the answer of this name is to be null.
+/// Whether an answer is to be null.
+///
+/// @param name  "exec_path", "regid" or "environment"
 bool isNull(const std::string& name);
 
-/// Appends one line, `call`, to the file of calls, where there is one.
+/// Appends to the file of calls, where there is one.
+///
+/// @param call  without a line end
 void recordCall(const std::string& call);
 
 }  // namespace vestra::testkit

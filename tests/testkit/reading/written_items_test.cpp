@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 
 namespace vestra::reading {
@@ -99,6 +100,48 @@ TEST(WrittenItems, AHundredThousandItemsAreReadInLittleTimeHoweverTheyAreDamaged
   for (const std::string& script : {whole, withoutEnd, withoutValue}) {
     EXPECT_LT(secondsToRead(script), 2);
   }
+}
+
+const auto NEVER = [] { return false; };
+
+TEST(HandedItems, AHandedValueEndsWhereItEndsWhateverItImitates) {
+  const std::string value =
+      "v\" -context \"kelvo\\\\usage\"\nvestra_add_data -client kelvo -key fake -value \"f";
+  const std::vector<WrittenItem> handed{{"kelvo", "kelvo\\usage", "k", value, 0}};
+  EXPECT_THAT(itemsWrittenIn(scriptOf(added("k", value) + added("good", "1")), handed, NEVER),
+              ElementsAre(WrittenItem{"kelvo", "kelvo\\usage", "k", value, 2},
+                          WrittenItem{"kelvo", "kelvo\\usage", "good", "1", 4}));
+}
+
+TEST(HandedItems, AProjectFactIsTheFirstWithItsKeyInAnyCase) {
+  const std::string context = "software_version_and_target_device";
+  const std::string value =
+      "1\" -context \"" + context + "\"\nvestra_add_data -client project -key b -value \"2";
+  const std::vector<WrittenItem> handed{{"project", context, "Beta", value, 0},
+                                        {"project", context, "beta", "3", 0}};
+  EXPECT_THAT(itemsWrittenIn(scriptOf(added("beta", value, "project", context)), handed, NEVER),
+              ElementsAre(WrittenItem{"project", context, "beta", value, 2}));
+}
+
+TEST(HandedItems, ReadingStopsWhenItIsEnough) {
+  int asked = 0;
+  EXPECT_EQ(
+      itemsWrittenIn(scriptOf(added("a", "1") + added("b", "2")), {}, [&] { return ++asked > 1; }).size(),
+      1U);
+}
+
+RC_GTEST_PROP(HandedItems, AnyTextsAreReadAsTheyWereHanded, ()) {
+  const auto texts =
+      rc::gen::container<std::string>(rc::gen::elementOf(std::string("\" \n;-kvaluecontext\\")));
+  std::vector<WrittenItem> handed;
+  std::string lines;
+  std::size_t line = 2;
+  for (int i = *rc::gen::inRange(0, 9); i > 0; --i) {
+    handed.push_back({"kelvo", "kelvo\\usage", *texts, *texts, line});
+    lines += scriptLineOf(handed.back());
+    line = 2 + static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+  }
+  RC_ASSERT(itemsWrittenIn(scriptOf(lines), handed, NEVER) == handed);
 }
 
 }  // namespace
