@@ -1,5 +1,6 @@
 #include "design_tool/design_tool.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <ostream>
@@ -15,13 +16,17 @@
 #include "design_tool/pages/report_record.h"
 #include "design_tool/pages/text_report.h"
 #include "design_tool/pages/xml_report.h"
+#include "design_tool/report/checksum.h"
 #include "design_tool/report/suspicions.h"
 #include "design_tool/rules/rules.h"
+#include "reading/hazard.h"
 #include "reading/visible_text.h"
+#include "reading/written_items.h"
 
 namespace vestra::design_tool {
 
 using reading::forTerminal;
+using reading::WrittenItem;
 
 namespace {
 
@@ -33,18 +38,30 @@ struct Run {
   std::vector<std::string> warnings;
 };
 
+constexpr std::size_t MOST_WARNINGS = 20;
+
 std::vector<std::string> warningLines(const std::string& file, const std::vector<Warning>& warnings) {
   std::vector<std::string> lines;
-  for (const Warning& warning : warnings) {
-    lines.push_back(fmt::format("{}:{}: warning: {}", forTerminal(file), warning.line, warning.message));
+  for (std::size_t i = 0; i < std::min(warnings.size(), MOST_WARNINGS); ++i) {
+    lines.push_back(
+        fmt::format("{}:{}: warning: {}", forTerminal(file), warnings[i].line, warnings[i].message));
+  }
+  if (warnings.size() > MOST_WARNINGS) {
+    lines.push_back(
+        fmt::format("{}: warning: and {} more", forTerminal(file), warnings.size() - MOST_WARNINGS));
   }
   return lines;
+}
+
+void append(std::vector<Warning>& warnings, const std::vector<Warning>& others) {
+  warnings.insert(warnings.end(), others.begin(), others.end());
 }
 
 Run read(const RunRequest& request, LineObserver observer) {
   Run run;
   run.script = readRegularFile(request.source);
   run.report = evaluateScript(request.source, run.script, {}, observer);
+  append(run.report.warnings, checksumWarnings(run.report, run.script, modificationTimeOf(request.source)));
   run.rulesText = readRegularFile(run.report.transmission.wdm);
   run.rules = parseRules(run.report.transmission.wdm, run.rulesText);
   run.warnings = warningLines(request.source, suspicionsAbout(run.report, run.rules));
@@ -130,12 +147,54 @@ void write(const RunRequest& request, const Run& run, std::ostream& out) {
   say(out, fmt::format("report {} is complete; nothing was transmitted", run.report.transmission.clientId));
 }
 
+/// What is to be said of single items: hazards, and items that a value has added.
+std::vector<Warning> marksOn(const Report& report, const std::vector<WrittenItem>& written) {
+  std::vector<Warning> marks = injectedItems(report, written);
+  for (const WrittenItem& item : written) {
+    if (const std::optional<std::string> hazard = reading::hazardOf(item)) {
+      marks.push_back({item.line, *hazard});
+    }
+  }
+  return marks;
+}
+
+std::size_t sectionOf(const WrittenItem& item, std::vector<Section>& sections) {
+  const auto known = std::find_if(sections.begin(), sections.end(), [&](const Section& section) {
+    return section.client == item.client && section.context == item.context;
+  });
+  if (known != sections.end()) {
+    return static_cast<std::size_t>(known - sections.begin());
+  }
+  sections.push_back({item.client, item.context});
+  return sections.size() - 1;
+}
+
+/// The items from this line on, as they were written.
+void addItemsBehind(std::size_t line, const std::vector<WrittenItem>& written, Report& report) {
+  const std::size_t lastRead = report.items.empty() ? 0 : report.items.back().line;
+  for (const WrittenItem& item : written) {
+    if (item.line >= line && item.line > lastRead) {
+      report.items.push_back({sectionOf(item, report.sections), item.key, item.value, item.line});
+    }
+  }
+}
+
 }  // namespace
 
 int showReport(const ShowRequest& request, std::ostream& out, std::ostream& err, LineObserver observer) {
   try {
-    out << renderText(evaluateScript(request.script, readRegularFile(request.script), {}, observer));
-    return 0;
+    const std::string script = readRegularFile(request.script);
+    PartialReport evaluated = evaluateAsFarAsPossible(request.script, script, {}, observer);
+    const std::vector<WrittenItem> written = reading::itemsWrittenIn(script);
+    const std::vector<Warning> marks = marksOn(evaluated.report, written);
+    if (evaluated.error) {
+      addItemsBehind(evaluated.error->line, written, evaluated.report);
+    }
+    out << renderText(evaluated.report, marks, evaluated.error.has_value()) << std::flush;
+    if (evaluated.error) {
+      err << format(*evaluated.error);
+    }
+    return evaluated.error ? 1 : 0;
   } catch (const DiagnosedError& error) {
     err << format(error.diagnostic());
     return 1;

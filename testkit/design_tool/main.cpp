@@ -12,14 +12,23 @@ namespace {
 
 using namespace vestra::design_tool;
 
+/// A reader behind a full disk or a closed pipe gets no status that says all is well.
+int checked(int status) {
+  if (std::cout.flush()) {
+    return status;
+  }
+  std::cerr << "vestra-design-tool: standard output cannot be written\n";
+  return 1;
+}
+
 struct Perform {
   int operator()(const HelpRequest&) const {
     std::cout << helpText();
-    return 0;
+    return checked(0);
   }
   int operator()(const VersionRequest&) const {
     std::cout << versionText();
-    return 0;
+    return checked(0);
   }
   int operator()(const UsageError& error) const {
     std::cerr << usageText(error);
@@ -27,7 +36,8 @@ struct Perform {
   }
   int operator()(const ShowRequest& request) const {
     return runGuarded(
-        request.script, [&] { return showReport(request, std::cout, std::cerr, &noteLine); }, std::cerr);
+        request.script, [&] { return checked(showReport(request, std::cout, std::cerr, &noteLine)); },
+        std::cerr);
   }
   int operator()(const RunRequest& request) const {
     return runGuarded(

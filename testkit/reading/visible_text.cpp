@@ -1,9 +1,51 @@
 #include "reading/visible_text.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "reading/utf8.h"
 
 namespace vestra::reading {
 namespace {
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+constexpr Range INVISIBLE[] = {
+    {0x0000, 0x001F},    // control characters
+    {0x007F, 0x009F},    // control characters
+    {0x00AD, 0x00AD},    // soft hyphen
+    {0x034F, 0x034F},    // grapheme joiner
+    {0x061C, 0x061C},    // Arabic letter mark, which turns the direction
+    {0x115F, 0x1160},    // Hangul fillers
+    {0x17B4, 0x17B5},    // Khmer vowels without a form
+    {0x180B, 0x180F},    // Mongolian selectors and separator
+    {0x200B, 0x200F},    // without width; marks of direction
+    {0x2028, 0x202E},    // separators of lines; embeddings and overrides of direction
+    {0x2060, 0x206F},    // joiners without width; isolates of direction
+    {0x3164, 0x3164},    // Hangul filler
+    {0xFDD0, 0xFDEF},    // no characters
+    {0xFE00, 0xFE0F},    // variation selectors
+    {0xFEFF, 0xFEFF},    // byte-order mark
+    {0xFFA0, 0xFFA0},    // Hangul filler
+    {0xFFF0, 0xFFFB},    // annotations
+    {0x1BCA0, 0x1BCA3},  // controls of shorthand
+    {0x1D173, 0x1D17A},  // controls of music
+    {0xE0000, 0xE0FFF},  // tags and variation selectors
+};
+
+constexpr Range BLANKS[] = {{'\t', '\n'},     {' ', ' '},       {0x00A0, 0x00A0},
+                            {0x1680, 0x1680}, {0x2000, 0x200A}, {0x202F, 0x202F},
+                            {0x205F, 0x205F}, {0x2800, 0x2800}, {0x3000, 0x3000}};
+
+template <std::size_t COUNT>
+bool isIn(const Range (&ranges)[COUNT], char32_t codePoint) {
+  return std::any_of(std::begin(ranges), std::end(ranges), [codePoint](const Range& range) {
+    return codePoint >= range.first && codePoint <= range.last;
+  });
+}
 
 /// A carriage return is allowed, but whoever reads the document gets a line feed for it.
 bool isXmlCharacter(char32_t codePoint) {
@@ -17,14 +59,6 @@ bool isForTerminal(char32_t codePoint) {
   return isVisible(codePoint) && codePoint != '\n' && codePoint != '\t';
 }
 
-std::string nameBytes(std::string_view bytes) {
-  std::string names;
-  for (const char byte : bytes) {
-    names += nameOfByte(byte);
-  }
-  return names;
-}
-
 /// Calls `keep` for each character that `isKept` accepts, and appends the names of all other bytes.
 template <typename IsKept, typename Keep>
 std::string nameAllBut(std::string_view bytes, IsKept isKept, Keep keep) {
@@ -35,7 +69,7 @@ std::string nameAllBut(std::string_view bytes, IsKept isKept, Keep keep) {
     if (character.length != 0 && isKept(character.codePoint)) {
       keep(text, piece);
     } else {
-      text += nameBytes(piece);
+      text += namedBytes(piece);
     }
     bytes.remove_prefix(piece.size());
   }
@@ -71,9 +105,28 @@ bool isVisible(char32_t codePoint) {
   if (codePoint == '\n' || codePoint == '\t') {
     return true;
   }
-  const bool isControl = codePoint < 0x20 || (codePoint >= 0x7F && codePoint <= 0x9F);
-  const bool isNoCharacter = (codePoint & 0xFFFEu) == 0xFFFEu || (codePoint >= 0xFDD0 && codePoint <= 0xFDEF);
-  return !isControl && !isNoCharacter;
+  const bool isNoCharacter = (codePoint & 0xFFFEu) == 0xFFFEu;
+  return !isNoCharacter && !isIn(INVISIBLE, codePoint);
+}
+
+bool isBlank(std::string_view bytes) {
+  const bool isEmpty = bytes.empty();
+  while (!bytes.empty()) {
+    const Utf8Character character = firstCharacter(bytes);
+    if (character.length == 0 || !isIn(BLANKS, character.codePoint)) {
+      return false;
+    }
+    bytes.remove_prefix(character.length);
+  }
+  return !isEmpty;
+}
+
+std::string namedBytes(std::string_view bytes) {
+  std::string names;
+  for (const char byte : bytes) {
+    names += nameOfByte(byte);
+  }
+  return names;
 }
 
 std::string nameOfByte(char byte) {

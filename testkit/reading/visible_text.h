@@ -11,9 +11,15 @@ namespace vestra::reading {
 /// characters that XML excludes, and without carriage returns, which it changes.
 bool isXmlText(std::string_view bytes);
 
-/// Whether a reader sees the character as it is: XML text that is no control character, line feed and tab
-/// excepted.
+/// Whether a reader sees the character as it is: no control character, line feed and tab excepted, nothing
+/// without a width, and nothing that turns the direction of what follows.
 bool isVisible(char32_t codePoint);
+
+/// Whether a text is not empty and yet shows nothing: blanks of any kind, tabs and line feeds.
+bool isBlank(std::string_view bytes);
+
+/// Each byte as people write it, `\x20\x20`.
+std::string namedBytes(std::string_view bytes);
 
 /// The byte as people write it, `\x1b`.
 std::string nameOfByte(char byte);

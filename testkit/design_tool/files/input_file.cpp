@@ -57,4 +57,9 @@ std::string readRegularFile(const std::string& path) {
   }
 }
 
+std::time_t modificationTimeOf(const std::string& path) {
+  struct stat status = {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mtime : std::time(nullptr);
+}
+
 }  // namespace vestra::design_tool

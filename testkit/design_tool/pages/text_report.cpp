@@ -1,6 +1,7 @@
 #include "design_tool/pages/text_report.h"
 
 #include <algorithm>
+#include <map>
 
 #include <fmt/format.h>
 
@@ -27,17 +28,47 @@ std::string sectionTitle(const Section& section) {
   return fmt::format("\n  {} ({})\n", forTerminal(section.context), forTerminal(section.client));
 }
 
+std::string valueOf(const Item& item) {
+  return reading::isBlank(item.value) ? reading::namedBytes(item.value) : forTerminal(item.value);
+}
+
+using Marks = std::multimap<std::size_t, std::string>;
+
+Marks byLine(const std::vector<Warning>& warnings) {
+  Marks marks;
+  for (const Warning& warning : warnings) {
+    marks.emplace(warning.line, warning.message);
+  }
+  return marks;
+}
+
+std::string itemText(const Item& item, std::size_t column, const Marks& marks) {
+  const auto [begin, end] = marks.equal_range(item.line);
+  std::string text = fmt::format("  {} {:<{}}  {}\n", begin == end ? ' ' : '!', forTerminal(item.key), column,
+                                 valueOf(item));
+  for (auto mark = begin; mark != end; ++mark) {
+    text += fmt::format("    {:<{}}  ({})\n", "", column, mark->second);
+  }
+  return text;
+}
+
+std::string headOf(const Report& report, bool isDamaged) {
+  return isDamaged ? std::string("Damaged script; what can be read of it:\n")
+                   : fmt::format("Report {}, registration {}\n", report.transmission.clientId,
+                                 inQuotes(report.transmission.registrationId));
+}
+
 }  // namespace
 
-std::string renderText(const Report& report) {
+std::string renderText(const Report& report, const std::vector<Warning>& marks, bool isDamaged) {
   const std::size_t column = keyColumn(report);
-  std::string text = fmt::format("Report {}, registration {}\n", report.transmission.clientId,
-                                 inQuotes(report.transmission.registrationId));
+  const Marks marked = byLine(marks);
+  std::string text = headOf(report, isDamaged);
   for (std::size_t section = 0; section < report.sections.size(); ++section) {
     text += sectionTitle(report.sections[section]);
     for (const Item& item : report.items) {
       if (item.section == section) {
-        text += fmt::format("    {:<{}}  {}\n", forTerminal(item.key), column, forTerminal(item.value));
+        text += itemText(item, column, marked);
       }
     }
   }

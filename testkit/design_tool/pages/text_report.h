@@ -2,13 +2,18 @@
 #define VESTRA_DESIGN_TOOL_TEXT_REPORT_H
 
 #include <string>
+#include <vector>
 
 #include "design_tool/report/report.h"
 
 namespace vestra::design_tool {
 
 /// The report for a terminal: who, then each section with its items, keys and values in two columns.
-std::string renderText(const Report& report);
+///
+/// @param marks     what is to be said of items, by their lines: each such item gets a `!` and the words
+///                  below it
+/// @param isDamaged whether the script ended in an error, so that nobody knows who reports
+std::string renderText(const Report& report, const std::vector<Warning>& marks = {}, bool isDamaged = false);
 
 }  // namespace vestra::design_tool
 

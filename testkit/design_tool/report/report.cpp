@@ -14,6 +14,20 @@ std::string firstProductAmong(const Entries& entries) {
   return product == entries.end() ? "" : product->client;
 }
 
+/// The word before " Usage Report".
+std::string productNamedIn(const std::string& intro) {
+  const std::size_t end = intro.find(" Usage Report");
+  if (end == std::string::npos) {
+    return "";
+  }
+  const std::string head = intro.substr(0, end);
+  std::string word = head.substr(head.find_last_of("> ") + 1);
+  for (char& letter : word) {
+    letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  }
+  return word;
+}
+
 }  // namespace
 
 std::string projectValue(const Report& report, const std::string& key) {
@@ -24,6 +38,10 @@ std::string projectValue(const Report& report, const std::string& key) {
 }
 
 std::string productOf(const Report& report) {
+  const std::string named = productNamedIn(report.transmission.intro);
+  if (!named.empty()) {
+    return named;
+  }
   const std::string registered = firstProductAmong(report.registrations);
   return registered.empty() ? firstProductAmong(report.sections) : registered;
 }

@@ -63,8 +63,9 @@ struct Report {
 /// The first value that client "project" reported for `key`, an empty text where there is none.
 std::string projectValue(const Report& report, const std::string& key);
 
-/// The client the report is about: the first one besides "project" that was registered, or else that has
-/// data. Empty where there is none.
+/// The client that the report is about: the product of "KELVO Usage Report" in its intro, in lower case.
+/// Where the intro names none: the first client besides "project" that was registered, or else that has data.
+/// Empty where there is none.
 std::string productOf(const Report& report);
 
 }  // namespace vestra::design_tool

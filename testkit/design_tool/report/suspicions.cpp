@@ -31,6 +31,17 @@ void warnOfRepeatedRegistrations(const Report& report, Warnings& warnings) {
   }
 }
 
+void warnOfMissingClients(const Report& report, Warnings& warnings) {
+  if (report.registrations.empty()) {
+    warnings.push_back({report.transmission.line, "no client is registered"});
+  }
+  for (const Registration& registration : report.registrations) {
+    if (registration.client.empty()) {
+      warnings.push_back({registration.line, "the client that is registered has no name"});
+    }
+  }
+}
+
 std::vector<std::size_t> linesOfFirstItems(const Report& report) {
   std::vector<std::size_t> lines(report.sections.size(), 0);
   for (const Item& item : report.items) {
@@ -103,6 +114,7 @@ bool isEarlier(const Warning& left, const Warning& right) { return left.line < r
 Warnings suspicionsAbout(const Report& report, const std::vector<Rule>& rules) {
   Warnings warnings = report.warnings;
   const std::vector<std::size_t> firstLines = linesOfFirstItems(report);
+  warnOfMissingClients(report, warnings);
   warnOfRepeatedRegistrations(report, warnings);
   warnOfUnregisteredClients(report, firstLines, warnings);
   warnOfMissingRules(report, rules, firstLines, warnings);

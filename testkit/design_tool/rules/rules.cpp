@@ -17,6 +17,44 @@ namespace {
 
 using libconfig::Setting;
 
+constexpr const char* BLANKS = " \t\r";
+
+/// Knows, from line to line, whether a comment or a text in quotes is open.
+class CommentScanner {
+ public:
+  bool isOutside() const { return open == Open::Nothing; }
+
+  void pass(const std::string& line) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+      if (isOutside() && (line[i] == '#' || line.compare(i, 2, "//") == 0)) {
+        return;
+      }
+      i += lengthOfMark(line, i) - 1;
+    }
+  }
+
+ private:
+  enum class Open { Nothing, Comment, Text };
+
+  std::size_t lengthOfMark(const std::string& line, std::size_t at) {
+    if (open == Open::Text && line[at] == '\\') {
+      return 2;
+    }
+    if (open != Open::Comment && line[at] == '"') {
+      open = isOutside() ? Open::Text : Open::Nothing;
+      return 1;
+    }
+    const char* const mark = isOutside() ? "/*" : "*/";
+    if (open != Open::Text && line.compare(at, 2, mark) == 0) {
+      open = isOutside() ? Open::Comment : Open::Nothing;
+      return 2;
+    }
+    return 1;
+  }
+
+  Open open = Open::Nothing;
+};
+
 class RulesReader {
  public:
   RulesReader(const std::string& fileName, const std::string& bytes) : file(fileName), text(bytes) {}
@@ -24,7 +62,8 @@ class RulesReader {
   std::vector<Rule> read();
 
  private:
-  [[noreturn]] void fail(std::size_t line, const std::string& message) const;
+  [[noreturn]] void fail(std::size_t line, const std::string& message, const std::string& marked = "") const;
+  [[noreturn]] void failAtValue(const Setting& setting, const std::string& message) const;
   std::string lineText(std::size_t line) const;
   void refuseWhatTheParserWouldFollow() const;
   void parse(libconfig::Config& config) const;
@@ -55,8 +94,22 @@ std::vector<Rule> RulesReader::read() {
   return std::move(rules);
 }
 
-void RulesReader::fail(std::size_t line, const std::string& message) const {
-  throw DiagnosedError({file, line, message, lineText(line), 0, 0});
+/// Marks the last place of `marked` on the line; without one, where the line's text begins.
+void RulesReader::fail(std::size_t line, const std::string& message, const std::string& marked) const {
+  const std::string excerpt = lineText(line);
+  const std::size_t found = marked.empty() ? std::string::npos : excerpt.rfind(marked);
+  if (found != std::string::npos) {
+    throw DiagnosedError({file, line, message, excerpt, found, marked.size()});
+  }
+  throw DiagnosedError({file, line, message, excerpt, excerpt.find_first_not_of(BLANKS), 0});
+}
+
+/// Marks the text that a setting has.
+void RulesReader::failAtValue(const Setting& setting, const std::string& message) const {
+  const std::string value = '"' + std::string(setting.c_str()) + '"';
+  const std::string excerpt = lineText(lineOf(setting));
+  const std::size_t name = std::min(excerpt.rfind(setting.getName()), excerpt.size());
+  fail(lineOf(setting), message, excerpt.substr(name, excerpt.find(value, name) - name + value.size()));
 }
 
 std::string RulesReader::lineText(std::size_t line) const {
@@ -74,14 +127,16 @@ std::string RulesReader::lineText(std::size_t line) const {
 void RulesReader::refuseWhatTheParserWouldFollow() const {
   std::istringstream lines(text);
   std::string line;
+  CommentScanner scanner;
   for (std::size_t number = 1; std::getline(lines, line); ++number) {
-    const std::size_t begin = line.find_first_not_of(" \t");
-    if (begin != std::string::npos && line.compare(begin, 8, "@include") == 0) {
-      fail(number, "@include is not supported");
+    const std::size_t begin = line.find_first_not_of(BLANKS);
+    if (scanner.isOutside() && begin != std::string::npos && line.compare(begin, 8, "@include") == 0) {
+      fail(number, "@include is not supported", "@include");
     }
     if (line.find('\0') != std::string::npos) {
-      fail(number, "the rules hold a NUL byte");
+      fail(number, "the rules hold a NUL byte", std::string(1, '\0'));
     }
+    scanner.pass(line);
   }
 }
 
@@ -100,7 +155,7 @@ const Setting& RulesReader::member(const Setting& group, const char* name, Setti
   }
   const Setting& setting = group[name];
   if (setting.getType() != type) {
-    fail(lineOf(setting), fmt::format("setting {} is not {}", name, kind));
+    fail(lineOf(setting), fmt::format("setting {} is not {}", name, kind), name);
   }
   return setting;
 }
@@ -122,7 +177,7 @@ void RulesReader::checkVersion(const Setting& root) const {
   if (version == "1.0") {
     return;
   }
-  fail(lineOf(root["version"]), fmt::format("version {} is not known, only \"1.0\"", inQuotes(version)));
+  failAtValue(root["version"], fmt::format("version {} is not known, only \"1.0\"", inQuotes(version)));
 }
 
 void RulesReader::readClient(const Setting& client) {
@@ -140,8 +195,8 @@ void RulesReader::readRule(const std::string& client, const Setting& rule) {
     return other.client == client && other.context == read.context;
   };
   if (std::any_of(rules.begin(), rules.end(), isSame)) {
-    fail(lineOf(rule["context"]), fmt::format("client {} has another rule for context {} already",
-                                              inQuotes(client), inQuotes(read.context)));
+    failAtValue(rule["context"], fmt::format("client {} has another rule for context {} already",
+                                             inQuotes(client), inQuotes(read.context)));
   }
   rules.push_back(std::move(read));
 }
@@ -153,7 +208,7 @@ HtmlStyle RulesReader::styleOf(const Setting& rule) const {
       return style;
     }
   }
-  fail(lineOf(rule["html_format"]), fmt::format("html_format {} is not known", inQuotes(name)));
+  failAtValue(rule["html_format"], fmt::format("html_format {} is not known", inQuotes(name)));
 }
 
 }  // namespace

@@ -35,6 +35,9 @@ class Protocol {
   /// What is still to come, for a script that ends too early: the name of the command that is missing.
   std::string_view missingCommand() const;
 
+  /// Adds a warning to the report.
+  void warn(Warning warning) { report.warnings.push_back(std::move(warning)); }
+
   /// The report so far. The protocol is spent after this.
   Report release() { return std::move(report); }
 

@@ -17,11 +17,13 @@
 namespace vestra::design_tool {
 
 using reading::forTerminal;
+using reading::inQuotes;
 using reading::parseTclCommand;
 using reading::TclCommand;
 using reading::TclSyntaxError;
 using reading::TclWord;
 using reading::toBytes;
+using reading::toTclText;
 
 namespace {
 
@@ -100,13 +102,17 @@ class Evaluation {
  public:
   Evaluation(const Script& text, const Limits& limits, LineObserver lineObserver);
 
-  Report run();
+  PartialReport run();
 
  private:
   static int onCommand(ClientData self, Tcl_Interp* tcl, int count, Tcl_Obj* const words[]);
   static void onTampering(ClientData self, Tcl_Interp* tcl, const char* name, const char* newName, int flags);
 
+  static int onUnknown(ClientData self, Tcl_Interp* tcl, int count, Tcl_Obj* const words[]);
+
   void defineCommands();
+  void occupyUnknown();
+  void runAll();
   void runCommand(const TclCommand& command);
   void observe(std::size_t line) const;
   void throwWhatWentWrong(const TclCommand& command) const;
@@ -128,9 +134,21 @@ class Evaluation {
 Evaluation::Evaluation(const Script& text, const Limits& limits, LineObserver lineObserver)
     : script(text), observer(lineObserver), interpreter(limits) {
   defineCommands();
+  occupyUnknown();
 }
 
-Report Evaluation::run() {
+PartialReport Evaluation::run() {
+  std::optional<Diagnostic> error;
+  try {
+    runAll();
+  } catch (const DiagnosedError& diagnosed) {
+    error = diagnosed.diagnostic();
+  }
+  observe(0);
+  return {protocol.release(), std::move(error)};
+}
+
+void Evaluation::runAll() {
   for (std::size_t position = 0; position < script.text().size();) {
     const TclCommand command = commandAt(script, position);
     if (!command.words.empty()) {
@@ -138,9 +156,7 @@ Report Evaluation::run() {
     }
     position = command.end();
   }
-  observe(0);
   checkIsOver();
-  return protocol.release();
 }
 
 int Evaluation::onCommand(ClientData self, Tcl_Interp* tcl, int count, Tcl_Obj* const words[]) {
@@ -180,6 +196,22 @@ void Evaluation::defineCommands() {
     Tcl_TraceCommand(interpreter.get(), text.c_str(), TCL_TRACE_RENAME | TCL_TRACE_DELETE, &onTampering,
                      this);
   }
+}
+
+/// A command of that name would be asked about each command that there is not, and could say that all is
+/// well.
+void Evaluation::occupyUnknown() {
+  Tcl_CreateObjCommand(interpreter.get(), "unknown", &onUnknown, this, nullptr);
+  Tcl_TraceCommand(interpreter.get(), "unknown", TCL_TRACE_RENAME | TCL_TRACE_DELETE, &onTampering, this);
+}
+
+int Evaluation::onUnknown(ClientData self, Tcl_Interp* tcl, int count, Tcl_Obj* const words[]) {
+  auto& evaluation = *static_cast<Evaluation*>(self);
+  const std::string name = bytesOf(words[count > 1 ? 1 : 0]);
+  const std::string message = fmt::format("invalid command name \"{}\"", toTclText(name));
+  evaluation.protocol.warn({evaluation.currentLine, fmt::format("there is no command {}", inQuotes(name))});
+  Tcl_SetObjResult(tcl, Tcl_NewStringObj(message.data(), static_cast<int>(message.size())));
+  return TCL_ERROR;
 }
 
 void Evaluation::runCommand(const TclCommand& command) {
@@ -263,12 +295,25 @@ void Evaluation::checkIsOver() const {
 
 }  // namespace
 
+PartialReport evaluateAsFarAsPossible(const std::string& file, std::string_view bytes, const Limits& limits,
+                                      LineObserver observer) {
+  const Script script(file, bytes);
+  try {
+    refuseHugeText(script, limits.bytes);
+    refuseDeepBrackets(script);
+  } catch (const DiagnosedError& error) {
+    return {Report(), error.diagnostic()};
+  }
+  return Evaluation(script, limits, observer).run();
+}
+
 Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits,
                       LineObserver observer) {
-  const Script script(file, bytes);
-  refuseHugeText(script, limits.bytes);
-  refuseDeepBrackets(script);
-  return Evaluation(script, limits, observer).run();
+  PartialReport evaluated = evaluateAsFarAsPossible(file, bytes, limits, observer);
+  if (evaluated.error) {
+    throw DiagnosedError(*evaluated.error);
+  }
+  return std::move(evaluated.report);
 }
 
 }  // namespace vestra::design_tool

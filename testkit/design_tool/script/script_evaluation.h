@@ -1,9 +1,11 @@
 #ifndef VESTRA_DESIGN_TOOL_SCRIPT_EVALUATION_H
 #define VESTRA_DESIGN_TOOL_SCRIPT_EVALUATION_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "design_tool/diagnosis/diagnostic.h"
 #include "design_tool/report/report.h"
 #include "design_tool/script/script_limits.h"
 
@@ -23,6 +25,16 @@ using LineObserver = void (*)(std::size_t line);
 ///                        run; an error against the protocol cannot be caught by the script.
 Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits = {},
                       LineObserver observer = nullptr);
+
+/// A report up to the error that ended the script, if there was one.
+struct PartialReport {
+  Report report;
+  std::optional<Diagnostic> error;
+};
+
+/// As evaluateScript, for a reader who wants to see the rest of a damaged script.
+PartialReport evaluateAsFarAsPossible(const std::string& file, std::string_view bytes,
+                                      const Limits& limits = {}, LineObserver observer = nullptr);
 
 }  // namespace vestra::design_tool
 

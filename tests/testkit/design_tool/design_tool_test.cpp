@@ -26,7 +26,7 @@ using vestra_test::writeFile;
 class DesignTool : public testing::Test {
  protected:
   DesignTool() {
-    writeFile(scriptFile, goldenIn(directory.path(), "kelvo_vestra.tcl"));
+    writeScript(scriptFile, goldenIn(directory.path(), "kelvo_vestra.tcl"));
     writeFile(wdmFile, goldenIn(directory.path(), "usage_statistics_ext_kelvo.wdm"));
   }
 
@@ -35,7 +35,7 @@ class DesignTool : public testing::Test {
   /// Lets the script name another file for one of its reports.
   void nameOutput(const std::string& output, const std::string& other) const {
     std::string script = goldenIn(directory.path(), "kelvo_vestra.tcl");
-    writeFile(scriptFile, script.replace(script.find(output), output.size(), other));
+    writeScript(scriptFile, script.replace(script.find(output), output.size(), other));
   }
 
   void expectNothingWritten() const {
@@ -62,7 +62,7 @@ TEST_F(DesignTool, ARunWritesBothReportsAndSaysSo) {
                            "vestra-design-tool: read 4 rules from " + wdmFile + "\n" +
                            "vestra-design-tool: wrote " + xmlFile + "\n" + "vestra-design-tool: wrote " +
                            htmlFile + "\n" +
-                           "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
+                           "vestra-design-tool: report 3466800949 is complete; nothing was transmitted\n");
   EXPECT_EQ(err.str(), "");
 }
 
@@ -82,15 +82,31 @@ TEST_F(DesignTool, ARunKeepsACopyInTheOutbox) {
 TEST_F(DesignTool, AWarningDoesNotEndTheRun) {
   std::string script = readFile(scriptFile);
   script.insert(script.find("vestra_transmit"), addData("tavlo", "k", "C:\\temp", "tavlo\\\\usage"));
-  writeFile(scriptFile, script);
+  writeScript(scriptFile, script);
   EXPECT_EQ(start(directory / "outbox"), 0);
   EXPECT_EQ(err.str(),
             scriptFile + ":30: warning: Tcl has changed the value: \"C:\\temp\" became \"C:\\x09emp\"\n" +
                 scriptFile + ":30: warning: client \"tavlo\" has data but was never registered\n" +
-                scriptFile + ":30: warning: context \"tavlo\\usage\" of client \"tavlo\" has no rule\n");
+                scriptFile + ":30: warning: context \"tavlo\\usage\" of client \"tavlo\" has no rule\n" +
+                scriptFile +
+                ":31: warning: -clientid 3466800949 is not the checksum of what is reported: 2793106123 is "
+                "expected of a script of 2026-11-21 08:00\n");
   EXPECT_THAT(
       readFile(directory / "outbox/0001-kelvo/report.json"),
       HasSubstr(scriptFile + ":30: warning: client \\\"tavlo\\\" has data but was never registered\""));
+}
+
+TEST_F(DesignTool, WarningsStopAfterTwentyWithACount) {
+  std::string script = readFile(scriptFile);
+  std::string lines;
+  for (int i = 0; i < 30; ++i) {
+    lines += "vestra_register_client -client kelvo\n";
+  }
+  writeScript(scriptFile, script.insert(script.find("vestra_transmit"), lines));
+  EXPECT_EQ(start(), 0);
+  const std::string text = err.str();
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 21);
+  EXPECT_THAT(text, testing::EndsWith("\n" + scriptFile + ": warning: and 11 more\n"));
 }
 
 TEST_F(DesignTool, AWrongScriptHasNothingWritten) {
@@ -108,7 +124,7 @@ TEST_F(DesignTool, WrongRulesHaveNothingWritten) {
   EXPECT_EQ(start(directory / "outbox"), 1);
   EXPECT_EQ(err.str(), wdmFile + ":2: setting clients is not a list in parentheses\n" +
                            "    clients = 1\n"
-                           "    ^\n");
+                           "    ^~~~~~~\n");
   expectNothingWritten();
 }
 

@@ -14,7 +14,7 @@ namespace vestra::design_tool {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
+using testing::HasSubstr;
 using testing::StartsWith;
 using vestra_test::namesIn;
 using vestra_test::Outcome;
@@ -25,7 +25,7 @@ using vestra_test::writeFile;
 class Executable : public testing::Test {
  protected:
   Executable() {
-    writeFile(directory / "vestra/s.tcl", goldenIn(directory.path(), "kelvo_vestra.tcl"));
+    writeScript(directory / "vestra/s.tcl", goldenIn(directory.path(), "kelvo_vestra.tcl"));
     writeFile(directory / "vestra/usage_statistics_ext_kelvo.wdm", golden("usage_statistics_ext_kelvo.wdm"));
   }
 
@@ -53,7 +53,7 @@ TEST_F(Executable, TheToolRunsAsTheRealOneIsStarted) {
             "vestra-design-tool: read 4 rules from " +
                 vestra + ".wdm\n" + "vestra-design-tool: wrote " + vestra + ".xml\n" +
                 "vestra-design-tool: wrote " + vestra + ".html\n" +
-                "vestra-design-tool: report 3600604488 is complete; nothing was transmitted\n");
+                "vestra-design-tool: report 3466800949 is complete; nothing was transmitted\n");
   EXPECT_EQ(outcome.err, "");
 }
 
@@ -123,6 +123,34 @@ TEST_F(Executable, AScriptIsShownAndNothingIsWritten) {
             "    ^~~~\n");
 }
 
+TEST_F(Executable, AnAnswerThatCannotBeWrittenIsAnError) {
+  for (const char* answer : {"--show vestra/s.tcl", "--help", "--version"}) {
+    const std::string command = VESTRA_DESIGN_TOOL " " + std::string(answer) + " >/dev/full";
+    const Outcome outcome = vestra_test::run({"sh", "-c", command}, {}, directory.path());
+    EXPECT_EQ(outcome.status, 1) << answer;
+    EXPECT_EQ(outcome.err, "vestra-design-tool: standard output cannot be written\n") << answer;
+  }
+}
+
+TEST_F(Executable, ADamagedScriptIsShownAsFarAsItCanBeRead) {
+  writeFile(directory / "bad.tcl", "vestra_init -vestra_dir /p/vestra/\n" +
+                                       addData("kelvo", "before", "C:\\temp", "kelvo\\\\usage") +
+                                       addData("kelvo", "damage", "a\"b", "kelvo\\\\usage") +
+                                       addData("kelvo", "behind", "  ", "kelvo\\\\usage"));
+  const Outcome outcome = start({"--show", "bad.tcl"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out,
+            "Damaged script; what can be read of it:\n"
+            "\n"
+            "  kelvo\\usage (kelvo)\n"
+            "  ! before  C:\\x09emp\n"
+            "            (the value holds a backslash, which changes what follows it)\n"
+            "  ! damage  a\"b\n"
+            "            (the value holds a double quote, which ends it)\n"
+            "    behind  \\x20\\x20\n");
+  EXPECT_THAT(outcome.err, StartsWith("bad.tcl:3: extra characters after close-quote; "));
+}
+
 TEST_F(Executable, HelpAndVersionAreAnswered) {
   const Outcome help = start({"--help"});
   EXPECT_EQ(help.status, 0);
@@ -180,7 +208,8 @@ TEST_F(Executable, ALargeReportPasses) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out,
               StartsWith("vestra-design-tool: read " + std::to_string(ITEMS + 26) + " items from "));
-  EXPECT_THAT(outcome.err, IsEmpty());
+  EXPECT_THAT(outcome.err, HasSubstr(" is not the checksum of what is reported: "));
+  EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
 }
 
 }  // namespace

@@ -1,5 +1,9 @@
 #include "testkit/design_tool/golden.h"
 
+#include <ctime>
+
+#include <boost/filesystem/operations.hpp>
+
 #include "support/files.h"
 
 namespace vestra::design_tool {
@@ -16,6 +20,17 @@ std::string goldenIn(const std::string& directory, const std::string& name) {
     text.replace(at, original.size(), directory);
   }
   return text;
+}
+
+void writeScript(const std::string& path, const std::string& script) {
+  vestra_test::writeFile(path, script);
+  struct tm hour = {};
+  hour.tm_year = 126;
+  hour.tm_mon = 10;
+  hour.tm_mday = 21;
+  hour.tm_hour = 8;
+  hour.tm_isdst = -1;
+  boost::filesystem::last_write_time(path, std::mktime(&hour));
 }
 
 }  // namespace vestra::design_tool

@@ -11,6 +11,9 @@ std::string golden(const std::string& name);
 /// The same with another project directory in place of `/home/u/demo`.
 std::string goldenIn(const std::string& directory, const std::string& name);
 
+/// Writes a script as if it had been written in the hour that the golden scripts name.
+void writeScript(const std::string& path, const std::string& script);
+
 }  // namespace vestra::design_tool
 
 #endif

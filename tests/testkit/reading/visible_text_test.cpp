@@ -30,6 +30,25 @@ TEST(VisibleText, ATerminalGetsNothingThatItWouldObey) {
             "\\x1b[31mred\\x07\\x0a\\x09\\x7f\\xc2\\x9b caf\xC3\xA9 \\xff");
 }
 
+TEST(VisibleText, CharactersThatTurnTheDirectionOrHaveNoWidthAreNamed) {
+  for (const std::string& hidden :
+       std::vector<std::string>{"\u202E", "\u2066", "\u200F", "\u061C", "\u200B", "\u200D", "\u2060",
+                                "\uFEFF", "\u00AD", "\u2028", "\u3164", "\U000E0041"}) {
+    EXPECT_EQ(forTerminal("a" + hidden + "b"), "a" + namedBytes(hidden) + "b");
+  }
+  EXPECT_EQ(forTerminal("\u05E9\u05DC\u05D5\u05DD \u20AC"), "\u05E9\u05DC\u05D5\u05DD \u20AC");
+}
+
+TEST(VisibleText, ATextOfBlanksAloneIsBlank) {
+  for (const char* blank : {" ", "\t\n", "  \u00A0", "\u3000\u2003"}) {
+    EXPECT_TRUE(isBlank(blank));
+  }
+  for (const char* other : {"", " a ", "\x01", "\xA0", "\u200B"}) {
+    EXPECT_FALSE(isBlank(other));
+  }
+  EXPECT_EQ(namedBytes(" \t"), "\\x20\\x09");
+}
+
 TEST(VisibleText, AQuotedTextIsCutBetweenCharacters) {
   EXPECT_EQ(inQuotes("abc", 3), "\"abc\"");
   EXPECT_EQ(inQuotes("abcd", 3), "\"abc...\"");

@@ -27,5 +27,5 @@ vestra_add_data -client kelvo -key snapshot -value "work.tb_top_behavioural_with
 vestra_add_data -client kelvo -key runs -value "2" -context "kelvo\\usage"
 vestra_add_data -client kelvo -key simulation_time_ps -value "104857600" -context "kelvo\\usage"
 vestra_add_data -client kelvo -key peak_memory_kb -value "2218340" -context "kelvo\\usage"
-vestra_transmit -clientid 3600604488 -regid "REG-174012" -xml /home/u/demo/vestra/usage_statistics_ext_kelvo.xml -html /home/u/demo/vestra/usage_statistics_ext_kelvo.html -wdm /home/u/demo/vestra/usage_statistics_ext_kelvo.wdm -intro "<H3>KELVO Usage Report</H3><BR>"
+vestra_transmit -clientid 3466800949 -regid "REG-174012" -xml /home/u/demo/vestra/usage_statistics_ext_kelvo.xml -html /home/u/demo/vestra/usage_statistics_ext_kelvo.html -wdm /home/u/demo/vestra/usage_statistics_ext_kelvo.wdm -intro "<H3>KELVO Usage Report</H3><BR>"
 vestra_terminate

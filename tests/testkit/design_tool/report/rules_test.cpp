@@ -47,14 +47,14 @@ TEST(Rules, ABrokenLineOfTheRulesIsNamed) {
   EXPECT_EQ(errorIn("version = \"1.0\";\nclients = (\n  oops\n);\n"),
             "r.wdm:3: syntax error\n"
             "      oops\n"
-            "    ^\n");
+            "      ^\n");
 }
 
 TEST(Rules, OneVersionOfTheRulesIsKnown) {
   EXPECT_EQ(errorIn("clients = ();\nversion = \"2.0\";\n"),
             "r.wdm:2: version \"2.0\" is not known, only \"1.0\"\n"
             "    version = \"2.0\";\n"
-            "    ^\n");
+            "    ^~~~~~~~~~~~~~~\n");
   EXPECT_EQ(errorIn("clients = ();\n"),
             "r.wdm:1: setting version is missing\n"
             "    clients = ();\n"
@@ -62,7 +62,7 @@ TEST(Rules, OneVersionOfTheRulesIsKnown) {
   EXPECT_EQ(errorIn("version = 1.0;\nclients = ();\n"),
             "r.wdm:1: setting version is not a text in double quotes\n"
             "    version = 1.0;\n"
-            "    ^\n");
+            "    ^~~~~~~\n");
 }
 
 TEST(Rules, AnEmptyRulesFileHasNoVersion) { EXPECT_EQ(errorIn(""), "r.wdm:1: setting version is missing\n"); }
@@ -75,7 +75,7 @@ TEST(Rules, ClientsAreAListOfGroups) {
   EXPECT_EQ(errorIn("version = \"1.0\";\nclients = \"none\";\n"),
             "r.wdm:2: setting clients is not a list in parentheses\n"
             "    clients = \"none\";\n"
-            "    ^\n");
+            "    ^~~~~~~\n");
   EXPECT_EQ(errorIn("version = \"1.0\";\nclients = (\n\"kelvo\");\n"),
             "r.wdm:3: a client is not a group in braces\n"
             "    \"kelvo\");\n"
@@ -94,7 +94,7 @@ TEST(Rules, TheHtmlFormatIsOneOfTwo) {
       errorIn(rulesWith("{ context = \"a\"; xml_map = \"a\"; html_map = \"a\";\nhtml_format = \"Plain\"; }")),
       "r.wdm:4: html_format \"Plain\" is not known\n"
       "    html_format = \"Plain\"; }\n"
-      "    ^\n");
+      "    ^~~~~~~~~~~~~~~~~~~~~\n");
 }
 
 TEST(Rules, AContextHasOneRule) {
@@ -105,7 +105,7 @@ TEST(Rules, AContextHasOneRule) {
             "    " +
                 rule +
                 "\n"
-                "    ^\n");
+                "      ^~~~~~~~~~~~~\n");
 }
 
 TEST(Rules, AClientMayHaveNoRules) { EXPECT_EQ(errorIn(rulesWith("")), "no error"); }
@@ -114,14 +114,24 @@ TEST(Rules, OtherFilesAreNotIncluded) {
   EXPECT_EQ(errorIn("version = \"1.0\";\n  @include \"/dev/zero\"\n"),
             "r.wdm:2: @include is not supported\n"
             "      @include \"/dev/zero\"\n"
-            "    ^\n");
+            "      ^~~~~~~~\n");
+}
+
+TEST(Rules, AnIncludeInACommentOrATextIsNone) {
+  const std::string rules = "version = \"1.0\"; clients = ();\n";
+  EXPECT_EQ(errorIn("# \"\n/* it's \"one\n@include \"/dev/zero\"\n*/ " + rules), "no error");
+  EXPECT_EQ(errorIn("// /*\n# @include\nnote = \"\\\"/*\n@include\n\";\n" + rules), "no error");
+  EXPECT_EQ(errorIn("/* closed */ a = 1;\n\t@include \"x\"\n" + rules),
+            "r.wdm:2: @include is not supported\n"
+            "    \\x09@include \"x\"\n"
+            "        ^~~~~~~~\n");
 }
 
 TEST(Rules, NothingHidesBehindANul) {
   EXPECT_EQ(errorIn(std::string("version = \"1.0\";\nclients = ();\n\0 nonsense", 41)),
             "r.wdm:3: the rules hold a NUL byte\n"
             "    \\x00 nonsense\n"
-            "    ^\n");
+            "    ^~~~\n");
 }
 
 TEST(Rules, DeepNestingIsRefused) {

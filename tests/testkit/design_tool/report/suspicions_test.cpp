@@ -39,6 +39,18 @@ TEST(Suspicions, ARegistrationAfterTheDataCounts) {
 
 TEST(Suspicions, ARegisteredClientNeedsNoData) { EXPECT_EQ(suspicionsIn(""), ""); }
 
+TEST(Suspicions, AMissingClientIsNamed) {
+  const std::string transmit =
+      "vestra_transmit -clientid 1 -regid R -xml x -html h -wdm w -intro I\nvestra_terminate\n";
+  const std::vector<Warning> none =
+      suspicionsAbout(evaluateScript("s.tcl", "vestra_init -vestra_dir /p\n" + transmit), {});
+  ASSERT_EQ(none.size(), 1u);
+  EXPECT_EQ(none[0].line, 2u);
+  EXPECT_EQ(none[0].message, "no client is registered");
+  EXPECT_EQ(suspicionsIn("vestra_register_client -client {}\n"),
+            "3: the client that is registered has no name\n");
+}
+
 TEST(Suspicions, AClientRegisteredTwiceIsNamed) {
   EXPECT_EQ(suspicionsIn("vestra_register_client -client kelvo\n"),
             "3: client \"kelvo\" is registered again, first on line 2\n");

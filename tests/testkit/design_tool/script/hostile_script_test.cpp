@@ -27,10 +27,10 @@ INSTANTIATE_TEST_SUITE_P(
                     "fconfigure stdout", "flush stdout", "fileevent stdin r", "rename set put",
                     "namespace eval a b", "info commands", "trace add x", "coroutine c list", "yield",
                     "yieldto list", "apply x", "time x", "clock seconds", "regexp a b", "regsub a b c",
-                    "switch a b", "zlib crc32 a", "oo::class create A", "unknown x", "auto_load x",
-                    "memory info", "history", "::tcl::namespace::eval a b", "::tcl::info::commands",
-                    "::tcl::file::exists /", "::tcl::unsupported::assemble x", "::tcl::clock::seconds",
-                    "::oo::class create A", "::exec ls"));
+                    "switch a b", "zlib crc32 a", "oo::class create A", "auto_load x", "memory info",
+                    "history", "::tcl::namespace::eval a b", "::tcl::info::commands", "::tcl::file::exists /",
+                    "::tcl::unsupported::assemble x", "::tcl::clock::seconds", "::oo::class create A",
+                    "::exec ls"));
 
 TEST(HostileScript, AnInvokedHiddenCommandStaysHidden) {
   EXPECT_EQ(errorOf("catch {exec touch /tmp/x} message\nerror $message\n"),
@@ -57,6 +57,17 @@ TEST(HostileScript, TheToolsCommandsCannotBeRedefined) {
             "s.tcl:1: vestra_init cannot be redefined\n"
             "    catch {proc ::vestra_init args {}}\n"
             "    ^~~~~\n");
+}
+
+TEST(HostileScript, AMisspeltCommandCannotBeHidden) {
+  EXPECT_EQ(errorOf("proc unknown args {}\nvestra_ad_data -client kelvo\n"),
+            "s.tcl:1: unknown cannot be redefined\n"
+            "    proc unknown args {}\n"
+            "    ^~~~\n");
+  const Report report = evaluateScript("s.tcl", scriptAround("catch {vestra_ad_data -client kelvo}\n"));
+  ASSERT_EQ(report.warnings.size(), 1u);
+  EXPECT_EQ(report.warnings[0].line, 3u);
+  EXPECT_EQ(report.warnings[0].message, "there is no command \"vestra_ad_data\"");
 }
 
 TEST(HostileScript, AProtocolErrorCannotBeCaught) {
