@@ -38,6 +38,8 @@ if(VESTRA_BUILD_TESTKIT)
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT testkit)
   install(EXPORT vestra-testkit-targets NAMESPACE vestra::
     DESTINATION "${vestra_package_dir}" COMPONENT testkit)
+  install(FILES "${PROJECT_BINARY_DIR}/kit/${CMAKE_INSTALL_DATADIR}/doc/vestra/privacy.html"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/vestra" COMPONENT testkit)
   install(FILES "${PROJECT_SOURCE_DIR}/man/vestra-design-tool.1"
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT testkit)
   configure_file("${CMAKE_CURRENT_LIST_DIR}/vestra-testkit.pc.in" "${PROJECT_BINARY_DIR}/vestra-testkit.pc" @ONLY)

@@ -12,6 +12,8 @@ struct RunRequest {
   std::string source;
   /// Empty when no copy is to be kept.
   std::string outbox;
+  /// Where the page about privacy is installed; empty where it is not.
+  std::string privacyPage = "";
 };
 /// A script to be shown as a text, without its rules and without any report being written.
 struct ShowRequest {

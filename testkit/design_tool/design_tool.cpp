@@ -131,7 +131,7 @@ std::unique_ptr<PendingCopy> prepareCopy(const RunRequest& request, const Run& r
 void write(const RunRequest& request, const Run& run, std::ostream& out) {
   const Places places = placesFor(request, run);
   const std::string xml = renderXml(run.report, run.rules);
-  const std::string html = renderHtml(run.report, run.rules);
+  const std::string html = renderHtml(run.report, run.rules, request.privacyPage);
   PendingFile xmlFile(places.xml, xml);
   PendingFile htmlFile(places.html, html);
   const std::unique_ptr<PendingCopy> copy = prepareCopy(request, run, xml, html);

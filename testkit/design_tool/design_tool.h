@@ -18,8 +18,9 @@ namespace vestra::design_tool {
 int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err,
                   LineObserver observer = nullptr);
 
-/// Prints what the script reports, as a text, and marks each item that the interpreter does not read as it was
-/// written. Of a damaged script, the items before the damage and behind it are printed. Nothing is written.
+/// Prints what the script reports, as a text, and marks each item that the interpreter does not read as it
+/// was written. Of a damaged script, the items before the damage and behind it are printed. Nothing is
+/// written.
 ///
 /// @param err      gets the error, where the script is damaged
 /// @param observer see evaluateScript; may be null

@@ -1,7 +1,9 @@
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "design_tool/command_line.h"
@@ -19,6 +21,13 @@ int checked(int status) {
   }
   std::cerr << "vestra-design-tool: standard output cannot be written\n";
   return 1;
+}
+
+std::string privacyPage() {
+  std::error_code error;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+  const std::filesystem::path page = (program.parent_path() / PRIVACY_PAGE_FROM_HERE).lexically_normal();
+  return std::filesystem::is_regular_file(page, error) ? page.string() : "";
 }
 
 struct Perform {
@@ -39,7 +48,8 @@ struct Perform {
         request.script, [&] { return checked(showReport(request, std::cout, std::cerr, &noteLine)); },
         std::cerr);
   }
-  int operator()(const RunRequest& request) const {
+  int operator()(RunRequest request) const {
+    request.privacyPage = privacyPage();
     return runGuarded(
         request.source, [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); }, std::cerr);
   }

@@ -22,13 +22,15 @@ void appendCharacter(std::string& html, std::string_view character) {
   }
 }
 
-void appendBytes(std::string& html, std::string_view bytes) {
+}  // namespace
+
+std::string namedForHtml(std::string_view bytes) {
+  std::string html;
   for (const char byte : bytes) {
     html += "<span class=\"byte\">" + nameOfByte(byte) + "</span>";
   }
+  return html;
 }
-
-}  // namespace
 
 std::string escapedForHtml(std::string_view bytes) {
   std::string html;
@@ -38,7 +40,7 @@ std::string escapedForHtml(std::string_view bytes) {
     if (character.length != 0 && isVisible(character.codePoint)) {
       appendCharacter(html, piece);
     } else {
-      appendBytes(html, piece);
+      html += namedForHtml(piece);
     }
     bytes.remove_prefix(piece.size());
   }

@@ -11,6 +11,9 @@ namespace vestra::reading {
 /// characters spelled out.
 std::string escapedForHtml(std::string_view bytes);
 
+/// Each byte as `\xNN` in an element of class "byte".
+std::string namedForHtml(std::string_view bytes);
+
 }  // namespace vestra::reading
 
 #endif

@@ -5,14 +5,17 @@
 
 #include <fmt/format.h>
 
+#include "design_tool/pages/headings.h"
 #include "design_tool/pages/intro.h"
 #include "design_tool/pages/page_style.h"
 #include "design_tool/report/sections.h"
 #include "reading/html_text.h"
+#include "reading/visible_text.h"
 
 namespace vestra::design_tool {
 
 using reading::escapedForHtml;
+using reading::forTerminal;
 
 namespace {
 
@@ -33,6 +36,9 @@ std::string valueHtml(const std::string& value) {
   if (value == NOT_APPLICABLE) {
     return "<span class=\"absent\">not applicable</span>";
   }
+  if (reading::isBlank(value)) {
+    return reading::namedForHtml(value);
+  }
   return escapedForHtml(value);
 }
 
@@ -48,18 +54,18 @@ std::string keyHtml(const std::string& key) {
   return html;
 }
 
-/// "kelvo\command_line_options" is read as "Command line options": the last part of the path, as words.
-std::string headingOf(const std::string& map) {
-  const std::size_t lastSeparator = map.find_last_of('\\');
-  std::string words = lastSeparator == std::string::npos ? map : map.substr(lastSeparator + 1);
-  std::replace(words.begin(), words.end(), '_', ' ');
-  if (!words.empty() && words[0] >= 'a' && words[0] <= 'z') {
-    words[0] = static_cast<char>(words[0] - 'a' + 'A');
-  }
-  return words;
+std::size_t notApplicableIn(const MappedSection& section) {
+  return static_cast<std::size_t>(
+      std::count_if(section.items.begin(), section.items.end(),
+                    [](const Item* item) { return item->value == NOT_APPLICABLE; }));
 }
 
-std::string countOf(std::size_t items) { return items == 1 ? "1 item" : fmt::format("{} items", items); }
+std::string countOf(const MappedSection& section) {
+  const std::size_t items = section.items.size();
+  const std::string count = items == 1 ? "1 item" : fmt::format("{} items", items);
+  const std::size_t notApplicable = notApplicableIn(section);
+  return notApplicable == 0 ? count : fmt::format("{}, {} not applicable", count, notApplicable);
+}
 
 void addHead(std::string& html, const Report& report) {
   html += "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n";
@@ -69,17 +75,19 @@ void addHead(std::string& html, const Report& report) {
   html += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
   html += "<meta name=\"color-scheme\" content=\"light dark\">\n";
   html += fmt::format("<title>{}</title>\n<style>\n{}</style>\n</head>\n",
-                      escapedForHtml(titleOf(report.transmission.intro)), PAGE_STYLE);
+                      escapedForHtml(forTerminal(titleOf(report.transmission.intro))), PAGE_STYLE);
 }
 
-void addFact(std::string& html, std::string_view name, const std::string& value) {
-  html += fmt::format("<div><dt>{}</dt><dd class=\"value\">{}</dd></div>\n", name, valueHtml(value));
+void addFact(std::string& html, std::string_view name, const std::string& value, const std::string& note) {
+  html += fmt::format("<div><dt>{}</dt><dd class=\"value\">{}</dd><dd class=\"note\">{}</dd></div>\n", name,
+                      valueHtml(value), note);
 }
 
-void addProjectFact(std::string& html, std::string_view name, const Report& report, const std::string& key) {
+void addProjectFact(std::string& html, std::string_view name, const Report& report, const std::string& key,
+                    const std::string& note) {
   const std::string value = projectValue(report, key);
   if (!value.empty()) {
-    addFact(html, name, value);
+    addFact(html, name, value, note);
   }
 }
 
@@ -90,15 +98,67 @@ void addTestMark(std::string& html, const Report& report) {
   html += "<p class=\"test\"><span class=\"chip\">Test report from inside the maker's network</span></p>\n";
 }
 
+std::string pathHtml(const std::string& path) {
+  return "<span class=\"path\">" + escapedForHtml(path) + "</span>";
+}
+
+std::string linkTo(const std::string& path) {
+  std::string url = "file://";
+  for (const char byte : path) {
+    const bool isPlain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+                         (byte >= '0' && byte <= '9') ||
+                         std::string_view("/-._~").find(byte) != std::string_view::npos;
+    url += isPlain ? std::string(1, byte) : fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+  }
+  return fmt::format(" <a href=\"{}\">What is reported about you</a> tells more.", url);
+}
+
+void addAbout(std::string& html, const std::string& privacyPage) {
+  html +=
+      "<p class=\"about\">Vestra, a part of the program that you ran, has written down what this page shows: "
+      "facts about one run, the project and the machine. The page was made by the stand-in design tool, with "
+      "which developers test; it has <strong>transmitted nothing</strong>.";
+  html += (privacyPage.empty() ? "" : linkTo(privacyPage)) + "</p>\n";
+}
+
+std::string installationNote() {
+  return "A random number for your home directory, made once and reported each time. It lives until you "
+         "reset "
+         "it: delete the line that begins with " +
+         pathHtml("RandomID=") + " in " + pathHtml("~/.Calvix/Common/2018.2/vestra") + ".";
+}
+
+std::string projectNote(const Report& report) {
+  return "A number for this project, made at random or supplied by the program, and reported each time. It "
+         "lives "
+         "until you reset it: delete " +
+         pathHtml(report.vestraDir + ".kelvo_vestrra.info") + ".";
+}
+
+constexpr const char* REGISTRATION_NOTE =
+    "Names the registration of the installed software, as its support library tells it. Vestra does not keep "
+    "it; "
+    "it lives as long as the registration.";
+constexpr const char* ITERATION_NOTE =
+    "How many runs have asked for a report in this project, this one included. With a new number of the "
+    "project, "
+    "it begins again.";
+
 void addOrigin(std::string& html, const Report& report) {
   html += "<section aria-label=\"Origin\">\n<dl class=\"facts\">\n";
-  addProjectFact(html, "Generated", report, "date_generated");
-  addProjectFact(html, "Installation", report, "random_id");
-  addFact(html, "Registration", report.transmission.registrationId);
-  addProjectFact(html, "Project", report, "project_id");
-  addProjectFact(html, "Project iteration", report, "project_iteration");
-  addFact(html, "Folder", report.vestraDir);
-  html += "</dl>\n</section>\n";
+  addProjectFact(html, "Generated", report, "date_generated", "When the report was written.");
+  addProjectFact(html, "Installation", report, "random_id", installationNote());
+  addFact(html, "Registration", report.transmission.registrationId, REGISTRATION_NOTE);
+  addProjectFact(html, "Project", report, "project_id", projectNote(report));
+  addProjectFact(html, "Project iteration", report, "project_iteration", ITERATION_NOTE);
+  addFact(html, "Folder", report.vestraDir, "Where the report and its pages lie.");
+  html +=
+      "</dl>\n<p class=\"legend\">The label beside a heading names who reports: <span "
+      "class=\"chip\">project</span> for the project, the installation and the machine, otherwise the "
+      "program. "
+      "<span class=\"test\"><span class=\"chip\">no rule</span></span> marks facts to which the rules give "
+      "no "
+      "place in a report.</p>\n</section>\n";
 }
 
 void addEnvironmentList(std::string& html, const MappedSection& section) {
@@ -136,14 +196,13 @@ void addItems(std::string& html, const MappedSection& section) {
   }
 }
 
-void addSection(std::string& html, const MappedSection& section) {
-  const std::string& map = section.rule == nullptr ? section.context : section.rule->htmlMap;
+void addSection(std::string& html, const MappedSection& section, const std::string& heading) {
   html += fmt::format("<section>\n<div class=\"head\"><h2>{}</h2><span class=\"chip\">{}</span>",
-                      escapedForHtml(headingOf(map)), escapedForHtml(section.client));
+                      escapedForHtml(heading), escapedForHtml(section.client));
   if (section.rule == nullptr) {
     html += "<span class=\"test\"><span class=\"chip\">no rule</span></span>";
   }
-  html += fmt::format("<span class=\"count\">{}</span></div>\n", countOf(section.items.size()));
+  html += fmt::format("<span class=\"count\">{}</span></div>\n", countOf(section));
   addItems(html, section);
   html += "</section>\n";
 }
@@ -157,15 +216,18 @@ void addFooter(std::string& html, const Report& report) {
 
 }  // namespace
 
-std::string renderHtml(const Report& report, const std::vector<Rule>& rules) {
+std::string renderHtml(const Report& report, const std::vector<Rule>& rules, const std::string& privacyPage) {
   std::string html;
   addHead(html, report);
   html += fmt::format("<body>\n<main>\n<header class=\"intro\">{}</header>\n",
                       renderIntro(report.transmission.intro));
   addTestMark(html, report);
+  addAbout(html, privacyPage);
   addOrigin(html, report);
-  for (const MappedSection& section : mapSections(report, rules)) {
-    addSection(html, section);
+  const std::vector<MappedSection> sections = mapSections(report, rules);
+  const std::vector<std::string> headings = headingsOf(sections);
+  for (std::size_t i = 0; i < sections.size(); ++i) {
+    addSection(html, sections[i], headings[i]);
   }
   addFooter(html, report);
   html += "</main>\n</body>\n</html>\n";
