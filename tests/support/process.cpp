@@ -65,10 +65,17 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
   return pointers;
 }
 
+bool hasSameName(const std::string& left, const std::string& right) {
+  return left.substr(0, left.find('=')) == right.substr(0, right.find('='));
+}
+
+// Of two entries with one name, some programs take the first and shells the last.
 std::vector<std::string> environmentWith(const std::vector<std::string>& additions) {
   std::vector<std::string> all = additions;
   for (char** entry = environ; *entry != nullptr; ++entry) {
-    if (std::string(*entry).rfind("VESTRA_OUTBOX=", 0) != 0) {
+    const bool isReplaced = std::any_of(additions.begin(), additions.end(),
+                                        [&](const std::string& each) { return hasSameName(each, *entry); });
+    if (!isReplaced && !hasSameName(*entry, "VESTRA_OUTBOX")) {
       all.emplace_back(*entry);
     }
   }
