@@ -35,7 +35,7 @@ class SafeInterpreter {
 
  private:
   struct Deleter {
-    void operator()(Tcl_Interp* interpreter) const { Tcl_DeleteInterp(interpreter); }
+    void operator()(Tcl_Interp* unused) const { Tcl_DeleteInterp(unused); }
   };
 
   static void onDeadline(ClientData self, Tcl_Interp* tcl);

@@ -96,6 +96,27 @@ TEST_F(DesignTool, AWarningDoesNotEndTheRun) {
       HasSubstr(scriptFile + ":30: warning: client \\\"tavlo\\\" has data but was never registered\""));
 }
 
+TEST_F(DesignTool, ALabToolsReportIsKeptAsTavloWhateverItRegisters) {
+  std::string script = goldenIn(directory.path(), "tavlo_vestra.tcl");
+  script.insert(script.find("vestra_transmit"), "vestra_register_client -client kelvo\n");
+  writeScript(scriptFile, script);
+  writeFile(vestra("usage_statistics_ext_tavlo.wdm"),
+            goldenIn(directory.path(), "usage_statistics_ext_tavlo.wdm"));
+  EXPECT_EQ(start(directory / "outbox"), 0);
+  EXPECT_THAT(namesIn(directory / "outbox"), ElementsAre("0001-tavlo"));
+}
+
+TEST_F(DesignTool, AValueThatAddsACommandIsWarnedOf) {
+  std::string script = readFile(scriptFile);
+  const std::string own = "-value \"true\"";
+  const std::string value =
+      "true\" -context \"kelvo\\\\usage\"; vestra_add_data -client kelvo -key fake -value \"1";
+  writeScript(scriptFile, script.replace(script.find(own), own.size(), "-value \"" + value + "\""));
+  EXPECT_EQ(start(), 0);
+  EXPECT_THAT(err.str(),
+              HasSubstr(": warning: the value of key \"runall\" ends its command and adds 1 more\n"));
+}
+
 TEST_F(DesignTool, WarningsStopAfterTwentyWithACount) {
   std::string script = readFile(scriptFile);
   std::string lines;
