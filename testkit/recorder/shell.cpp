@@ -2,9 +2,11 @@
 // process.
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <string>
@@ -35,11 +37,21 @@ std::string rulesFor(const ToolCommandLine& tool) {
   return tool.script.empty() ? "" : bytesIfThere(rulesFileBeside(tool.script));
 }
 
+// The design tool takes the script's time for the hour that the report's number is made of.
+void holdTimeOf(const std::string& script) {
+  if (const auto now = heldClock()) {
+    const timespec held{*now, 0};
+    const std::array<timespec, 2> times{held, held};
+    utimensat(AT_FDCWD, script.c_str(), times.data(), 0);
+  }
+}
+
 using System = int (*)(const char*);
 
 int runRecorded(const char* command, System run) {
   const std::string number = nextNumber();
   const ToolCommandLine tool = toolCommandLine(command).value_or(ToolCommandLine());
+  holdTimeOf(tool.script);
   std::fflush(nullptr);
   note(SHELL_RECORD, {BEGUN, number, command, bytesIfThere(tool.script), rulesFor(tool),
                       sizeOf(STDOUT_FILENO), sizeOf(STDERR_FILENO)});

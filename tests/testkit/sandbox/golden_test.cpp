@@ -102,6 +102,14 @@ TEST(AHeldClock, DecidesTheReportsHourAndDay) {
   EXPECT_THAT(sandbox.runHost(), WasSent());
 }
 
+// Longer ago than the years in which the tool looks for a kept script's hour.
+TEST(AHeldClock, IsTheDesignToolsToo) {
+  HeldSandbox sandbox(1000000000);
+  const HostRun run = sandbox.runHost();
+  ASSERT_THAT(run, WasSent());
+  EXPECT_THAT(run.report()->warnings, testing::IsEmpty());
+}
+
 TEST(AHeldClock, IsTheSameInEachTimeZone) {
   HeldSandbox sandbox;
   const HostRun run = sandbox.runHost();
