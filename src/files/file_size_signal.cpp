@@ -33,7 +33,7 @@ FileSizeSignalHold::FileSizeSignalHold() {
 }
 
 FileSizeSignalHold::~FileSizeSignalHold() {
-  if (!wasWaiting) {
+  if (mayHaveCome && !wasWaiting) {
     takeAway();
   }
   pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);

@@ -20,8 +20,12 @@ class FileSizeSignalHold {
   FileSizeSignalHold& operator=(const FileSizeSignalHold&) = delete;
   ~FileSizeSignalHold();
 
+  /// Says that every write has succeeded: no signal needs to be taken away.
+  void endWithoutSignal() { mayHaveCome = false; }
+
  private:
   sigset_t maskBefore;
+  bool mayHaveCome = true;
   bool wasWaiting;
 };
 

@@ -7,7 +7,7 @@ boost::filesystem::file_status statusOf(const std::string& path) {
   return boost::filesystem::status(path, error);
 }
 
-bool opensWithoutWaiting(const boost::filesystem::file_status& status, std::ios_base::openmode mode) {
+bool opensWithoutBlocking(const boost::filesystem::file_status& status, std::ios_base::openmode mode) {
   if (!boost::filesystem::exists(status)) {
     return true;
   }

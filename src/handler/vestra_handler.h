@@ -11,6 +11,7 @@
 namespace Oza {
 
 class VestraProjectInfo;
+struct CollectedText;
 struct ProductProfile;
 
 /// The report handler: holds what was collected, writes the report and runs the
@@ -138,6 +139,7 @@ class VestraHandler {
   bool openSupportLibrary();
   void closeSupportLibrary();
   void writeScript();
+  void composeScript(CollectedText& text);
   void removeReportFiles() const;
 
   VestraProjectInfo* projectInfo;

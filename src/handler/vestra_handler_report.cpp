@@ -1,8 +1,5 @@
-#include <fstream>
-
 #include "data/crc32.h"
-#include "files/file_size_signal.h"
-#include "files/open_file.h"
+#include "files/replace_file.h"
 #include "handler/product_profile.h"
 #include "handler/report_script.h"
 #include "handler/rules_file.h"
@@ -28,12 +25,13 @@ bool VestraHandler::prepareVestraData() {
   return true;
 }
 
+// Hosts that write the same rules at one moment leave the file alone.
 void VestraHandler::createSimWdm() {
   const std::string rules = rulesFileText(productType);
-  FileSizeSignalHold hold;
-  std::ofstream out;
-  openFile(out, pathInVestraDirectory(getVestraWdm()), std::ios_base::trunc);
-  out << rules;
+  const std::string path = pathInVestraDirectory(getVestraWdm());
+  if (!fileHolds(path, rules)) {
+    replaceFile(path, rules);
+  }
 }
 
 std::uint32_t VestraHandler::getCrc32(const std::string& text) { return crc32(text.c_str()); }
@@ -46,19 +44,26 @@ bool VestraHandler::openSupportLibrary() {
   return supportLibrary != nullptr;
 }
 
-// Where the support library names no registration, the script keeps what stands before.
+// The text is complete before its file is touched. Where it cannot be completed, because
+// the support library names no registration, the file gets what there is of it.
 void VestraHandler::writeScript() {
-  const std::string vestraDirectory = vestraDirectoryOf(projectDirectory);
-  FileSizeSignalHold hold;
-  std::ofstream script;
-  openFile(script, pathInVestraDirectory(getVestraCommandTcl()), std::ios_base::trunc);
-  script << initLine(vestraDirectory) << std::flush;
-  CollectedText collected{"", getTimeStampSeg()};
-  appendContexts(contexts, collected);
-  script << collected.lines << std::flush;
+  const std::string path = pathInVestraDirectory(getVestraCommandTcl());
+  CollectedText text{initLine(vestraDirectoryOf(projectDirectory)), getTimeStampSeg()};
+  try {
+    composeScript(text);
+  } catch (...) {
+    replaceFile(path, text.lines);
+    throw;
+  }
+  replaceFile(path, text.lines);
+}
+
+void VestraHandler::composeScript(CollectedText& text) {
+  appendContexts(contexts, text);
   const bool internalSite = isInternal();
   const std::string registration = registrationText(internalSite, productType, getRegId());
-  script << transmitLines(getCrc32(collected.checksumText), registration, vestraDirectory, productType);
+  text.lines += transmitLines(getCrc32(text.checksumText), registration, vestraDirectoryOf(projectDirectory),
+                              productType);
 }
 
 }  // namespace Oza

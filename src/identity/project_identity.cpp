@@ -1,11 +1,16 @@
 #include "identity/project_identity.h"
 
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
 #include "files/read_line.h"
 
 namespace Oza {
 namespace {
 
 constexpr std::int64_t SECONDS_PER_DAY = 86400;
+constexpr std::int64_t NEVER = 0;
 
 /// Reads one line and, unless it is empty, makes a number of it.
 template <typename Number, typename Convert>
@@ -36,6 +41,28 @@ void readProjectIdentity(std::istream& in, ProjectIdentity& identity) {
   }
 }
 
+bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity) {
+  ProjectIdentity read = identity;
+  std::istringstream in(text);
+  try {
+    readProjectIdentity(in, read);
+  } catch (const std::logic_error&) {
+    return false;
+  }
+  identity = std::move(read);
+  return true;
+}
+
+ProjectIdentity broughtUpToDate(const ProjectIdentity& identity, const std::string& text,
+                                bool identifierIsHosts) {
+  ProjectIdentity found = identity;
+  parseProjectIdentity(text, found);
+  if (identifierIsHosts || found.projectId.empty()) {
+    found.projectId = identity.projectId;
+  }
+  return found;
+}
+
 std::string formatProjectIdentity(const ProjectIdentity& identity) {
   return std::to_string(identity.lastSendTimeDefault) + "\n" + std::to_string(identity.lastSendTimeType1) +
          "\n" + std::to_string(identity.iteration) + "\n" + std::to_string(identity.orbeloFlow) + "\n" +
@@ -49,7 +76,8 @@ std::int64_t lastSendTime(const ProjectIdentity& identity, Vestra::ProductType p
 // Compared without a difference of the two, which a stored time near the edge of
 // its type would overflow.
 bool isReportDue(const ProjectIdentity& identity, Vestra::ProductType product, std::int64_t now) {
-  return lastSendTime(identity, product) < now - SECONDS_PER_DAY;
+  const std::int64_t last = lastSendTime(identity, product);
+  return last == NEVER || last < now - SECONDS_PER_DAY;
 }
 
 bool countAttempt(ProjectIdentity& identity, Vestra::ProductType product, std::int64_t now) {

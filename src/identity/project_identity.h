@@ -37,6 +37,16 @@ struct ProjectIdentity {
 /// @throws std::out_of_range when its number does not fit.
 void readProjectIdentity(std::istream& in, ProjectIdentity& identity);
 
+/// The same for a text, as one step: the identity is read whole or stays as it was.
+/// @return False when one of the first four lines is no number that fits.
+bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity);
+
+/// An identity with the times, the iteration and the flow that its file holds by now,
+/// and with its identifier unless this one is the host's own. A damaged text and the
+/// lines that one lacks change nothing.
+ProjectIdentity broughtUpToDate(const ProjectIdentity& identity, const std::string& text,
+                                bool identifierIsHosts);
+
 /// The text of an identity file: five lines.
 std::string formatProjectIdentity(const ProjectIdentity& identity);
 
@@ -45,7 +55,8 @@ std::string formatProjectIdentity(const ProjectIdentity& identity);
 std::int64_t lastSendTime(const ProjectIdentity& identity, Vestra::ProductType product);
 
 /// Whether more than 86400 seconds, one day, lie between the last report for this
-/// product and `now`, in seconds since the epoch.
+/// product and `now`, in seconds since the epoch. The first report always is, even where
+/// the clock stands near the epoch.
 bool isReportDue(const ProjectIdentity& identity, Vestra::ProductType product, std::int64_t now);
 
 /// Counts an attempt to send at `now` and, when a report is due, notes that time for

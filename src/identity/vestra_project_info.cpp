@@ -1,19 +1,31 @@
 #include "identity/vestra_project_info.h"
 
+#include <fcntl.h>
+
 #include <ctime>
-#include <fstream>
-#include <stdexcept>
 #include <utility>
 
 #include <boost/filesystem/operations.hpp>
 
+#include "files/file_lock.h"
 #include "files/file_size_signal.h"
 #include "files/open_file.h"
+#include "files/overwrite.h"
 #include "files/path_text.h"
 #include "handler/vestra_handler.h"
+#include "identity/identity_file.h"
 #include "identity/random_uuid.h"
 
 namespace Oza {
+namespace {
+
+// A file that may be written and not read, or whose directory is gone.
+bool overwriteUnread(const std::string& path, const std::string& text) {
+  const Descriptor file(path, O_WRONLY | O_CREAT);
+  return file.isOpen() && overwrite(file, std::nullopt, text);
+}
+
+}  // namespace
 
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}
@@ -22,22 +34,36 @@ VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
 // tells whether it can be used.
 bool VestraProjectInfo::loadOrCreate() {
   try {
-    boost::filesystem::file_status status = statusOf(filePath);
-    if (!boost::filesystem::exists(status)) {
-      startNewProject();
-      status = statusOf(filePath);
+    const Descriptor file(filePath, O_RDWR);
+    if (file.isOpen() && !file.hasStatus()) {
+      return false;
     }
-    std::fstream file;
-    openFile(file, filePath, std::ios_base::in | std::ios_base::out, status);
-    return file.is_open() ? load(file) : makeEmptyFile();
+    if (file.isRegular()) {
+      return load(file);
+    }
+    if (!boost::filesystem::exists(statusOf(filePath))) {
+      startNewProject();
+      return makeFile() || loadOthers();
+    }
+    return makeEmptyFile();
   } catch (...) {
     return false;
   }
 }
 
+// The file is read anew: another host may have counted since this one has read it.
 bool VestraProjectInfo::recordSendAttempt() {
-  const bool due = countAttempt(identity, owner->getProductType(), std::time(nullptr));
-  writeFile();
+  FileSizeSignalHold hold;
+  const Descriptor file(filePath, O_RDWR | O_CREAT);
+  const FileLock lock(file, FileLock::EXCLUSIVE, waitingTime);
+  const std::optional<std::string> found = file.read();
+  ProjectIdentity next = found ? broughtUpToDate(identity, *found, identifierIsHosts) : identity;
+  const bool due = countAttempt(next, owner->getProductType(), std::time(nullptr));
+  const std::string text = formatProjectIdentity(next);
+  if (file.isOpen() ? overwrite(file, found, text) : overwriteUnread(filePath, text)) {
+    hold.endWithoutSignal();
+  }
+  identity = std::move(next);
   return due;
 }
 
@@ -49,41 +75,51 @@ std::int32_t VestraProjectInfo::getOrbeloFlow() const { return identity.orbeloFl
 
 void VestraProjectInfo::startNewProject() {
   boost::filesystem::create_directories(directoryOf(filePath, PROJECT_IDENTITY_FILE_LENGTH));
-  const std::string hostProjectId = owner->getOrbeloProjectId();
-  identity.orbeloFlow = hostProjectId.empty() ? 0 : 1;
-  identity.projectId = hostProjectId.empty() ? randomUuid() : hostProjectId;
-}
-
-bool VestraProjectInfo::load(std::fstream& file) {
-  try {
-    readProjectIdentity(file, identity);
-  } catch (const std::logic_error&) {
-    file.close();
-    boost::filesystem::remove(filePath);
-    return false;
+  if (takeHostsIdentifier()) {
+    identity.orbeloFlow = 1;
+  } else {
+    identity.projectId = randomUuid();
   }
-  const std::string hostProjectId = owner->getOrbeloProjectId();
-  if (!hostProjectId.empty()) {
-    identity.projectId = hostProjectId;
-  }
-  // What could not be read must not be overwritten by the attempt that follows.
-  return !file.bad();
 }
 
 // The values first reach the file with the first attempt to send.
-bool VestraProjectInfo::makeEmptyFile() const {
-  std::ofstream file;
-  openFile(file, filePath, std::ios_base::trunc);
-  return file.is_open();
+bool VestraProjectInfo::makeFile() const { return Descriptor(filePath, O_RDWR | O_CREAT | O_EXCL).isOpen(); }
+
+// Another host has made the file in between, or a link leads to nowhere.
+bool VestraProjectInfo::loadOthers() {
+  const Descriptor file(filePath, O_RDWR);
+  return file.isRegular() ? load(file) : makeEmptyFile();
 }
 
-// The text is made first: once the file is opened, what stood in it is gone.
-void VestraProjectInfo::writeFile() const {
-  const std::string text = formatProjectIdentity(identity);
-  FileSizeSignalHold hold;
-  std::ofstream file;
-  openFile(file, filePath, std::ios_base::trunc);
-  file << text;
+// What could not be read must not be overwritten by the attempt that follows.
+bool VestraProjectInfo::load(const Descriptor& file) {
+  std::optional<std::string> text = readIdentityText(file, waitingTime);
+  if (text && text->empty() && owner->getOrbeloProjectId().empty()) {
+    text = awaitIdentityText(file, waitingTime);
+  }
+  if (text && !parseProjectIdentity(*text, identity)) {
+    text = rereadIdentityText(file, *text, waitingTime);
+    if (text && !parseProjectIdentity(*text, identity)) {
+      boost::filesystem::remove(filePath);
+      return false;
+    }
+  }
+  takeHostsIdentifier();
+  return text.has_value();
+}
+
+bool VestraProjectInfo::takeHostsIdentifier() {
+  const std::string hostsIdentifier = owner->getOrbeloProjectId();
+  identifierIsHosts = !hostsIdentifier.empty();
+  if (identifierIsHosts) {
+    identity.projectId = hostsIdentifier;
+  }
+  return identifierIsHosts;
+}
+
+bool VestraProjectInfo::makeEmptyFile() const {
+  return opensWithoutBlocking(statusOf(filePath), std::ios_base::out) &&
+         Descriptor(filePath, O_WRONLY | O_CREAT | O_TRUNC).isOpen();
 }
 
 }  // namespace Oza

@@ -2,9 +2,11 @@
 #define VESTRA_IDENTITY_VESTRA_PROJECT_INFO_H
 
 #include <cstdint>
-#include <fstream>
+#include <optional>
 #include <string>
 
+#include "files/descriptor.h"
+#include "files/waiting_time.h"
 #include "identity/project_identity.h"
 
 namespace Oza {
@@ -24,7 +26,8 @@ class VestraProjectInfo {
 
   /// Loads the identity file or, where there is none, makes an empty one with its
   /// directories and a new identifier in memory. An identifier that the host added
-  /// as an item "project_id" wins over a new and over a stored one.
+  /// as an item "project_id" wins over a new and over a stored one. Where another host
+  /// is making the project new at this moment, waits for its identifier.
   ///
   /// @return Whether the record can be used. False when the file can be neither
   ///         opened nor made or a file-system call fails, and when its numbers are
@@ -32,8 +35,10 @@ class VestraProjectInfo {
   ///         next run.
   bool loadOrCreate();
 
-  /// Counts an attempt to send, notes the time when it is due, and rewrites the
-  /// identity file. A failure to write is not noticed.
+  /// Counts an attempt to send, notes the time when it is due, and overwrites the
+  /// identity file: reads it anew, decides and writes under a lock, where the file
+  /// system has one and no other process holds it for too long. A failure to write is
+  /// not noticed.
   ///
   /// @return Whether more than 86400 seconds have passed since the last report for
   ///         this product's slot.
@@ -46,13 +51,17 @@ class VestraProjectInfo {
 
  private:
   void startNewProject();
-  bool load(std::fstream& file);
+  bool takeHostsIdentifier();
+  bool makeFile() const;
   bool makeEmptyFile() const;
-  void writeFile() const;
+  bool loadOthers();
+  bool load(const Descriptor& file);
 
   ProjectIdentity identity;
+  bool identifierIsHosts = false;
   std::string filePath;
   VestraHandler* owner;
+  WaitingTime waitingTime;
 };
 
 }  // namespace Oza

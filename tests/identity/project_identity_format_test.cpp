@@ -317,10 +317,11 @@ TEST(OnceADay, ReportIsDueAfterAVeryOldOne) {
   EXPECT_TRUE(isDue(0, INT64_LEAST));
 }
 
-TEST(OnceADay, FirstReportIsNotDueOnTheEpochsFirstDay) {
-  EXPECT_FALSE(isDue(0, 0));
-  EXPECT_FALSE(isDue(86400, 0));
-  EXPECT_TRUE(isDue(86401, 0));
+TEST(OnceADay, FirstReportIsDueWhereTheClockStandsBeforeTheEpochsSecondDay) {
+  EXPECT_TRUE(isDue(0, 0));
+  EXPECT_TRUE(isDue(86400, 0));
+  EXPECT_TRUE(isDue(-86401, 0));
+  EXPECT_FALSE(isDue(86400, 1));
 }
 
 TEST(OnceADay, AlternativeSimulatorHasATimeOfItsOwn) {

@@ -298,6 +298,25 @@ TEST_F(ReportOutOfMemory, RunningThrowsAndCanBeTriedAgain) {
       });
 }
 
+TEST_F(ReportOutOfMemory, SendingLeavesTheOldOrTheNewIdentityAndNothingElse) {
+  const std::string before = "9223372036854775807\n0\n42\n1\n" + LONG + "\n";
+  const std::string after = "9223372036854775807\n0\n43\n1\n" + LONG + "\n";
+  failEachAllocation(
+      [&] {
+        auto handler = makeHandlerWithItems();
+        writeFile(identityFile(), before);
+        return handler;
+      },
+      [](VestraHandler& handler) { handler.prepareVestraData() && handler.sendVestraData(); },
+      [&](Outcome, VestraHandler&) {
+        const std::string identity = readFile(identityFile());
+        EXPECT_TRUE(identity == before || identity == after) << identity;
+        for (const std::string& name : vestra_test::namesIn(project / "vestra")) {
+          EXPECT_NE(name.rfind(".vestra-", 0), 0U) << name;
+        }
+      });
+}
+
 TEST_F(ReportOutOfMemory, CountingAnAttemptThrows) {
   VestraHandler owner;
   failEachAllocation(
@@ -310,8 +329,9 @@ TEST_F(ReportOutOfMemory, CountingAnAttemptThrows) {
       [](VestraProjectInfo& record) { record.recordSendAttempt(); },
       [&](Outcome outcome, VestraProjectInfo& record) {
         EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
+        EXPECT_EQ(readFile(identityFile()), "9223372036854775807\n0\n42\n1\n" + LONG + "\n");
         EXPECT_FALSE(record.recordSendAttempt());
-        EXPECT_EQ(readFile(identityFile()), "9223372036854775807\n0\n44\n1\n" + LONG + "\n");
+        EXPECT_EQ(readFile(identityFile()), "9223372036854775807\n0\n43\n1\n" + LONG + "\n");
       });
 }
 

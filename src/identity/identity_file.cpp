@@ -1,0 +1,44 @@
+#include "identity/identity_file.h"
+
+#include <chrono>
+#include <utility>
+
+#include "files/file_lock.h"
+
+namespace Oza {
+namespace {
+
+/// Whether the file was written within the time that a host waits for another.
+bool isYoung(const Descriptor& file) {
+  const struct timespec written = file.status().st_mtim;
+  const auto age = std::chrono::system_clock::now().time_since_epoch() -
+                   std::chrono::seconds(written.tv_sec) - std::chrono::nanoseconds(written.tv_nsec);
+  return age < WaitingTime::BOUND && age > -WaitingTime::BOUND;
+}
+
+}  // namespace
+
+std::optional<std::string> readIdentityText(const Descriptor& file, WaitingTime& waitingTime) {
+  const FileLock lock(file, FileLock::SHARED, waitingTime);
+  return file.read();
+}
+
+std::optional<std::string> awaitIdentityText(const Descriptor& file, WaitingTime& waitingTime) {
+  std::optional<std::string> text = std::string();
+  while (text && text->empty() && isYoung(file) && waitingTime.pause()) {
+    text = readIdentityText(file, waitingTime);
+  }
+  return text;
+}
+
+std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string damaged,
+                                              WaitingTime& waitingTime) {
+  std::optional<std::string> text = std::move(damaged);
+  for (std::optional<std::string> before; text && text != before && waitingTime.pause();) {
+    before = std::move(text);
+    text = readIdentityText(file, waitingTime);
+  }
+  return text;
+}
+
+}  // namespace Oza

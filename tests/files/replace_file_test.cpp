@@ -1,0 +1,165 @@
+#include "files/replace_file.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/files.h"
+#include "support/special_files.h"
+#include "support/temporary_directory.h"
+#include "support/time_limit.h"
+
+namespace Oza {
+namespace {
+
+using vestra_test::asOrdinaryUser;
+using vestra_test::makeLink;
+using vestra_test::makeNamedPipe;
+using vestra_test::namesIn;
+using vestra_test::readFile;
+using vestra_test::ScopedMode;
+using vestra_test::writeFile;
+
+struct stat statusOfFile(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+  return status;
+}
+
+class ReplacedFile : public testing::Test {
+ protected:
+  std::string file() const { return directory / "file"; }
+
+  vestra_test::TemporaryDirectory directory;
+  vestra_test::TimeLimit limit;
+};
+
+TEST_F(ReplacedFile, NewFileHasTheText) {
+  replaceFile(file(), "text");
+  EXPECT_EQ(readFile(file()), "text");
+  EXPECT_EQ(namesIn(directory.path()), std::vector<std::string>{"file"});
+}
+
+TEST_F(ReplacedFile, NewFileHasThePermissionsThatTheProcessGives) {
+  const mode_t before = umask(027);
+  replaceFile(file(), "text");
+  umask(before);
+  EXPECT_EQ(statusOfFile(file()).st_mode & 07777U, 0640U);
+}
+
+TEST_F(ReplacedFile, OldTextStaysForAReaderThatHasOpenedIt) {
+  writeFile(file(), "old text");
+  const int reader = open(file().c_str(), O_RDONLY);
+  replaceFile(file(), "new");
+  char bytes[16] = "";
+  EXPECT_EQ(read(reader, bytes, sizeof bytes), 8);
+  EXPECT_STREQ(bytes, "old text");
+  close(reader);
+  EXPECT_EQ(readFile(file()), "new");
+}
+
+TEST_F(ReplacedFile, PermissionsStay) {
+  writeFile(file(), "old");
+  for (const mode_t mode : {0600U, 0755U, 0664U, 0444U}) {
+    chmod(file().c_str(), mode);
+    replaceFile(file(), "new");
+    EXPECT_EQ(statusOfFile(file()).st_mode & 07777U, mode);
+    EXPECT_EQ(namesIn(directory.path()), std::vector<std::string>{"file"});
+  }
+}
+
+TEST_F(ReplacedFile, OwnerStays) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a file away";
+  }
+  writeFile(file(), "old");
+  ASSERT_EQ(chown(file().c_str(), 1234, 4321), 0);
+  replaceFile(file(), "new");
+  EXPECT_EQ(statusOfFile(file()).st_uid, 1234U);
+  EXPECT_EQ(statusOfFile(file()).st_gid, 4321U);
+  EXPECT_EQ(readFile(file()), "new");
+}
+
+TEST_F(ReplacedFile, HardLinkGetsTheTextToo) {
+  writeFile(file(), "old");
+  ASSERT_EQ(link(file().c_str(), (directory / "other").c_str()), 0);
+  replaceFile(file(), "new");
+  EXPECT_EQ(readFile(directory / "other"), "new");
+  EXPECT_EQ(statusOfFile(file()).st_nlink, 2U);
+}
+
+TEST_F(ReplacedFile, SymbolicLinkIsFollowedAndKept) {
+  writeFile(directory / "target", "old");
+  makeLink(file(), directory / "target");
+  replaceFile(file(), "new");
+  EXPECT_EQ(readFile(directory / "target"), "new");
+  EXPECT_TRUE(S_ISLNK(statusOfFile(file()).st_mode));
+}
+
+TEST_F(ReplacedFile, NamedPipeIsLeftAlone) {
+  makeNamedPipe(file());
+  replaceFile(file(), "text");
+  EXPECT_TRUE(S_ISFIFO(statusOfFile(file()).st_mode));
+}
+
+TEST_F(ReplacedFile, ReadOnlyFileStaysAsItWas) {
+  writeFile(file(), "old");
+  const ScopedMode readOnly(file(), 0444);
+  const ScopedMode everybodys(directory.path(), 0777);
+  asOrdinaryUser([&] {
+    replaceFile(file(), "new");
+    return "";
+  });
+  EXPECT_EQ(readFile(file()), "old");
+}
+
+TEST_F(ReplacedFile, FileInAReadOnlyDirectoryIsWrittenInPlace) {
+  writeFile(file(), "old");
+  const ScopedMode everybodys(file(), 0666);
+  const ScopedMode readOnly(directory.path(), 0555);
+  asOrdinaryUser([&] {
+    replaceFile(file(), "new");
+    return "";
+  });
+  EXPECT_EQ(readFile(file()), "new");
+}
+
+TEST_F(ReplacedFile, NeighbourThatAKilledProcessLeftIsRemoved) {
+  writeFile(directory / ".vestra-1-2.new", "half a te");
+  replaceFile(file(), "text");
+  EXPECT_EQ(namesIn(directory.path()), std::vector<std::string>{"file"});
+}
+
+TEST_F(ReplacedFile, NeighbourThatALiveProcessWritesStays) {
+  writeFile(directory / ".vestra-1-2.new", "half a te");
+  const int writer = open((directory / ".vestra-1-2.new").c_str(), O_WRONLY);
+  ASSERT_EQ(flock(writer, LOCK_EX), 0);
+  replaceFile(file(), "text");
+  EXPECT_EQ(readFile(directory / ".vestra-1-2.new"), "half a te");
+  close(writer);
+}
+
+TEST_F(ReplacedFile, FilesOfOtherNamesStay) {
+  writeFile(directory / ".vestra-1-2", "");
+  writeFile(directory / "vestra-1-2.new", "");
+  replaceFile(file(), "text");
+  EXPECT_EQ(namesIn(directory.path()).size(), 3U);
+}
+
+TEST_F(ReplacedFile, FileHoldsItsTextAndNoOther) {
+  EXPECT_FALSE(fileHolds(file(), ""));
+  writeFile(file(), "text");
+  EXPECT_TRUE(fileHolds(file(), "text"));
+  EXPECT_FALSE(fileHolds(file(), "tex"));
+  EXPECT_FALSE(fileHolds(file(), "text "));
+}
+
+}  // namespace
+}  // namespace Oza
