@@ -1,4 +1,4 @@
-#include "sandbox/run_reader.h"
+#include "sandbox/results/run_reader.h"
 
 #include <sys/stat.h>
 
@@ -10,11 +10,11 @@
 #include "recorder/exception.h"
 #include "recorder/fields.h"
 #include "sandbox/assertions.h"
-#include "sandbox/files_left.h"
 #include "sandbox/host_process.h"
-#include "sandbox/report_reader.h"
-#include "sandbox/script_items.h"
-#include "sandbox/shell_record.h"
+#include "sandbox/results/files_left.h"
+#include "sandbox/results/report_reader.h"
+#include "sandbox/results/script_items.h"
+#include "sandbox/results/shell_record.h"
 
 namespace vestra::testkit {
 namespace {

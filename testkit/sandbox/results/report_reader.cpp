@@ -1,4 +1,4 @@
-#include "sandbox/report_reader.h"
+#include "sandbox/results/report_reader.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -14,7 +14,7 @@
 
 #include "reading/visible_text.h"
 #include "recorder/bytes.h"
-#include "sandbox/directory_name.h"
+#include "sandbox/results/directory_name.h"
 
 namespace vestra::testkit {
 namespace {

@@ -1,4 +1,4 @@
-#include "sandbox/directory_name.h"
+#include "sandbox/results/directory_name.h"
 
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/filesystem/operations.hpp>

@@ -1,4 +1,4 @@
-#include "sandbox/shell_record.h"
+#include "sandbox/results/shell_record.h"
 
 #include <algorithm>
 #include <utility>

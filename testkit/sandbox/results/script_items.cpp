@@ -1,4 +1,4 @@
-#include "sandbox/script_items.h"
+#include "sandbox/results/script_items.h"
 
 #include <algorithm>
 #include <array>

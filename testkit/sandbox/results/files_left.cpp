@@ -1,4 +1,4 @@
-#include "sandbox/files_left.h"
+#include "sandbox/results/files_left.h"
 
 #include <algorithm>
 #include <charconv>
