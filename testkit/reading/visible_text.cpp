@@ -47,7 +47,7 @@ bool isIn(const Range (&ranges)[COUNT], char32_t codePoint) {
   });
 }
 
-/// A carriage return is allowed, but whoever reads the document gets a line feed for it.
+/// XML allows a carriage return, but every parser makes a line feed of it.
 bool isXmlCharacter(char32_t codePoint) {
   if (codePoint < 0x20) {
     return codePoint == '\t' || codePoint == '\n';

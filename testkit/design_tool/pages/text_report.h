@@ -12,7 +12,7 @@ namespace vestra::design_tool {
 ///
 /// @param marks     what is to be said of items, by their lines: each such item gets a `!` and the words
 ///                  below it
-/// @param isDamaged whether the script ended in an error, so that nobody knows who reports
+/// @param isDamaged whether the script ended in an error, so that its number is not known
 std::string renderText(const Report& report, const std::vector<Warning>& marks = {}, bool isDamaged = false);
 
 }  // namespace vestra::design_tool

@@ -17,7 +17,7 @@ using reading::WrittenItem;
 namespace {
 
 constexpr std::time_t HOUR = 3600;
-constexpr std::time_t YEAR = 366 * 24 * HOUR;
+constexpr int FIRST_YEAR = 1970;
 constexpr std::size_t MOST_ADDED = 16;
 constexpr std::size_t MOST_EXAMINED = 10'000;
 
@@ -88,10 +88,18 @@ std::vector<Crc32> statesAround(std::time_t time) {
   return {stateAt(time), stateAt(time - HOUR), stateAt(time + HOUR)};
 }
 
+/// By the hours' names, whatever the time zone was.
 bool isStateOfAnHour(const Crc32& state, std::time_t written) {
-  for (std::time_t time = written - 10 * YEAR; time < written + YEAR; time += HOUR) {
-    if (stateAt(time) == state) {
-      return true;
+  const int lastYear = std::stoi(formatted(written, "%Y")) + 1;
+  for (int year = FIRST_YEAR; year <= lastYear; ++year) {
+    for (int day = 1; day <= 366; ++day) {
+      const Crc32 ofDay = Crc32().after(fmt::format("{:03}{:04}", day, year));
+      for (int hour = 0; hour < 24; ++hour) {
+        const char digits[] = {static_cast<char>('0' + hour / 10), static_cast<char>('0' + hour % 10)};
+        if (ofDay.after({digits, sizeof digits}) == state) {
+          return true;
+        }
+      }
     }
   }
   return false;

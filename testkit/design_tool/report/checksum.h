@@ -14,8 +14,9 @@ namespace vestra::design_tool {
 /// was written and of all that it reports, so a text that was changed since, or that a value has added, does
 /// not agree with it.
 ///
-/// - The number agrees for an hour around the script's own, or for another of the last ten years: no warning,
-///   since scripts are kept.
+/// - The number agrees for an hour around the script's own, or for an earlier one since 1970: no warning,
+/// since
+///   scripts are kept.
 /// - It agrees when a value is taken together with the items behind it: the value has added these items.
 /// - Otherwise the number for the script's own hour is named.
 ///
