@@ -69,6 +69,11 @@ class Vestra {
   /// at most once in 86400 seconds for each project and product slot, runs the
   /// main design tool on it through the shell and waits for its end.
   ///
+  /// Hosts may send at one moment in one project. They wait for each other for 250 ms
+  /// at most, in all. Where another process is stopped for longer while it counts, and
+  /// on network file systems, which give no lock that answers at once, a report can be
+  /// sent twice.
+  ///
   /// Reads and writes the per-user settings file
   /// `$HOME`/.Calvix/Common/2018.2/vestra (below /tmp where HOME is unset or
   /// empty) and, in `projectDir`/vestra/, the project identity file, the rules
