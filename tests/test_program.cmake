@@ -6,7 +6,8 @@ include(GoogleTest)
 #
 # makes a GoogleTest program, of sources that a folder may add to later; what else it
 # links is said as of any target. ctest runs each of its tests in a process of its own and
-# knows it by its name, behind the prefix. `scripts/test valgrind` runs the program too.
+# knows it by its name, behind the prefix. scripts/checks/valgrind and scripts/checks/coverage
+# list the programs that they run.
 #
 # No test has a limit of its own: the presets' ends what sleeps for ever.
 function(add_test_program name)
