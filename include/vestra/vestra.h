@@ -67,7 +67,9 @@ class Vestra {
 
   /// Writes the report of everything added so far into `projectDir`/vestra/ and,
   /// at most once in 86400 seconds for each project and product slot, runs the
-  /// main design tool on it through the shell and waits for its end.
+  /// main design tool on it through the shell and waits for its end. Hosts that report
+  /// at once wait for each other, but not for more than 250 ms, and not on a network file
+  /// system: there a report can go more than once.
   ///
   /// Hosts may send at one moment in one project. They wait for each other for 250 ms
   /// at most, in all. Where another process is stopped for longer while it counts, and
