@@ -7,6 +7,7 @@
 
 #include "reliability/sanitized.h"
 #include "reliability/watched_host.h"
+#include "support/files.h"
 
 namespace vestra_test {
 namespace {
@@ -39,6 +40,8 @@ class KilledHost : public WatchedHost {
     EXPECT_EQ(end.output, "");
     EXPECT_THAT(contentOf(workplace.settingsFile()), settingsStates());
     EXPECT_THAT(contentOf(workplace.identityFile()), identityStates());
+    EXPECT_THAT(contentOf(workplace.scriptFile()), scriptStates());
+    EXPECT_THAT(contentOf(workplace.rulesFile()), rulesStates());
     if (isNewState()) {
       expectTheNextRunAsTabulated();
       expectThatAReportIsSent();
@@ -61,9 +64,21 @@ class KilledHost : public WatchedHost {
     const bool isKnown = GetParam().project == Situation::KNOWN_PROJECT;
     const std::string next = isKnown ? "8" : "2";
     const std::string id = isKnown ? KNOWN_PROJECT_ID : UUID;
-    const auto written =
-        testing::Optional(MatchesRegex("([0-9]{10}\n(0\n(" + next + "\n(0\n(" + id + "\n)?)?)?)?)?"));
-    return AnyOf(workplace.identityBefore(), written);
+    const auto written = testing::Optional(MatchesRegex("[0-9]{10}\n0\n" + next + "\n0\n" + id + "\n"));
+    if (isKnown) {
+      return AnyOf(workplace.identityBefore(), written);
+    }
+    return AnyOf(std::nullopt, testing::Optional(std::string()), written);
+  }
+
+  static Matcher<std::optional<std::string>> scriptStates() {
+    return AnyOf(std::nullopt, testing::Optional(testing::EndsWith("of an earlier run\n")),
+                 testing::Optional(testing::EndsWith("vestra_terminate\n")));
+  }
+
+  static Matcher<std::optional<std::string>> rulesStates() {
+    return AnyOf(std::nullopt, testing::Optional(testing::EndsWith("of an earlier run\n")),
+                 testing::Optional(testing::SizeIs(1086)));
   }
 
   void expectTheNextRunAsTabulated() {
@@ -75,6 +90,8 @@ class KilledHost : public WatchedHost {
     const HostEnd next = runHost(workplace.start());
     EXPECT_EQ(next.outcome, wasSentToday ? "answer false" : "answer true");
     EXPECT_EQ(next.output, "");
+    EXPECT_THAT(namesIn(workplace.inVestraDirectory("")),
+                testing::Each(testing::Not(testing::StartsWith(".vestra-"))));
     EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
                 MatchesRegex("[0-9]{10}\n0\n" + std::to_string(iteration + 1) + "\n0\n" + identifier + "\n"));
   }
