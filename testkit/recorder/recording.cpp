@@ -9,7 +9,7 @@ namespace vestra::testkit {
 namespace {
 
 // Never destroyed: a host may be recorded as late as from a static destructor.
-std::string& directory() {
+std::string& whereToRecord() {
   static auto* path = new std::string;
   return *path;
 }
@@ -20,9 +20,9 @@ std::time_t clockTime = 0;
 
 }  // namespace
 
-void beginRecording(const std::string& path) { directory() = path; }
+void beginRecording(const std::string& directory) { whereToRecord() = directory; }
 
-const std::string& recordDirectory() { return directory(); }
+const std::string& recordDirectory() { return whereToRecord(); }
 
 void holdClock(std::time_t now) {
   clockTime = now;
@@ -32,7 +32,7 @@ void holdClock(std::time_t now) {
 std::optional<std::time_t> heldClock() { return isClockHeld ? std::optional(clockTime) : std::nullopt; }
 
 void note(const char* name, const std::vector<std::string_view>& fields) {
-  const std::string path = directory() + "/" + name;
+  const std::string path = whereToRecord() + "/" + name;
   const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
   if (file < 0) {
     return;

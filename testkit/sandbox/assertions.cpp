@@ -16,7 +16,7 @@ namespace {
 constexpr const char* RECORD = "assertions";
 constexpr std::size_t FIELDS = 3;
 
-std::optional<TestFramework>& framework() {
+std::optional<TestFramework>& knownFramework() {
   static std::optional<TestFramework> known;
   return known;
 }
@@ -39,19 +39,19 @@ void refuseUnnoticedAssertion(const std::string& output) {
 
 }  // namespace
 
-bool useTestFramework(const TestFramework& known) {
-  framework() = known;
+bool useTestFramework(const TestFramework& framework) {
+  knownFramework() = framework;
   return true;
 }
 
 void watchAssertions() {
-  if (framework()) {
-    framework()->watch(noteAssertion);
+  if (knownFramework()) {
+    knownFramework()->watch(noteAssertion);
   }
 }
 
 std::vector<FailedAssertion> failAsRecorded(const std::string& directory, const std::string& output) {
-  if (!framework()) {
+  if (!knownFramework()) {
     refuseUnnoticedAssertion(output);
     return {};
   }
@@ -59,11 +59,11 @@ std::vector<FailedAssertion> failAsRecorded(const std::string& directory, const 
   const auto fields = fieldsIn(bytesOf(directory + "/" + RECORD).value_or(""));
   for (std::size_t i = 0; i + FIELDS <= fields.size(); i += FIELDS) {
     assertions.push_back({fields[i], std::stoi(fields[i + 1]), fields[i + 2]});
-    framework()->fail(assertions.back());
+    knownFramework()->fail(assertions.back());
   }
   return assertions;
 }
 
-bool hasCurrentTestFailed() { return framework() && framework()->hasFailed(); }
+bool hasCurrentTestFailed() { return knownFramework() && knownFramework()->hasFailed(); }
 
 }  // namespace vestra::testkit
