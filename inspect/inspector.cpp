@@ -10,6 +10,7 @@
 #include "checks/checks.h"
 #include "facts/facts.h"
 #include "handler/product_profile.h"
+#include "reading/visible_text.h"
 #include "rehearse/rehearsal.h"
 #include "render/answers.h"
 #include "render/json_text.h"
@@ -171,7 +172,7 @@ Answer answer(const Request& request, bool onTerminal) {
     const int status = request.command == "rehearse" ? CANNOT_BE_HELD_BACK : COULD_NOT_LOOK;
     const std::string document =
         request.asJson ? JsonText(Redaction()).failure(request.command, error.what()).dump(2) + "\n" : "";
-    return {status, document, fmt::format("vestra-inspect: {}\n", visibleForm(error.what()))};
+    return {status, document, fmt::format("vestra-inspect: {}\n", reading::forTerminal(error.what()))};
   }
 }
 

@@ -36,11 +36,30 @@ const PrivatePlace* current = nullptr;
 /// The project of the host's last report, whose log's name it may ask for.
 std::string lastProject;
 
+// The loader and other preloaded objects ask before any library is ready, so what answers them
+// calls none.
+
+bool isSame(const char* left, const char* right) {
+  while (*left != '\0' && *left == *right) {
+    ++left;
+    ++right;
+  }
+  return *left == *right;
+}
+
+/// What stands behind "name=" in an entry; null when the entry is another's.
+const char* valueIn(const char* entry, const char* name) {
+  while (*name != '\0' && *entry == *name) {
+    ++entry;
+    ++name;
+  }
+  return *name == '\0' && *entry == '=' ? entry + 1 : nullptr;
+}
+
 const char* variable(const char* name) {
-  const std::size_t length = std::strlen(name);
   for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-    if (std::strncmp(*entry, name, length) == 0 && (*entry)[length] == '=') {
-      return *entry + length + 1;
+    if (const char* value = valueIn(*entry, name)) {
+      return value;
     }
   }
   return nullptr;
@@ -148,11 +167,11 @@ __attribute__((visibility("hidden"))) void* vestra_rehearsal_own(void* handle, c
     real = real != nullptr ? real : dlvsym(RTLD_NEXT, "dlsym", "GLIBC_2.2.5");
     vestra_rehearsal_real_dlsym = reinterpret_cast<DlSym>(real);
   }
-  if (std::strcmp(symbol, SEND) == 0) {
+  if (isSame(symbol, SEND)) {
     realSend = reinterpret_cast<Send>(vestra_rehearsal_real_dlsym(handle, symbol));
     return realSend != nullptr ? reinterpret_cast<void*>(&Oza::Vestra::send) : nullptr;
   }
-  if (std::strcmp(symbol, LOG_FILE_NAME) == 0) {
+  if (isSame(symbol, LOG_FILE_NAME)) {
     realLogFileName = reinterpret_cast<LogFileName>(vestra_rehearsal_real_dlsym(handle, symbol));
     return realLogFileName != nullptr ? reinterpret_cast<void*>(&Oza::Vestra::getLogFileName) : nullptr;
   }
@@ -177,7 +196,7 @@ __attribute__((naked, visibility("default"))) void* dlsym(void*, const char*) no
 // The library's own question alone gets another answer than the host's.
 __attribute__((visibility("default"))) char* getenv(const char* name) noexcept {
   const char* value = variable(name);
-  if (std::strcmp(name, "HOME") == 0 && isInLibrary(__builtin_return_address(0))) {
+  if (isSame(name, "HOME") && isInLibrary(__builtin_return_address(0))) {
     static const std::string home = privateHome(variable(DIRECTORY_VARIABLE), value != nullptr ? value : "");
     return const_cast<char*>(home.c_str());
   }

@@ -28,28 +28,6 @@ bool isIn(char32_t codePoint, std::initializer_list<Range> ranges) {
   return false;
 }
 
-/// Blanks that look like none or like others, marks that join or turn what stands beside
-/// them around.
-bool isInvisible(char32_t codePoint) {
-  return isIn(codePoint, {{0xA0, 0xA0},
-                          {0xAD, 0xAD},
-                          {0x300, 0x36F},
-                          {0x61C, 0x61C},
-                          {0x115F, 0x1160},
-                          {0x17B4, 0x17B5},
-                          {0x180B, 0x180F},
-                          {0x2000, 0x200F},
-                          {0x2028, 0x202F},
-                          {0x205F, 0x206F},
-                          {0x3000, 0x3000},
-                          {0x3164, 0x3164},
-                          {0xFE00, 0xFE0F},
-                          {0xFEFF, 0xFEFF},
-                          {0xFFA0, 0xFFA0},
-                          {0xFFF0, 0xFFFB},
-                          {0xE0000, 0xE0FFF}});
-}
-
 /// As wide as two letters in most terminals.
 bool isWide(char32_t codePoint) {
   return isIn(codePoint, {{0x1100, 0x115F},
@@ -164,15 +142,6 @@ const char* colourOf(Level level) {
 
 }  // namespace
 
-std::string visibleForm(const std::string& bytes) {
-  std::string form;
-  forEachCharacter(reading::forTerminal(bytes), [&](char32_t codePoint, std::string_view character) {
-    form += isInvisible(codePoint) ? fmt::format("\\u{{{:x}}}", static_cast<std::uint32_t>(codePoint))
-                                   : std::string(character);
-  });
-  return form;
-}
-
 std::vector<std::string> folded(const std::string& text, std::size_t width) {
   Folder folder(width);
   std::string_view rest = text;
@@ -199,8 +168,8 @@ void Page::verdict(const std::string& text) {
 void Page::heading(const std::string& text) { verdict(text); }
 
 void Page::row(const std::string& label, const std::string& text) {
-  std::string left =
-      fmt::format("{:<{}}", std::string(LABEL_INDENT, ' ') + visibleForm(redaction(label)), textIndent);
+  std::string left = fmt::format(
+      "{:<{}}", std::string(LABEL_INDENT, ' ') + reading::forTerminal(redaction(label)), textIndent);
   if (columnsOf(left) > textIndent || (!label.empty() && left.back() != ' ')) {
     paragraph(LABEL_INDENT, label);
     left = std::string(textIndent, ' ');
@@ -220,7 +189,7 @@ void Page::paragraph(std::size_t indent, const std::string& text) {
 // A backslash at a line's end joins the lines again.
 void Page::command(const std::string& text) {
   std::vector<std::string> lines(1);
-  for (const std::string& word : commandWords(visibleForm(redaction(text)))) {
+  for (const std::string& word : commandWords(reading::forTerminal(redaction(text)))) {
     if (!lines.back().empty() && columnsOf(lines.back()) + columnsOf(word) + COMMAND_INDENT + 3 > WIDTH) {
       lines.back() += " \\";
       lines.emplace_back();
@@ -243,7 +212,7 @@ std::string Page::marked(const char* code, const std::string& text) const {
 }
 
 std::vector<std::string> Page::foldedForm(const std::string& text, std::size_t width) const {
-  return folded(visibleForm(redaction(text)), width);
+  return folded(reading::forTerminal(redaction(text)), width);
 }
 
 }  // namespace vestra::inspect

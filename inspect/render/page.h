@@ -45,9 +45,6 @@ class Page {
   std::string written;
 };
 
-/// The bytes as a reader sees them; what is invisible by its nature is named, as \u{200b}.
-std::string visibleForm(const std::string& bytes);
-
 /// "1 run", "2 runs"
 std::string counted(std::uint64_t number, const std::string& what);
 

@@ -29,11 +29,15 @@ std::string registrationOf(const ReportFacts& report) {
 
 bool isMarked(const ReportedItem& item) { return item.hazard || item.isRepeated || !item.personal.empty(); }
 
+/// What would show nothing is named.
+std::string shown(const std::string& text) {
+  return text.empty() ? "\"\"" : reading::isBlank(text) ? reading::namedBytes(text) : text;
+}
+
 /// Keys may be long; their values then stand below.
 void writeItem(const ReportedItem& item, Page& page) {
   const reading::WrittenItem& written = item.written;
-  page.row((isMarked(item) ? "! " : "  ") + (written.key.empty() ? "\"\"" : written.key),
-           written.value.empty() ? "\"\"" : written.value);
+  page.row((isMarked(item) ? "! " : "  ") + shown(written.key), shown(written.value));
   if (item.hazard) {
     page.row("", fmt::format("line {}: {}", written.line, *item.hazard));
   }
