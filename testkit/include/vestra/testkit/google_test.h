@@ -12,16 +12,19 @@ namespace vestra::testkit {
 /// What sandboxes ask, asked of GoogleTest.
 class GoogleTest {
  public:
+  /// In the host's process: has each failed assertion noted instead of printed.
   static void watch(void (*note)(const FailedAssertion&)) {
     testing::TestEventListeners& listeners = testing::UnitTest::GetInstance()->listeners();
     delete listeners.Release(listeners.default_result_printer());
     listeners.Append(new Listener(note));
   }
 
+  /// In the test's process: fails the running test with an assertion of the host's.
   static void fail(const FailedAssertion& assertion) {
     ADD_FAILURE_AT(assertion.file.c_str(), assertion.line) << "In the host's process:\n" << assertion.text;
   }
 
+  /// Whether the running test has failed; false outside of tests.
   static bool hasFailed() {
     const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
     return test != nullptr && test->result()->Failed();
@@ -44,6 +47,7 @@ class GoogleTest {
   };
 };
 
+/// Set while the test program starts: sandboxes ask GoogleTest from then on.
 inline const bool GOOGLE_TEST_IS_USED =
     useTestFramework({GoogleTest::watch, GoogleTest::fail, GoogleTest::hasFailed});
 

@@ -86,8 +86,11 @@ struct Report {
 
 /// One item that the host handed to `Vestra::add`.
 struct AddedItem {
+  /// As it was given, one of the six or not.
   Oza::Vestra::SectionType section = Oza::Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+  /// Byte for byte.
   std::string key;
+  /// Byte for byte.
   std::string value;
 };
 
@@ -95,6 +98,7 @@ struct AddedItem {
 struct Send {
   /// The absolute directory.
   std::string projectDirectory;
+  /// As it was given.
   Oza::Vestra::ProductType product = Oza::Vestra::KELVO;
   /// Nothing when the call let an exception out, or the host ended in it.
   std::optional<bool> answer;
@@ -110,7 +114,9 @@ struct HostCommand {
 
 /// An assertion of the test framework that failed in the host's code.
 struct FailedAssertion {
+  /// The source file, as the compiler was given it; empty where it is unknown.
   std::string file;
+  /// From 1; whatever the framework says where it is unknown.
   int line = 0;
   /// What the framework says of it.
   std::string text;
@@ -262,8 +268,8 @@ VESTRA_TESTKIT_EXPORT std::string whatIsThere(const HostRun& run, Oza::Vestra::S
 /// script, and the files at its end. Names no path that is gone.
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostRun& run);
 
-// Each of these in one line or, for what has several, in lines of its own.
-
+/// Prints a value readably: in one line or, for what has several, in lines of its own.
+/// @{
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Item& item);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const AddedItem& item);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Hazard& hazard);
@@ -276,6 +282,7 @@ VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const ToolRun&
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Exception& exception);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Settings& settings);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Identity& identity);
+/// @}
 
 /// What the test framework prints for a run: how it ended, in one line, so that a
 /// matcher's reason stands before the account.

@@ -28,11 +28,15 @@ enum class Verdict { MATCHES, DIFFERS, CANNOT_TELL };
 template <typename Check>
 class RunMatcher {
  public:
+  /// @param whatIsChecked  Gives a verdict of a run, and describes itself.
+  /// @param isNegation     Whether runs match from which the check differs.
   explicit RunMatcher(Check whatIsChecked, bool isNegation = false)
       : check(std::move(whatIsChecked)), negated(isNegation) {}
 
+  /// Matches the runs from which the check differs, not those of which it cannot tell.
   RunMatcher negation() const { return RunMatcher(check, !negated); }
 
+  /// The matcher as GoogleTest takes it.
   template <typename Run>
   operator testing::Matcher<Run>() const {  // NOLINT(google-explicit-constructor): as matchers do.
     return testing::Matcher<Run>(new Implementation<Run>(check, negated));
@@ -76,6 +80,7 @@ class RunMatcher {
 
 }  // namespace vestra::testkit
 
+/// @cond
 // The framework negates whatever a matcher gives, which is wrong where a run cannot tell.
 template <typename Check>
 class testing::internal::NotMatcher<vestra::testkit::RunMatcher<Check>> {
@@ -90,6 +95,7 @@ class testing::internal::NotMatcher<vestra::testkit::RunMatcher<Check>> {
  private:
   vestra::testkit::RunMatcher<Check> negation;
 };
+/// @endcond
 
 namespace vestra::testkit {
 
