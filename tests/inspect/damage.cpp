@@ -110,7 +110,7 @@ std::vector<Damage> numberDamages() {
 }
 
 std::vector<Damage> identityDamages() {
-  const std::string two = "written by two processes at once";
+  const std::string two = "written by two hosts at once";
   return {
       {"IdentityMissing", "missing", "identity.missing",
        [](Place& place) { makeDirectory(place.inVestra("")); }},
