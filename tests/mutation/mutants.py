@@ -38,7 +38,7 @@ CONDITIONAL_STATEMENTS = (CursorKind.IF_STMT, CursorKind.WHILE_STMT)
 
 @dataclass(frozen=True)
 class Mutant:
-    """One fault: the bytes from `start` to `end` of `file` read `text` instead."""
+    """One mutation: the bytes from `start` to `end` of `file` read `text` instead."""
 
     file: str
     start: int

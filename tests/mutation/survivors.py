@@ -7,7 +7,7 @@ ENTRY = re.compile(r"^- `(?P<before>.*)`\n  `(?P<after>.*)`\n(?P<reason>(?:  .+\
 
 
 def explanations(document):
-    """The reasons by file, line and faulty line, as `Mutant.before_and_after` gives them."""
+    """The reasons by file, line and mutated line, as `Mutant.before_and_after` gives them."""
     text = Path(document).read_text(encoding="utf-8")
     reasons = {}
     for section in text.split("\n## ")[1:]:

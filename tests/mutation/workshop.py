@@ -23,9 +23,9 @@ SECONDS_ASLEEP = 1800
 
 @dataclass(frozen=True)
 class Check:
-    """A test program as it is run against a fault, from the quickest to the slowest.
+    """A test program as it is run against a mutation, from the quickest to the slowest.
 
-    Its seconds are of processor time, so that a busy machine is not taken for a fault.
+    Its seconds are of processor time, so that a busy machine is not taken for a failure.
     """
 
     name: str
@@ -104,9 +104,9 @@ class Workshop:
         return self.build / "compile_commands.json"
 
     def open(self):
-        """Brings the copy up to date and builds everything without a fault."""
+        """Brings the copy up to date and builds everything unmutated."""
         subprocess.run([self.root / "scripts/checks/copy-sources", self.tree], check=True)
-        # A run that was cut off may have left objects of a faulty source.
+        # A run that was cut off may have left objects of a mutated source.
         for source in (self.tree / "src").rglob("*.*"):
             source.touch()
         subprocess.run(
@@ -118,7 +118,7 @@ class Workshop:
         if not self.builds(targets):
             raise RuntimeError(f"{self.tree} does not build")
 
-    def check_without_fault(self):
+    def check_unmutated(self):
         """Names the check that fails though nothing is wrong, if one does."""
         return next((c.name for c in CHECKS if self.failure_of(c)), None)
 
@@ -127,7 +127,7 @@ class Workshop:
         return subprocess.run(command, capture_output=True, check=False).returncode == 0
 
     def outcome_of(self, mutant):
-        """How the fault was noticed: the check's name and what it said; None if it was not."""
+        """How the mutation was noticed: the check's name and what it said; None if it was not."""
         path = self.tree / mutant.file
         source = path.read_text(encoding="latin-1")
         try:
