@@ -142,7 +142,7 @@ TEST_F(SandboxDirectory, StaysAfterAFailedExpectation) {
   EXPECT_THAT(printed, testing::MatchesRegex("vestra::testkit keeps .*\nand it is there"));
 }
 
-TEST_F(SandboxDirectory, OfAFailureIsNotNamedOnceItIsGone) {
+TEST_F(SandboxDirectory, FailureNamesNoDirectoryThatIsGone) {
   HostRun run;
   std::string directory;
   {

@@ -88,7 +88,7 @@ TEST_F(Program, MayBeStartedByAScript) {
   EXPECT_EQ(run.sends.at(0).projectDirectory, sandbox.project());
 }
 
-TEST_F(Program, ThatCannotBeStartedIsNamed) {
+TEST_F(Program, ProgramThatCannotBeStartedIsNamed) {
   try {
     sandbox.runProgram({"/nowhere/host"});
     ADD_FAILURE() << "nothing was thrown";
