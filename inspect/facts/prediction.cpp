@@ -12,7 +12,9 @@ namespace {
 constexpr std::int64_t SECONDS_PER_DAY = 86400;
 
 // As a C string, like the library: what follows a NUL is not reported.
-std::string reported(const std::string& identifier) { return identifier.c_str(); }
+std::string reported(const std::string& identifier) {
+  return identifier.c_str();  // NOLINT(readability-redundant-string-cstr)
+}
 
 std::string obstacleOf(const ProjectFacts& project, const SupportFacts& support) {
   switch (project.state) {
