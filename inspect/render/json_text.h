@@ -31,15 +31,15 @@ class JsonText {
  private:
   Json head(const Facts& facts, const std::string& command, const std::string& verdict) const;
   Json text(const std::string& bytes) const;
-  Json file(const LookedFile& file) const;
+  Json file(const LookedFile& looked) const;
   Json user(const Facts& facts) const;
   Json project(const Facts& facts) const;
   Json prediction(const Prediction& next) const;
-  Json site(const SiteFacts& site) const;
-  Json support(const SupportFacts& support) const;
+  Json site(const SiteFacts& known) const;
+  Json support(const SupportFacts& known) const;
   Json switches(const View& view) const;
-  Json item(const ReportedItem& item) const;
-  Json finding(const Finding& finding) const;
+  Json item(const ReportedItem& each) const;
+  Json finding(const Finding& found) const;
 
   const Redaction& redaction;
 };

@@ -13,7 +13,7 @@ struct RunRequest {
   /// Empty when no copy is to be kept.
   std::string outbox;
   /// Where the page about privacy is installed; empty where it is not.
-  std::string privacyPage = "";
+  std::string privacyPage = {};
 };
 /// A script to be shown as a text, without its rules and without any report being written.
 struct ShowRequest {

@@ -19,9 +19,9 @@ class PendingCopy {
  public:
   /// Takes the next number that nobody else has taken.
   ///
-  /// @param outbox an existing directory
-  /// @param name   stands after the number
-  PendingCopy(std::filesystem::path outbox, std::string name);
+  /// @param outbox  an existing directory
+  /// @param wanted  the name that stands after the number
+  PendingCopy(std::filesystem::path outbox, std::string wanted);
   PendingCopy(const PendingCopy&) = delete;
   PendingCopy& operator=(const PendingCopy&) = delete;
   ~PendingCopy();
