@@ -5,8 +5,10 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,34 @@ struct stat statusOfFile(const std::string& path) {
   struct stat status {};
   EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
   return status;
+}
+
+constexpr char ACCESS_LIST[] = "system.posix_acl_access";
+constexpr char DEFAULT_LIST[] = "system.posix_acl_default";
+
+/// An access list as the kernel keeps it, little-endian, by which one more user may read.
+std::string accessListFor(std::uint32_t user) {
+  struct Entry {
+    std::uint16_t tag;
+    std::uint16_t permissions;
+    std::uint32_t id;
+  };
+  constexpr std::uint32_t version = 2;
+  constexpr std::uint32_t nobody = 0xFFFFFFFF;
+  const Entry entries[] = {
+      {1, 6, nobody}, {2, 4, user}, {4, 4, nobody}, {0x10, 4, nobody}, {0x20, 0, nobody}};
+  return std::string(reinterpret_cast<const char*>(&version), sizeof version) +
+         std::string(reinterpret_cast<const char*>(entries), sizeof entries);
+}
+
+bool giveList(const std::string& path, const char* kind, const std::string& list) {
+  return setxattr(path.c_str(), kind, list.data(), list.size(), 0) == 0;
+}
+
+std::string listOf(const std::string& path) {
+  std::string list(256, '\0');
+  const ssize_t size = getxattr(path.c_str(), ACCESS_LIST, list.data(), list.size());
+  return size < 0 ? "none" : list.substr(0, static_cast<std::size_t>(size));
 }
 
 class ReplacedFile : public testing::Test {
@@ -85,6 +115,32 @@ TEST_F(ReplacedFile, OwnerStays) {
   EXPECT_EQ(statusOfFile(file()).st_uid, 1234U);
   EXPECT_EQ(statusOfFile(file()).st_gid, 4321U);
   EXPECT_EQ(readFile(file()), "new");
+}
+
+TEST_F(ReplacedFile, FileWithAnAccessListIsWrittenInPlace) {
+  writeFile(file(), "old text");
+  const std::string list = accessListFor(12345);
+  if (!giveList(file(), ACCESS_LIST, list)) {
+    GTEST_SKIP() << "the file system has no access lists";
+  }
+  const struct stat before = statusOfFile(file());
+  replaceFile(file(), "new");
+  EXPECT_EQ(readFile(file()), "new");
+  EXPECT_EQ(statusOfFile(file()).st_ino, before.st_ino);
+  EXPECT_EQ(listOf(file()), list);
+}
+
+TEST_F(ReplacedFile, AccessListThatTheDirectoryGivesStays) {
+  if (!giveList(directory.path(), DEFAULT_LIST, accessListFor(12345))) {
+    GTEST_SKIP() << "the file system has no access lists";
+  }
+  writeFile(file(), "old text");
+  const struct stat before = statusOfFile(file());
+  const std::string list = listOf(file());
+  replaceFile(file(), "new");
+  EXPECT_EQ(readFile(file()), "new");
+  EXPECT_NE(statusOfFile(file()).st_ino, before.st_ino);
+  EXPECT_EQ(listOf(file()), list);
 }
 
 TEST_F(ReplacedFile, HardLinkGetsTheTextToo) {

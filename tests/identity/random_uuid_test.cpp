@@ -1,10 +1,20 @@
 #include "identity/random_uuid.h"
 
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <array>
+#include <cerrno>
+#include <cstddef>
 #include <set>
+#include <stdexcept>
 #include <string>
 
+#include "support/child_process.h"
 #include "support/scoped_locale.h"
 #include "support/uuid_form.h"
 
@@ -12,6 +22,22 @@ namespace Oza {
 namespace {
 
 using vestra_test::isRandomUuid;
+
+/// Lets the kernel answer this process like one that is older than the call.
+void takeAwayGetrandom() {
+  std::array<sock_filter, 4> lines = {{
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_getrandom, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  }};
+  const sock_fprog filter = {lines.size(), lines.data()};
+  if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+      prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0 ||
+      syscall(SYS_getrandom, nullptr, 0, 0) != -1 || errno != ENOSYS) {
+    throw std::runtime_error("getrandom cannot be taken away");
+  }
+}
 
 TEST(RandomUuid, RandomUuidIsAVersion4IdentifierInCanonicalForm) {
   for (int i = 0; i < 1000; ++i) {
@@ -34,6 +60,16 @@ TEST(RandomUuid, RandomUuidUsesEveryVariantDigit) {
     seen.insert(randomUuid()[19]);
   }
   EXPECT_EQ(seen, (std::set<char>{'8', '9', 'a', 'b'}));
+}
+
+TEST(RandomUuid, RandomUuidIsDrawnFromTheDeviceWhereTheKernelLacksTheCall) {
+  const auto draw = [] {
+    takeAwayGetrandom();
+    return randomUuid();
+  };
+  const std::string uuid = vestra_test::inChildProcess(draw);
+  EXPECT_TRUE(isRandomUuid(uuid)) << uuid;
+  EXPECT_NE(vestra_test::inChildProcess(draw), uuid);
 }
 
 TEST(RandomUuid, RandomUuidDoesNotMindTheHostsLocale) {

@@ -176,10 +176,9 @@ std::string longestLine(const std::string& text) {
 
 TEST_F(Inspector, FitsEightyColumnsAndShowsEachByte) {
   place.writeIdentity(std::time(nullptr));
-  place.runHost("KELVO", {"escape", "\033[31mred\a", "large", "2", "turned",
-                          "a\xE2\x80\xAE"
-                          "b",
-                          std::string(200, 'k'), "v", "broken", "\xFF\xFE"});
+  place.runHost("KELVO",
+                {"escape", "\033[31mred\a", "large", "2", "turned", std::string("a\xE2\x80\xAE") + "b",
+                 std::string(200, 'k'), "v", "broken", "\xFF\xFE"});
   std::string script = readFile(place.inVestra("kelvo_vestra.tcl"));
   const std::string small = "-value \"2\"";
   script.replace(script.find(small), small.size(), "-value \"" + std::string(1000000, 'x') + "\"");

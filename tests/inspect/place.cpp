@@ -108,10 +108,9 @@ std::string Place::snapshot() const {
 
 void Place::giveToUser() const {
   if (geteuid() == 0) {
-    run({"sh", "-c",
-         "find \"$1\" -mindepth 1 -maxdepth 1 ! -name programs ! -name support -exec chown -hR 65534:65534 "
-         "{} +",
-         "sh", directory / ""});
+    const std::string own = "! -name programs ! -name support";
+    run({"sh", "-c", "find \"$1\" -mindepth 1 -maxdepth 1 " + own + " -exec chown -hR 65534:65534 {} +", "sh",
+         directory / ""});
   }
 }
 

@@ -108,8 +108,8 @@ void furnish(const Ground& ground, const Farm& farm, int number) {
 std::vector<std::string> variables(const Ground& ground, const Farm& farm, int place,
                                    Oza::Vestra::ProductType product) {
   return {"HOME=" + ground.home(place),
-          "LD_LIBRARY_PATH=" SUPPORT_LIBRARY_DIRECTORY,
-          "VESTRA_TESTKIT_EXEC_PATH=" FARM_TOOL,
+          std::string("LD_LIBRARY_PATH=") + SUPPORT_LIBRARY_DIRECTORY,
+          std::string("VESTRA_TESTKIT_EXEC_PATH=") + FARM_TOOL,
           "VESTRA_TESTKIT_REGID=REG-1",
           "VESTRA_TESTKIT_ENVIRONMENT=a#1#b#2#c#3#d#4#e#5#f#6#date_generated#2026-11-21",
           "FARM_TOOL_MILLISECONDS=" + std::to_string(farm.tool.count()),
