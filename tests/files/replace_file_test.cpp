@@ -117,6 +117,17 @@ TEST_F(ReplacedFile, OwnerStays) {
   EXPECT_EQ(readFile(file()), "new");
 }
 
+TEST_F(ReplacedFile, GroupStays) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a file to any group";
+  }
+  writeFile(file(), "old text");
+  ASSERT_EQ(chown(file().c_str(), static_cast<uid_t>(-1), 65534), 0);
+  replaceFile(file(), "new");
+  EXPECT_EQ(readFile(file()), "new");
+  EXPECT_EQ(statusOfFile(file()).st_gid, 65534U);
+}
+
 TEST_F(ReplacedFile, FileWithAnAccessListIsWrittenInPlace) {
   writeFile(file(), "old text");
   const std::string list = accessListFor(12345);

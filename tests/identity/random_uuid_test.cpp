@@ -4,6 +4,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -70,6 +71,23 @@ TEST(RandomUuid, RandomUuidIsDrawnFromTheDeviceWhereTheKernelLacksTheCall) {
   const std::string uuid = vestra_test::inChildProcess(draw);
   EXPECT_TRUE(isRandomUuid(uuid)) << uuid;
   EXPECT_NE(vestra_test::inChildProcess(draw), uuid);
+}
+
+TEST(RandomUuid, RandomUuidIsNotMadeUpWithoutASourceOfRandomness) {
+  const std::string outcome = vestra_test::inChildProcess([] {
+    takeAwayGetrandom();
+    struct rlimit before {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const struct rlimit noDescriptors = {0, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &noDescriptors);
+    try {
+      return randomUuid();
+    } catch (...) {
+      setrlimit(RLIMIT_NOFILE, &before);
+      throw;
+    }
+  });
+  EXPECT_EQ(outcome, "exception: getrandom");
 }
 
 TEST(RandomUuid, RandomUuidDoesNotMindTheHostsLocale) {
