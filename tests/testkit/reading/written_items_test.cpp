@@ -73,7 +73,8 @@ TEST(WrittenItems, AnUnknownClientOrContextHasNoItems) {
   EXPECT_THAT(itemsIn(added("k", "v", "tavlo", "kelvo\\\\usage")), IsEmpty());
 }
 
-RC_GTEST_PROP(WrittenItems, TheLineOfAnItemIsReadAsThatItem, (std::string key, std::string value)) {
+RC_GTEST_PROP(WrittenItems, TheLineOfAnItemIsReadAsThatItem,
+              (const std::string& key, const std::string& value)) {
   const WrittenItem item{"kelvo", "kelvo\\usage", key, value, 1};
   RC_PRE(key.find(" -value \"") == std::string::npos);
   RC_ASSERT(itemsWrittenIn(scriptLineOf(item)) == std::vector<WrittenItem>{item});

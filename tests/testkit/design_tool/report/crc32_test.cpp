@@ -11,7 +11,7 @@ TEST(Crc32, TheChecksumOfAReportIsThePublishedOne) {
   EXPECT_EQ(Crc32().after("123456789").checksum(), 0xCBF43926u);
 }
 
-RC_GTEST_PROP(Crc32, TheStateBeforeAnyBytesIsFound, (std::string first, std::string second)) {
+RC_GTEST_PROP(Crc32, TheStateBeforeAnyBytesIsFound, (const std::string& first, const std::string& second)) {
   const std::uint32_t checksum = Crc32().after(first + second).checksum();
   RC_ASSERT(Crc32::endingIn(checksum).before(second) == Crc32().after(first));
 }
