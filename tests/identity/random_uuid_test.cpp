@@ -1,16 +1,17 @@
 #include "identity/random_uuid.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -24,12 +25,19 @@ namespace {
 
 using vestra_test::isRandomUuid;
 
-/// Lets the kernel answer this process like one that is older than the call.
-void takeAwayGetrandom() {
-  std::array<sock_filter, 4> lines = {{
+constexpr std::uint32_t NO_CALL = 0xFFFFFFFF;
+
+/// Lets the kernel answer this process like one that is older than getrandom, and without
+/// a file to be read on request. Not by a lack of descriptors, which the sanitizers need.
+void takeAwayGetrandom(bool andFiles = false) {
+  std::array<sock_filter, 8> lines = {{
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_getrandom, 0, 1),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, andFiles ? SYS_openat : NO_CALL, 0, 3),
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, O_RDONLY | O_CLOEXEC, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOENT),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
   }};
   const sock_fprog filter = {lines.size(), lines.data()};
@@ -75,17 +83,8 @@ TEST(RandomUuid, RandomUuidIsDrawnFromTheDeviceWhereTheKernelLacksTheCall) {
 
 TEST(RandomUuid, RandomUuidIsNotMadeUpWithoutASourceOfRandomness) {
   const std::string outcome = vestra_test::inChildProcess([] {
-    takeAwayGetrandom();
-    struct rlimit before {};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const struct rlimit noDescriptors = {0, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &noDescriptors);
-    try {
-      return randomUuid();
-    } catch (...) {
-      setrlimit(RLIMIT_NOFILE, &before);
-      throw;
-    }
+    takeAwayGetrandom(true);
+    return randomUuid();
   });
   EXPECT_EQ(outcome, "exception: getrandom");
 }

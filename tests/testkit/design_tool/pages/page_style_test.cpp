@@ -23,7 +23,7 @@ class Scheme {
 
   /// How much lighter one colour is than the other, as WCAG 2 has it.
   double contrast(const std::string& one, const std::string& other) const {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
   }
 
