@@ -9,7 +9,7 @@
 namespace vestra::inspect {
 namespace {
 
-constexpr std::int64_t SECONDS_PER_DAY = 86400;
+using Oza::SECONDS_PER_DAY;
 
 // As a C string, like the library: what follows a NUL is not reported.
 std::string reported(const std::string& identifier) {

@@ -9,7 +9,6 @@
 namespace Oza {
 namespace {
 
-constexpr std::int64_t SECONDS_PER_DAY = 86400;
 constexpr std::int64_t NEVER = 0;
 
 /// Reads one line and, unless it is empty, makes a number of it.

@@ -15,6 +15,9 @@ namespace Oza {
 inline constexpr char PROJECT_IDENTITY_FILE[] = ".kelvo_vestrra.info";
 inline constexpr std::size_t PROJECT_IDENTITY_FILE_LENGTH = sizeof PROJECT_IDENTITY_FILE - 1;
 
+/// More than this must pass after a report before the next one is due.
+inline constexpr std::int64_t SECONDS_PER_DAY = 86400;
+
 /// What a project identity file holds, with the values of a new project.
 struct ProjectIdentity {
   /// When a report was last sent for every product but KELVO_ALT, in seconds since
