@@ -1,9 +1,12 @@
 #include "command_line.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 
 #include <CLI/CLI.hpp>
+
+#include "render/json_text.h"
 
 namespace vestra::inspect {
 namespace {
@@ -76,6 +79,14 @@ int takeProgram(int count, const char* const* words, Request& request) {
   return count;
 }
 
+/// A program that reads documents gets one here too.
+std::string documentOf(const std::string& complaint, int count, const char* const* words,
+                       const std::string& command) {
+  const bool isWanted =
+      std::any_of(words, words + count, [](const char* word) { return std::strcmp(word, "--json") == 0; });
+  return isWanted ? JsonText(Redaction()).failure(command, complaint).dump(2) + "\n" : "";
+}
+
 }  // namespace
 
 CommandLine readCommandLine(int count, const char* const* words) {
@@ -90,14 +101,17 @@ CommandLine readCommandLine(int count, const char* const* words) {
   addCommand(app, "doctor", "what is wrong and how to mend it", line.request);
   addRehearsal(app, line.request);
   app.add_option("PROJECT", line.request.subject, "for status");
+  const int own = takeProgram(count, words, line.request);
   try {
-    app.parse(takeProgram(count, words, line.request), words);
+    app.parse(own, words);
   } catch (const CLI::Success&) {
     line.exitStatus = 0;
     line.output =
         count > 1 && std::string(words[count - 1]) == "--version" ? app.version() + "\n" : app.help();
   } catch (const CLI::ParseError& error) {
-    line.exitStatus = app.got_subcommand("rehearse") ? 125 : 2;
+    const bool isRehearsal = app.got_subcommand("rehearse");
+    line.exitStatus = isRehearsal ? 125 : 2;
+    line.output = documentOf(error.what(), own, words, isRehearsal ? "rehearse" : line.request.command);
     line.complaint = "vestra-inspect: " + std::string(error.what()) + "\nTry --help.\n";
   }
   return line;

@@ -163,16 +163,25 @@ Answer dispatch(const Request& request, bool onTerminal) {
                                      : accountOf(request, view, onTerminal);
 }
 
+/// What went wrong may name the user too.
+Answer failureOf(const Request& request, int status, const std::string& reason) {
+  View view;
+  view.environment = ownEnvironment();
+  const Redaction redaction = request.isRedacted ? Redaction(lookAtPerson(view)) : Redaction();
+  return {status, request.asJson ? JsonText(redaction).failure(request.command, reason).dump(2) + "\n" : "",
+          fmt::format("vestra-inspect: {}\n", reading::forTerminal(redaction(reason)))};
+}
+
 }  // namespace
 
 Answer answer(const Request& request, bool onTerminal) {
   try {
     return dispatch(request, onTerminal);
+  } catch (const NotRehearsed& error) {
+    return failureOf(request, error.status, error.what());
   } catch (const std::exception& error) {
-    const int status = request.command == "rehearse" ? CANNOT_BE_HELD_BACK : COULD_NOT_LOOK;
-    const std::string document =
-        request.asJson ? JsonText(Redaction()).failure(request.command, error.what()).dump(2) + "\n" : "";
-    return {status, document, fmt::format("vestra-inspect: {}\n", reading::forTerminal(error.what()))};
+    return failureOf(request, request.command == "rehearse" ? CANNOT_BE_HELD_BACK : COULD_NOT_LOOK,
+                     error.what());
   }
 }
 

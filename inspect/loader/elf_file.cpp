@@ -2,6 +2,7 @@
 
 #include <elf.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -52,6 +53,15 @@ class Segments {
   }
 
   bool has(Elf64_Word type) const { return find(type) != nullptr; }
+
+  /// Whether the file ends before its last segment does.
+  bool areCut() const {
+    return std::any_of(headers.begin(), headers.end(), [&](const Elf64_Phdr& segment) {
+      return segment.p_type == PT_LOAD && (segment.p_filesz > file.bytes().size() ||
+                                           segment.p_offset > file.bytes().size() - segment.p_filesz);
+    });
+  }
+
   const std::vector<Elf64_Dyn>& dynamic() const { return entries; }
 
   std::size_t valueOf(Elf64_Sxword tag) const {
@@ -130,6 +140,9 @@ std::size_t symbolCount(const MappedFile& file, const Segments& segments) {
     const auto count = file.at<std::uint32_t>(segments.offsetOf(segments.valueOf(DT_HASH)) + 4);
     return count.value_or(0);
   }
+  if (segments.valueOf(DT_GNU_HASH) == 0) {
+    return 0;
+  }
   const std::size_t table = segments.offsetOf(segments.valueOf(DT_GNU_HASH));
   const auto buckets = file.at<std::uint32_t>(table).value_or(0);
   const auto first = file.at<std::uint32_t>(table + 4).value_or(0);
@@ -162,6 +175,10 @@ ElfFile readElfFile(const std::string& path) {
     elf.hasInterpreter = segments.has(PT_INTERP);
     elf.isDynamic = segments.has(PT_DYNAMIC);
     readDynamic(segments, elf);
+    if (segments.areCut()) {
+      elf.state = ElfState::broken;
+      elf.reason = "cut: it ends before its last segment";
+    }
   }
   return elf;
 }

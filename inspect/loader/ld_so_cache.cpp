@@ -9,6 +9,10 @@ namespace {
 
 constexpr const char* MAGIC = "glibc-ld.so.cache1.1";
 constexpr std::size_t HEADER_LENGTH = 48;
+// A cache for older loaders too has a list for those in front.
+constexpr const char* OLD_MAGIC = "ld.so-1.7.0";
+constexpr std::size_t OLD_HEADER_LENGTH = 16;
+constexpr std::size_t OLD_ENTRY_LENGTH = 12;
 // For ELF libraries of libc 6 on x86-64.
 constexpr std::uint32_t WANTED_FLAGS = 0x0303;
 
@@ -19,6 +23,15 @@ struct CacheEntry {
   std::uint32_t osVersion;
   std::uint64_t hardware;
 };
+
+/// Where the list begins by which this loader goes; what it refers to is counted from there.
+std::size_t beginOf(const MappedFile& file) {
+  if (file.bytes().rfind(OLD_MAGIC, 0) != 0) {
+    return 0;
+  }
+  const std::size_t count = file.at<std::uint32_t>(OLD_HEADER_LENGTH - sizeof(std::uint32_t)).value_or(0);
+  return (OLD_HEADER_LENGTH + count * OLD_ENTRY_LENGTH + 7) / 8 * 8;
+}
 
 /// The level that a path asks for; 1 for any other.
 int levelOf(const std::string& path) {
@@ -31,21 +44,22 @@ int levelOf(const std::string& path) {
 
 LdSoCache::LdSoCache(const std::string& path) {
   const MappedFile file(path);
-  if (file.bytes().rfind(MAGIC, 0) != 0) {
+  const std::size_t begin = beginOf(file);
+  if (file.textAt(begin).rfind(MAGIC, 0) != 0) {
     return;
   }
-  const std::uint32_t count = file.at<std::uint32_t>(20).value_or(0);
+  const std::uint32_t count = file.at<std::uint32_t>(begin + 20).value_or(0);
   for (std::uint32_t i = 0; i < count; ++i) {
-    const auto entry = file.at<CacheEntry>(HEADER_LENGTH + std::size_t{i} * sizeof(CacheEntry));
+    const auto entry = file.at<CacheEntry>(begin + HEADER_LENGTH + std::size_t{i} * sizeof(CacheEntry));
     if (!entry) {
       return;
     }
-    const std::string library = file.textAt(entry->value);
+    const std::string library = file.textAt(begin + entry->value);
     const int level = levelOf(library);
     if (entry->flags != WANTED_FLAGS || level > processorLevel()) {
       continue;
     }
-    Entry& known = entries.emplace(file.textAt(entry->key), Entry{library, 0}).first->second;
+    Entry& known = entries.emplace(file.textAt(begin + entry->key), Entry{library, 0}).first->second;
     if (level > known.level) {
       known = {library, level};
     }

@@ -7,8 +7,7 @@
 
 namespace vestra::inspect {
 
-/// The loader's cache, for 64-bit libraries of this machine. One that is missing, or of a
-/// form other than glibc 2.32 and later write, is empty.
+/// The loader's cache, for 64-bit libraries of this machine. One that is missing or damaged is empty.
 class LdSoCache {
  public:
   explicit LdSoCache(const std::string& path = "/etc/ld.so.cache");

@@ -27,6 +27,10 @@ inline std::string fingerprintOf(const std::string& path) {
 
 /// The rehearsal's directory.
 inline constexpr char DIRECTORY_VARIABLE[] = "VESTRA_REHEARSAL";
+/// The part of it that goes at the end.
+inline constexpr char PRIVATE_DIRECTORY[] = "/private";
+/// Milliseconds that one report may take; 30 seconds without it.
+inline constexpr char LIMIT_VARIABLE[] = "VESTRA_REHEARSAL_LIMIT";
 /// Path of the support library that the program would get.
 inline constexpr char SUPPORT_VARIABLE[] = "VESTRA_REHEARSAL_SUPPORT";
 /// The command that stands for the main design tool where the shim was lost.

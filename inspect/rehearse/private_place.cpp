@@ -79,7 +79,9 @@ void imitate(const std::string& original, const std::string& copy, bool readIsEn
 }  // namespace
 
 PrivatePlace::PrivatePlace(const std::string& rehearsal, const std::string& realProject)
-    : folder(nextFolder(rehearsal)), realDirectory(realProject) {
+    : folder(nextFolder(rehearsal)),
+      projectDirectory(rehearsal + PRIVATE_DIRECTORY + folder.substr(rehearsal.size())),
+      realDirectory(realProject) {
   const std::string identity = "/vestra/.kelvo_vestrra.info";
   note("directory", realDirectory);
   note("before", fingerprintOf(realDirectory + identity));
@@ -124,7 +126,7 @@ std::string absolutePath(const std::string& directory) {
 }
 
 std::string privateHome(const std::string& rehearsal, const std::string& home) {
-  std::string made = rehearsal + "/home-" + std::to_string(getpid());
+  std::string made = rehearsal + PRIVATE_DIRECTORY + "/home-" + std::to_string(getpid());
   std::string directory = made;
   std::string original = home.empty() ? "/tmp" : home;
   mkdir(directory.c_str(), OWN_MODE);

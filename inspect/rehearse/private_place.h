@@ -13,7 +13,7 @@ class PrivatePlace {
   PrivatePlace(const std::string& rehearsal, const std::string& realProject);
 
   /// The project in whose stead the report is written.
-  std::string project() const { return folder + "/project"; }
+  const std::string& project() const { return projectDirectory; }
   /// Copies script and rules file to the folder, with the real project's paths in them.
   void keepFiles() const;
   /// Writes a fact for the inspector.
@@ -22,6 +22,7 @@ class PrivatePlace {
 
  private:
   std::string folder;
+  std::string projectDirectory;
   std::string realDirectory;
 };
 

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <stdexcept>
 
@@ -15,8 +14,8 @@
 
 #include "facts/facts.h"
 #include "handler/product_profile.h"
-#include "handler/support_library.h"
 #include "rehearse/fingerprint.h"
+#include "rehearse/rehearsed.h"
 #include "render/answers.h"
 #include "render/json_text.h"
 
@@ -92,6 +91,7 @@ std::string makeDirectory(const View& view) {
   if (mkdtemp(name.data()) == nullptr) {
     throw std::runtime_error(fmt::format("no directory can be made in {}", place));
   }
+  boost::filesystem::create_directory(name + PRIVATE_DIRECTORY);
   return name;
 }
 
@@ -120,7 +120,8 @@ void setEnvironment(const std::string& directory, const View& view) {
 
 int statusOf(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
 
-/// An interrupt from the terminal is the program's.
+/// An interrupt from the terminal is the program's. Where a document is wanted, the standard
+/// output is the document's alone.
 int run(const std::string& program, const Request& request) {
   std::vector<char*> words;
   for (const std::string& word : request.program) {
@@ -129,6 +130,9 @@ int run(const std::string& program, const Request& request) {
   words.push_back(nullptr);
   const pid_t child = fork();
   if (child == 0) {
+    if (request.asJson) {
+      dup2(STDERR_FILENO, STDOUT_FILENO);
+    }
     execv(program.c_str(), words.data());
     _exit(errno == ENOENT ? NOT_FOUND : MAY_NOT_BE_RUN);
   }
@@ -140,144 +144,31 @@ int run(const std::string& program, const Request& request) {
   return statusOf(status);
 }
 
-/// One report that the shim kept.
-struct Rehearsed {
-  std::string folder;
-  std::string directory;
-  std::string answer;
-  std::optional<std::string> command;
-  std::optional<ReportFacts> report;
-};
-
-std::optional<Rehearsed> readRehearsed(const std::string& folder, const PersonFacts& person) {
-  if (!lookAt(folder).exists()) {
-    return std::nullopt;
-  }
-  Rehearsed rehearsed{folder,
-                      readFileAt(folder + "/directory").text.value_or(""),
-                      readFileAt(folder + "/answer").text.value_or(""),
-                      readFileAt(folder + "/command").text,
-                      {}};
-  for (const Product product : {Oza::Vestra::KELVO, Oza::Vestra::TAVLO}) {
-    LookedFile script = readFileAt(folder + "/" + Oza::profileOf(product).script);
-    if (script.text) {
-      rehearsed.report = readReport(std::move(script), person);
+/// What the reports left behind them at their places of before.
+std::vector<std::string> changedAfter(const std::vector<Rehearsed>& reports, Witness& witness) {
+  for (const Rehearsed& each : reports) {
+    if (!each.directory.empty()) {
+      witness.noteBefore(Witness::identityOf(each.directory),
+                         readFileAt(each.folder + "/before").text.value_or(""));
     }
   }
-  return rehearsed;
+  return witness.changed();
 }
 
-std::string fateOf(const Rehearsed& each) {
-  if (each.answer.empty()) {
-    return "could not be rehearsed: no answer within 30 seconds";
-  }
-  if (each.answer.front() == 'l' || each.answer.front() == 'r') {
-    return "the program would have got the exception \"" + each.answer.substr(1) + "\"";
-  }
-  if (each.answer == "t") {
-    return "would have been handed over now";
-  }
-  return each.report ? "not due: would have been written and not handed over"
-                     : "nothing would have been reported";
-}
-
-void writeReportLines(const Rehearsed& each, Page& page) {
-  const ReportFacts& report = *each.report;
-  page.paragraph(2, fmt::format("number {}; checksum {}; {} items, {} with hazards",
-                                report.projectFact("project_iteration"), report.checksum, report.items.size(),
-                                report.hazardCount()));
-  page.paragraph(2, fmt::format("registration \"{}\"", report.registration));
-  if (each.command) {
-    page.paragraph(2, "the shell would have been given");
-    page.paragraph(4, *each.command);
-  }
-  page.paragraph(2, "kept in " + each.folder);
-}
-
-/// Identifiers that a rehearsal had to draw will be drawn anew.
-void writeExamples(const Rehearsed& each, const View& view, Page& page) {
-  const ProjectFacts project = lookAtProject(view, each.directory);
-  if (project.state == IdentityState::fresh) {
-    page.paragraph(2,
-                   "project_id is an example: the real run will draw another, unless the program gives one");
-  }
-  if (lookAtUser(view).makesNew) {
-    page.paragraph(2, "random_id is an example: the real run will draw another");
-  }
-}
-
-void writeRehearsed(const Rehearsed& each, const View& view, Page& page) {
-  if (each.directory.empty()) {
-    page.verdict("vestra-inspect: caught a report on its way to the tool");
-    page.paragraph(2, "kept in " + each.folder);
-    return;
-  }
-  page.verdict(fmt::format("vestra-inspect: held back one report{} for {}",
-                           each.report ? " of " + each.report->product : "", each.directory));
-  page.paragraph(2, fateOf(each));
-  if (each.report) {
-    writeReportLines(each, page);
-  }
-  writeExamples(each, view, page);
-}
-
-/// For programs: beside the script.
-void keepDocument(const Rehearsed& each, const JsonText& json) {
-  if (each.report) {
-    std::ofstream(each.folder + "/report.json") << json.reportOf(*each.report).dump(2) << "\n";
-  }
-}
-
-void writeChecked(const std::vector<std::string>& changed, std::size_t reports, Page& page) {
-  for (const std::string& path : changed) {
-    page.verdict("LEAKED: your program reported for real, " + path + " has changed");
-  }
-  if (changed.empty() && reports == 0) {
-    page.verdict("vestra-inspect: the program asked for no report");
-  } else if (changed.empty()) {
-    page.paragraph(2, "checked: settings and identity file are as before; the day is not used");
-  }
-  if (reports > 1) {
-    page.paragraph(
-        2, "each was rehearsed by itself: what an earlier one would have changed is not in a later one");
-  }
-}
-
-void forget(const Rehearsed& each, const std::string& directory) {
+Answer tell(const Request& request, const View& view, const std::string& directory, int status,
+            Witness& witness) {
+  Rehearsal rehearsal = readRehearsal(directory, view);
+  rehearsal.changed = changedAfter(rehearsal.reports, witness);
+  rehearsal.status = rehearsal.isCertain() ? status : LEAKED;
   boost::system::error_code error;
-  boost::filesystem::remove_all(each.folder + "/project", error);
-  for (boost::filesystem::directory_iterator entry(directory, error);
-       !error && entry != boost::filesystem::directory_iterator(); entry.increment(error)) {
-    if (entry->path().filename().string().rfind("home-", 0) == 0) {
-      boost::filesystem::remove_all(entry->path(), error);
-    }
+  boost::filesystem::remove_all(directory + (rehearsal.reports.empty() ? "" : PRIVATE_DIRECTORY), error);
+  const Redaction redaction = request.isRedacted ? Redaction(rehearsal.facts) : Redaction();
+  if (request.asJson) {
+    return {rehearsal.status, JsonText(redaction).rehearsalOf(rehearsal).dump(2) + "\n", ""};
   }
-}
-
-Answer tell(const std::string& directory, int status, Witness& witness, const View& view) {
-  const Redaction nothing;
-  const JsonText json(nothing);
-  Page page(false, nothing);
-  std::size_t number = 0;
-  bool unknown = false;
-  while (auto each = readRehearsed(fmt::format("{}/{}", directory, number + 1), lookAtPerson(view))) {
-    ++number;
-    if (!each->directory.empty()) {
-      witness.noteBefore(Witness::identityOf(each->directory),
-                         readFileAt(each->folder + "/before").text.value_or(""));
-      unknown = unknown || each->answer.empty();
-    }
-    writeRehearsed(*each, view, page);
-    keepDocument(*each, json);
-    forget(*each, directory);
-  }
-  const std::vector<std::string> changed = witness.changed();
-  writeChecked(changed, number, page);
-  if (number == 0) {
-    boost::system::error_code error;
-    boost::filesystem::remove_all(directory, error);
-  }
-  return {!changed.empty() || unknown ? LEAKED : status, "", page.text()};
+  Page page(false, redaction);
+  writeRehearsal(rehearsal, page);
+  return {rehearsal.status, "", page.text()};
 }
 
 }  // namespace
@@ -285,10 +176,10 @@ Answer tell(const std::string& directory, int status, Witness& witness, const Vi
 Answer rehearse(const Request& request, const View& view) {
   const std::string program = pathOfProgram(request.program.front(), view);
   if (program.empty()) {
-    return {NOT_FOUND, "", "vestra-inspect: " + request.program.front() + ": not found\n"};
+    throw NotRehearsed(NOT_FOUND, request.program.front() + ": not found");
   }
   if (access(program.c_str(), X_OK) != 0 || !lookAt(program).isRegular()) {
-    return {MAY_NOT_BE_RUN, "", "vestra-inspect: " + program + ": may not be run\n"};
+    throw NotRehearsed(MAY_NOT_BE_RUN, program + ": may not be run");
   }
   const std::string obstacle = whyNotHeldBack(program);
   if (!obstacle.empty() || !lookAt(libraryDirectory() + "/libvestra_rehearsal.so").isRegular()) {
@@ -301,7 +192,7 @@ Answer rehearse(const Request& request, const View& view) {
   const std::string directory = makeDirectory(view);
   setEnvironment(directory, hostView);
   const int status = run(program, request);
-  return tell(directory, status, witness, view);
+  return tell(request, view, directory, status, witness);
 }
 
 }  // namespace vestra::inspect

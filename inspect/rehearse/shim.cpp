@@ -6,7 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -26,7 +30,6 @@ using LogFileName = std::string (*)();
 
 constexpr const char* SEND = "_ZN3Oza6Vestra4sendEPKcNS0_11ProductTypeE";
 constexpr const char* LOG_FILE_NAME = "_ZN3Oza6Vestra14getLogFileNameB5cxx11Ev";
-constexpr int TIME_LIMIT_MILLISECONDS = 30000;
 
 Send realSend = nullptr;
 LogFileName realLogFileName = nullptr;
@@ -94,11 +97,28 @@ std::string endOf(const std::string& directory, Oza::Vestra::ProductType product
   _exit(0);
 }
 
+int timeLimit() {
+  const char* milliseconds = variable(LIMIT_VARIABLE);
+  return milliseconds != nullptr ? std::atoi(milliseconds) : 30000;
+}
+
+/// Whether there is something to read before the moment; the host's signals do not matter.
+bool waitFor(int descriptor, std::chrono::steady_clock::time_point end) {
+  pollfd waiting{descriptor, POLLIN, 0};
+  int ready = -1;
+  do {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    ready = poll(&waiting, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+  } while (ready < 0 && errno == EINTR);
+  return ready > 0;
+}
+
 std::string readEnd(int descriptor) {
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeLimit());
   std::string end;
   char piece[512];
-  pollfd waiting{descriptor, POLLIN, 0};
-  while (poll(&waiting, 1, TIME_LIMIT_MILLISECONDS) > 0) {
+  while (waitFor(descriptor, limit)) {
     const ssize_t length = read(descriptor, piece, sizeof piece);
     if (length <= 0) {
       return end;

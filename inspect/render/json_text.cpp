@@ -50,6 +50,14 @@ Json JsonText::text(const std::string& bytes) const {
   return reading::isUtf8(shown) ? Json(shown) : Json{{"hex", hexOf(shown)}};
 }
 
+Json JsonText::texts(const std::vector<std::string>& list) const {
+  Json json = Json::array();
+  for (const std::string& each : list) {
+    json.push_back(text(each));
+  }
+  return json;
+}
+
 Json JsonText::file(const LookedFile& looked) const {
   Json json = {{"path", text(looked.path)}, {"state", inspect::nameOf(looked.kind)}};
   if (looked.link) {
@@ -133,7 +141,7 @@ Json JsonText::support(const SupportFacts& known) const {
   }
   return {{"candidates", candidates},
           {"chosen", known.search.chosen.empty() ? Json() : text(known.search.chosen)},
-          {"needs_missing", known.missingNeeds},
+          {"needs_missing", texts(known.missingNeeds)},
           {"entry_points_missing", known.missingEntryPoints},
           {"stand_in", known.isStandIn},
           {"answers", nullptr}};
@@ -151,15 +159,11 @@ Json JsonText::switches(const View& view) const {
 }
 
 Json JsonText::finding(const Finding& found) const {
-  Json mend = Json::array();
-  for (const std::string& command : found.mend) {
-    mend.push_back(text(command));
-  }
   return {{"id", found.check->id},
           {"level", inspect::nameOf(found.check->level)},
           {"says", text(found.says)},
           {"means", found.check->means},
-          {"mend", mend}};
+          {"mend", texts(found.mend)}};
 }
 
 Json JsonText::statusOf(const Facts& facts, const Findings& findings, const std::string& verdict,
@@ -229,6 +233,28 @@ Json JsonText::reportsOf(const Facts& facts, const std::vector<ReportFacts>& rep
   document["reports"] = Json::array();
   for (const ReportFacts& report : reports) {
     document["reports"].push_back(reportOf(report));
+  }
+  return document;
+}
+
+Json JsonText::rehearsed(const Rehearsed& each) const {
+  const bool throws = each.outcome() == std::string("throws");
+  return {{"folder", text(each.folder)},
+          {"directory", each.isCaught() ? Json() : text(each.directory)},
+          {"outcome", each.outcome()},
+          {"exception", throws ? text(each.answer.substr(1)) : Json()},
+          {"command", each.command ? text(*each.command) : Json()},
+          {"examples", each.examples},
+          {"report", each.report ? reportOf(*each.report) : Json()}};
+}
+
+Json JsonText::rehearsalOf(const Rehearsal& rehearsal) const {
+  Json document = head(rehearsal.facts, "rehearse", rehearsal.verdict());
+  document["status"] = rehearsal.status;
+  document["leaked"] = texts(rehearsal.changed);
+  document["rehearsed"] = Json::array();
+  for (const Rehearsed& each : rehearsal.reports) {
+    document["rehearsed"].push_back(rehearsed(each));
   }
   return document;
 }

@@ -8,6 +8,7 @@
 
 #include "checks/finding.h"
 #include "facts/facts.h"
+#include "rehearse/rehearsed.h"
 #include "render/redaction.h"
 
 namespace vestra::inspect {
@@ -27,10 +28,12 @@ class JsonText {
   /// A document that says only what went wrong.
   Json failure(const std::string& command, const std::string& reason) const;
   Json reportOf(const ReportFacts& report) const;
+  Json rehearsalOf(const Rehearsal& rehearsal) const;
 
  private:
   Json head(const Facts& facts, const std::string& command, const std::string& verdict) const;
   Json text(const std::string& bytes) const;
+  Json texts(const std::vector<std::string>& list) const;
   Json file(const LookedFile& looked) const;
   Json user(const Facts& facts) const;
   Json project(const Facts& facts) const;
@@ -39,6 +42,7 @@ class JsonText {
   Json support(const SupportFacts& known) const;
   Json switches(const View& view) const;
   Json item(const ReportedItem& each) const;
+  Json rehearsed(const Rehearsed& each) const;
   Json finding(const Finding& found) const;
 
   const Redaction& redaction;

@@ -27,6 +27,14 @@ void replaceIn(std::string& text, const std::string& what, const std::string& wi
 
 }  // namespace
 
+Redaction::Redaction(const PersonFacts& person) {
+  mark(person.home, "<home>", true);
+  mark(person.login, "<login>", true);
+  mark(person.fullName, "<name>", true);
+  mark(person.hostName, "<host>", true);
+}
+
+// Identifiers may hold a name, and are marked before it.
 Redaction::Redaction(const Facts& facts) {
   mark(facts.user.randomId, "<user-id>", false);
   mark(facts.project.identity.projectId, "<project-id>", false);
@@ -36,10 +44,8 @@ Redaction::Redaction(const Facts& facts) {
     mark(report.projectFact("random_id"), fmt::format("<report-user-id-{}>", number), false);
     mark(report.projectFact("project_id"), fmt::format("<report-project-id-{}>", number), false);
   }
-  mark(facts.person.home, "<home>", true);
-  mark(facts.person.login, "<login>", true);
-  mark(facts.person.fullName, "<name>", true);
-  mark(facts.person.hostName, "<host>", true);
+  const Redaction person(facts.person);
+  marks.insert(marks.end(), person.marks.begin(), person.marks.end());
 }
 
 std::string Redaction::operator()(std::string text) const {

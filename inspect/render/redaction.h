@@ -15,7 +15,9 @@ class Redaction {
  public:
   /// Leaves every text as it is.
   Redaction() = default;
-  /// Marks the identifiers, the home, the login, the full and the host name.
+  /// Marks the home, the login, the full and the host name.
+  explicit Redaction(const PersonFacts& person);
+  /// Marks the identifiers as well.
   explicit Redaction(const Facts& facts);
 
   std::string operator()(std::string text) const;

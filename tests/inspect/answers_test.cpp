@@ -1,10 +1,9 @@
 #include <ctime>
-#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "inspect/damage.h"
+#include "inspect/place.h"
 #include "support/files.h"
 
 namespace vestra_test {
@@ -73,16 +72,6 @@ TEST_F(Inspector, KnowsThatOneProductHasADayOfItsOwn) {
   const Json document = place.document(at(NOW));
   EXPECT_EQ(predictionOf(document, "TAVLO")["next_run"], "not_due");
   EXPECT_EQ(predictionOf(document, "KELVO_ALT")["next_run"], "reports");
-}
-
-// The clock that the host reads runs on, so the borders are as near as a slow machine allows.
-TEST_F(Inspector, ForetellsWhatAHostThenDoesAroundTheBorder) {
-  for (const auto& [age, answer] : {std::pair(86400 - 100, "false"), std::pair(86402, "true")}) {
-    place.writeIdentity(std::time(nullptr) - age);
-    const Json next = predictionOf(place.document({}));
-    EXPECT_EQ(next["next_run"], std::string(answer) == "true" ? "reports" : "not_due");
-    EXPECT_THAT(place.runHost().out, StartsWith(answer)) << age;
-  }
 }
 
 TEST_F(Inspector, GivesNoReportBeforeAFutureTimeHasPassed) {
@@ -207,34 +196,6 @@ TEST_F(Inspector, ColoursATerminalOnly) {
 TEST_F(Inspector, EndsQuietlyWhenItsReaderHasSeenEnough) {
   const Outcome cut = place.runProgram({"sh", "-c", place.inspector() + " | true"});
   EXPECT_EQ(cut.err, "");
-}
-
-/// A document for each damage and command, in one file for one run of the validator.
-TEST_F(Inspector, WritesDocumentsThatFitTheSchema) {
-  std::ofstream documents(place / "documents");
-  documents << place.inspect({"--json", "--host", "/nowhere"}).out << '\0'
-            << place.inspect({"report", "--json"}).out;
-  place.writeIdentity(std::time(nullptr));
-  place.runHost("KELVO", {"bytes", "\xFF", "top", "$fast"});
-  documents << '\0' << place.inspect({"report", "--json"}).out;
-  for (const Damage& damage : damages()) {
-    Place damaged;
-    damage.make(damaged);
-    damaged.giveToUser();
-    documents << '\0' << damaged.inspect({"doctor", "--json"}).out;
-  }
-  documents.close();
-  const Outcome valid = run({"python3", "-c",
-                             "import json, sys, jsonschema\n"
-                             "schema = json.load(open(sys.argv[1]))\n"
-                             "jsonschema.Draft202012Validator.check_schema(schema)\n"
-                             "validator = jsonschema.Draft202012Validator(schema)\n"
-                             "texts = open(sys.argv[2]).read().split(chr(0))\n"
-                             "for text in texts:\n"
-                             "    validator.validate(json.loads(text))\n"
-                             "print(len(texts))\n",
-                             SCHEMA, place / "documents"});
-  EXPECT_EQ(valid.out, std::to_string(3 + damages().size()) + "\n") << valid.err;
 }
 
 }  // namespace

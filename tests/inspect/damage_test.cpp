@@ -24,51 +24,6 @@ class EachDamage : public testing::TestWithParam<Damage> {
 
 std::string nameOf(const testing::TestParamInfo<Damage>& test) { return test.param.name; }
 
-/// What the system calls of a command tell: nothing is started, connected, made or written.
-Outcome traced(const Place& place, const Words& words) {
-  Words all = {"strace",
-               "-f",
-               "-qq",
-               "-e",
-               "trace=%file,%process,%network,ftruncate,fchmod,fchown,flock",
-               "-o",
-               place / "temporary/trace",
-               place.inspector()};
-  all.insert(all.end(), words.begin(), words.end());
-  return place.runProgram(all);
-}
-
-/// Calls that a process which only looks has no use for.
-std::string writingCallsIn(const std::string& trace) {
-  std::string found;
-  for (const char* call :
-       {"fork(",  "clone(", "clone3(", "vfork(",   "socket(", "connect(", "mkdir",   "unlink",
-        "rename", "rmdir(", "link(",   "symlink",  "mknod",   "chmod",    "chown",   "truncate",
-        "utime",  "creat(", "flock(",  "O_WRONLY", "O_RDWR",  "O_CREAT",  "O_TRUNC", "O_APPEND"}) {
-    for (std::size_t at = trace.find(call); at != std::string::npos; at = trace.find(call, at + 1)) {
-      const std::size_t begin = trace.rfind('\n', at) + 1;
-      const std::string line = trace.substr(begin, trace.find('\n', at) - begin);
-      // A build that counts lines writes the counts at its end.
-      const bool isOurs = line.find("readlink") == std::string::npos &&
-                          line.find(".gcda") == std::string::npos &&
-                          line.find("CMakeFiles") == std::string::npos;
-      found += isOurs ? line + "\n" : "";
-    }
-  }
-  return found;
-}
-
-TEST_P(EachDamage, IsLookedAtWithoutAChange) {
-  const std::string before = place.snapshot();
-  for (const char* command : {"status", "report", "doctor"}) {
-    traced(place, {command});
-    const std::string trace = readFile(place / "temporary/trace");
-    EXPECT_THAT(trace, testing::HasSubstr("/vestra/")) << command;
-    EXPECT_EQ(writingCallsIn(trace), "") << command;
-  }
-  EXPECT_EQ(place.snapshot(), before);
-}
-
 /// How a run went, in the prediction's words.
 std::string outcomeOf(const Place& place, const std::string& product, const Outcome& run) {
   if (run.out.rfind("exception", 0) == 0) {

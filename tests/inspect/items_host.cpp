@@ -36,6 +36,7 @@ int main(int count, char** words) {
     return 3;
   }
   const char* home = std::getenv("HOME");
-  std::cout << "home " << (home != nullptr ? home : "(none)") << '\n';
+  std::cout << "home " << (home != nullptr ? home : "(none)") << '\n'
+            << (Oza::Vestra::internal() ? "internal" : "external") << '\n';
   return 0;
 }

@@ -83,6 +83,22 @@ TEST_F(SupportLibrary, IsFoundBehindAFileThatMayNotBeRead) {
   expectPassed();
 }
 
+/// Such a file ends the host.
+TEST_F(SupportLibrary, IsHiddenByACutLibrary) {
+  place.write(first(), readFile(kit()).substr(0, 1000));
+  EXPECT_THAT(findingsOf(document()), Contains("support.hidden"));
+  EXPECT_THAT(place.runHost().out, Not(StartsWith("true")));
+}
+
+TEST_F(SupportLibrary, IsTakenFromTheDirectoryForTheProcessor) {
+  const std::string better = ahead() + "/glibc-hwcaps/x86-64-v2/" + NAME;
+  place.write(first(), "");
+  place.write(better, readFile(kit()));
+  EXPECT_EQ(document()["support"]["chosen"], better);
+  EXPECT_EQ(predictionOf(document())["next_run"], "reports");
+  EXPECT_THAT(place.runHost().out, StartsWith("true"));
+}
+
 TEST_F(SupportLibrary, IsTakenWithoutItsEntryPoints) {
   place.write(first(), readFile(place.programs() + "/bin/libvestra.so.1"));
   const Json seen = document();

@@ -37,12 +37,14 @@ Place::Place() {
   fs::create_directories(home());
   fs::create_directories(project());
   putInto(VESTRA_INSPECT, programs() + "/bin");
-  putInto(ITEMS_HOST, programs() + "/bin");
-  putInto(OPENING_HOST, programs() + "/bin");
+  for (const char* program : {ITEMS_HOST, LAB_TOOL, OPENING_HOST, SET_CLOCK, SIMULATOR}) {
+    putInto(program, programs() + "/bin");
+  }
   putInto(VESTRA_LIBRARY, programs() + "/bin", "libvestra.so.1");
   putInto(REHEARSAL_SHIM, programs() + "/" INSPECT_LIBDIR);
   putInto(REHEARSAL_SUPPORT, programs() + "/" INSPECT_LIBDIR);
   putInto(SUPPORT_LIBRARY, support());
+  fs::create_directories(elsewhere());
   for (const std::string& each :
        {"HOME=" + home(), std::string("TZ=UTC"), std::string("LD_LIBRARY_PATH=") + support(),
         std::string("VESTRA_TESTKIT_REGID=REG-42"), std::string("VESTRA_TESTKIT_ENVIRONMENT=") + ENVIRONMENT,
@@ -101,8 +103,8 @@ Command Place::asUser(const Words& words) const {
 }
 
 std::string Place::snapshot() const {
-  return run({"find", home(), project(), "!", "-type", "f", "-printf", "%p %y %m %l %T@ %C@\n", "-o",
-              "-printf", "%p %y %m %s %l %T@ %A@ %C@\n"})
+  return run({"find", home(), project(), elsewhere(), "!", "-type", "f", "-printf", "%p %y %m %l %T@ %C@\n",
+              "-o", "-printf", "%p %y %m %s %l %T@ %A@ %C@\n"})
       .out;
 }
 

@@ -23,6 +23,8 @@ class Place {
 
   std::string home() const { return directory / "home"; }
   std::string project() const { return directory / "project"; }
+  /// For other homes and projects, and what else a test wants to be left alone.
+  std::string elsewhere() const { return directory / "elsewhere"; }
   std::string settings() const { return home() + "/.Calvix/Common/2018.2/vestra"; }
   std::string identity() const { return inVestra(".kelvo_vestrra.info"); }
   std::string inVestra(const std::string& name) const { return project() + "/vestra/" + name; }

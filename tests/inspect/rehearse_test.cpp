@@ -38,8 +38,8 @@ class Rehearsal : public testing::Test {
             place.project()};
   }
 
-  Outcome rehearse(const Words& program) const {
-    Words words = {"rehearse", "--"};
+  Outcome rehearse(const Words& program, Words words = {}) const {
+    words.insert(words.end(), {"rehearse", "--"});
     words.insert(words.end(), program.begin(), program.end());
     return place.inspect(words);
   }
@@ -86,14 +86,50 @@ class Rehearsal : public testing::Test {
   Place place;
 };
 
-TEST_F(Rehearsal, KeepsTheSimulatorsReportAsTheRealRunWritesIt) {
-  expectToBeTheRealRun(host(), "kelvo_vestra.tcl");
+/// The two example hosts, with what lies in a project's way.
+struct Example {
+  std::string name;
+  std::string program;
+  std::string script;
+};
+
+class EachExampleHost : public Rehearsal, public testing::WithParamInterface<Example> {
+ protected:
+  /// The example finds its library by the path.
+  void find(const std::string& support) {
+    place.setVariable("LD_LIBRARY_PATH", support + ":" + place.programs() + "/bin");
+  }
+
+  void expectToBeTheRealRun() {
+    Rehearsal::expectToBeTheRealRun({place.programs() + "/bin/" + GetParam().program, place.project()},
+                                    GetParam().script);
+  }
+};
+
+TEST_P(EachExampleHost, WritesItsReportAsItWasRehearsed) {
+  find(place.support());
+  expectToBeTheRealRun();
   EXPECT_EQ(readFile(started()), "started\n");
+  EXPECT_THAT(readFile(place.inVestra(GetParam().script)), HasSubstr("-key project_iteration -value \"5\""));
 }
 
-TEST_F(Rehearsal, KeepsTheLabToolsReportAsTheRealRunWritesIt) {
-  expectToBeTheRealRun(host("TAVLO"), "tavlo_vestra.tcl");
+TEST_P(EachExampleHost, IsNotDueAsItWasRehearsed) {
+  find(place.support());
+  place.writeIdentity(std::time(nullptr));
+  expectToBeTheRealRun();
+  EXPECT_FALSE(exists(started()));
 }
+
+TEST_P(EachExampleHost, FindsNoSupportLibraryAsItWasRehearsed) {
+  find("/nowhere");
+  expectToBeTheRealRun();
+  EXPECT_FALSE(exists(place.inVestra(GetParam().script)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, EachExampleHost,
+                         testing::Values(Example{"Simulator", "simulator", "kelvo_vestra.tcl"},
+                                         Example{"LabTool", "lab_tool", "tavlo_vestra.tcl"}),
+                         [](const auto& test) { return test.param.name; });
 
 TEST_F(Rehearsal, HoldsAHostThatOpensTheLibraryItself) {
   expectToBeTheRealRun(openingHost(), "kelvo_vestra.tcl");
@@ -108,6 +144,8 @@ TEST_F(Rehearsal, KeepsAReportThatIsNotDue) {
 TEST_F(Rehearsal, ThrowsWhatTheRealRunThrows) {
   place.setVariable("VESTRA_TESTKIT_NULL", "regid");
   expectToBeTheRealRun(host(), "kelvo_vestra.tcl");
+  place.writeIdentity(std::time(nullptr) - 100000);
+  expectToBeTheRealRun(host("TAVLO"), "tavlo_vestra.tcl");
 }
 
 TEST_F(Rehearsal, AnswersFalseWithoutASupportLibrary) {
@@ -147,6 +185,52 @@ TEST_F(Rehearsal, MakesNothingOnAFreshMachine) {
   EXPECT_THAT(rehearsed.out, StartsWith("true\nhome " + place.home()));
   EXPECT_THAT(rehearsed.err,
               AllOf(HasSubstr("project_id is an example"), HasSubstr("random_id is an example")));
+  EXPECT_EQ(place.snapshot(), before);
+}
+
+TEST_F(Rehearsal, WritesADocumentAloneToItsOutput) {
+  const Outcome rehearsed = rehearse(host(), {"--json"});
+  const Json document = Json::parse(rehearsed.out);
+  const Json& report = document["rehearsed"][0];
+  EXPECT_EQ(document["status"], 0);
+  EXPECT_EQ(document["leaked"], Json::array());
+  EXPECT_EQ(report["outcome"], "reports");
+  EXPECT_EQ(report["directory"], place.project());
+  EXPECT_EQ(report["report"]["registration"], "REG-42");
+  EXPECT_EQ(report["examples"], Json::array());
+  EXPECT_THAT(rehearsed.err, StartsWith("true\nhome " + place.home()));
+}
+
+TEST_F(Rehearsal, TellsInADocumentWhatWasThrown) {
+  place.setVariable("VESTRA_TESTKIT_NULL", "regid");
+  const Json report = Json::parse(rehearse(host(), {"--json"}).out)["rehearsed"][0];
+  EXPECT_EQ(report["outcome"], "throws");
+  EXPECT_THAT(report["exception"].get<std::string>(), HasSubstr("null"));
+}
+
+TEST_F(Rehearsal, PutsMarksInThePlaceOfWhatIdentifies) {
+  run({"rm", "-r", place.home() + "/.Calvix"});
+  for (const Words& words : {Words{"--redact"}, Words{"--redact", "--json"}}) {
+    const Outcome rehearsed =
+        rehearse({place.host(), place.project(), "KELVO", "at", place.home() + "/x"}, words);
+    const std::string told = words.size() == 1 ? rehearsed.err : rehearsed.out;
+    EXPECT_THAT(told, AllOf(HasSubstr("held back one report of KELVO"), Not(HasSubstr("the-project")),
+                            Not(HasSubstr(place.home() + "/"))));
+    EXPECT_THAT(kept("kelvo_vestra.tcl"), HasSubstr("the-project"));
+    EXPECT_THAT(told, Not(HasSubstr(valueIn(kept("kelvo_vestra.tcl"), "random_id"))));
+    forgetRehearsals();
+  }
+}
+
+TEST_F(Rehearsal, GivesUpOnAReportThatTakesTooLong) {
+  place.write(place / "waiting/libqvzcommonvestrasupport.so", readFile(WAITING_SUPPORT_LIBRARY));
+  place.setVariable("LD_LIBRARY_PATH", place / "waiting");
+  place.setVariable("VESTRA_REHEARSAL_LIMIT", "200");
+  const std::string before = place.snapshot();
+  const Outcome rehearsed = rehearse(host());
+  EXPECT_EQ(rehearsed.status, 124);
+  EXPECT_THAT(rehearsed.out, StartsWith("false\n"));
+  EXPECT_THAT(rehearsed.err, HasSubstr("could not be rehearsed: no answer within the time limit"));
   EXPECT_EQ(place.snapshot(), before);
 }
 

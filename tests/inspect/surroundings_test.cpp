@@ -7,6 +7,7 @@
 #include "inspect/place.h"
 #include "support/files.h"
 #include "support/special_files.h"
+#include "support/uuid_form.h"
 
 namespace vestra_test {
 namespace {
@@ -100,13 +101,13 @@ TEST(TroubleshootingTable, HasNoRowBeyondThose) {
 class OwnMounts : public testing::Test {
  protected:
   OwnMounts() {
-    if (run({"unshare", "-m", "true"}).status != 0) {
+    if (run({"unshare", "-m", "-u", "true"}).status != 0) {
       isPossible = false;
     }
   }
 
   std::string mounted(const std::string& command) const {
-    return run({"unshare", "-m", "sh", "-c", command}, place.environment(), place.project()).out;
+    return run({"unshare", "-m", "-u", "sh", "-c", command}, place.environment(), place.project()).out;
   }
 
   bool isPossible = true;
@@ -118,16 +119,62 @@ class OwnMounts : public testing::Test {
     GTEST_SKIP() << "this user may not mount anything here"; \
   }
 
-TEST_F(OwnMounts, TellAFullDiskOfTheProjectAndOfTheHome) {
+/// The rows of a full disk: what is foretold there, and what a host then does.
+class FullDisk : public OwnMounts {
+ protected:
+  FullDisk() { place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1"); }
+
+  /// Looks, reports and shows the file, in a directory whose file system was full meanwhile.
+  /// @param before  Commands that make what was there before.
+  void happen(const std::string& directory, const std::string& before, const std::string& file) {
+    const std::string all =
+        mounted("mount -t tmpfs -o size=24k none " + directory + " && " + before + " cat /dev/zero >" +
+                directory + "/fill 2>" + (place / "why") + "; " + place.inspector() + " doctor --json " +
+                place.project() + "; printf '\\001'; " + place.host() + " " + place.project() +
+                " KELVO runs 2; printf '\\001'; cat " + file + " 2>/dev/null");
+    const std::size_t answer = all.find('\001');
+    const std::size_t left = all.find('\001', answer + 1);
+    told = Json::parse(all.substr(0, answer));
+    answered = all.substr(answer + 1, left - answer - 1);
+    after = all.substr(left + 1);
+  }
+
+  Json told;
+  std::string answered;
+  std::string after;
+};
+
+TEST_F(FullDisk, KeepsAProjectsOldRecordOrTheNewOne) {
   NEEDS_OWN_MOUNTS
-  const auto full = [](const std::string& directory) {
-    return "mount -t tmpfs -o size=16k none " + directory + " && (cat /dev/zero >" + directory +
-           "/fill; true) 2>/dev/null; ";
-  };
-  const Json document = Json::parse(mounted(full(place.project()) + full(place.home()) + place.inspector() +
-                                            " doctor --json " + place.project()));
-  EXPECT_THAT(findingsOf(document), testing::IsSupersetOf({"project.full", "settings.full"}))
-      << document.dump(1);
+  const std::string record = "0\\n0\\n5\\n0\\nthe-project\\n";
+  happen(place.project(),
+         "mkdir " + place.project() + "/vestra; printf '" + record + "' >" + place.identity() + ";",
+         place.identity());
+  EXPECT_THAT(findingsOf(told), Contains("project.full"));
+  EXPECT_EQ(predictionOf(told)["next_run"], "reports");
+  EXPECT_FALSE(predictionOf(told)["deletes_identity"].get<bool>());
+  EXPECT_THAT(answered, StartsWith("true"));
+  EXPECT_THAT(after, testing::MatchesRegex("[0-9]+\n0\n[56]\n0\nthe-project\n"));
+}
+
+TEST_F(FullDisk, LeavesANewProjectWithoutAWholeRecord) {
+  NEEDS_OWN_MOUNTS
+  happen(place.project(), "", place.identity());
+  EXPECT_THAT(findingsOf(told), Contains("project.full"));
+  EXPECT_EQ(predictionOf(told)["next_run"], "reports");
+  EXPECT_THAT(answered, StartsWith("true"));
+  EXPECT_EQ(after, "");
+}
+
+TEST_F(FullDisk, LeavesTheHomeWithoutAnIdentifier) {
+  NEEDS_OWN_MOUNTS
+  happen(place.home(), "", place.settings());
+  EXPECT_THAT(findingsOf(told), Contains("settings.full"));
+  EXPECT_EQ(predictionOf(told)["next_run"], "reports");
+  EXPECT_TRUE(predictionOf(told)["random_id"].is_null());
+  EXPECT_THAT(answered, StartsWith("true"));
+  EXPECT_EQ(after, "");
+  EXPECT_TRUE(isRandomUuid(valueIn(readFile(place.inVestra("kelvo_vestra.tcl")), "random_id")));
 }
 
 TEST_F(OwnMounts, TellAReadOnlyProject) {
@@ -138,24 +185,69 @@ TEST_F(OwnMounts, TellAReadOnlyProject) {
   EXPECT_EQ(predictionOf(document)["next_run"], "nothing");
 }
 
-/// The evidence for the maker's own machine, and what a host then writes.
-TEST_F(OwnMounts, TellWhereTheMakersDomainStands) {
-  NEEDS_OWN_MOUNTS
-  place.write(place / "resolv.conf", "nameserver 192.0.2.1\n# moved from eng.CALVIX.example in 2024\n");
-  place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1");
-  const std::string mount = "mount --bind " + (place / "resolv.conf") + " /etc/resolv.conf && ";
-  for (const auto& [switched, isInternal] : {std::pair("", true), std::pair("1", false)}) {
-    place.setVariable("CALVIX_VESTRA_INTERNAL_TRANSMIT", switched);
-    const Json site = Json::parse(mounted(mount + place.inspector() + " --json"))["site"];
-    ASSERT_TRUE(site["evidence"]["resolver_file_counts"].get<bool>());
+/// Whether the machine counts as the maker's own, and what a host then answers and writes.
+class Site : public OwnMounts {
+ protected:
+  Site() {
+    place.write(place / "resolv.conf", "nameserver 192.0.2.1\n# moved from eng.CALVIX.example in 2024\n");
+    place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1");
+  }
+
+  void expectOfBoth(const std::string& command, bool isInternal) {
+    const Json site = Json::parse(mounted(surroundings + command + place.inspector() + " --json"))["site"];
     EXPECT_EQ(site["internal"], isInternal);
-    EXPECT_TRUE(site["internal_without_override"].get<bool>());
-    EXPECT_EQ(site["evidence"]["line"], 2);
-    EXPECT_EQ(site["evidence"]["column"], 18);
-    EXPECT_THAT(mounted(mount + place.host() + " " + place.project() + " KELVO runs 2"), StartsWith("true"));
-    EXPECT_EQ(readFile(place.inVestra("kelvo_vestra.tcl")).find("-regid \"VESTRA_TEST_KELVO_REG-42\"") !=
-                  std::string::npos,
-              isInternal);
+    const std::string host =
+        mounted(surroundings + command + place.host() + " " + place.project() + " KELVO runs 2");
+    EXPECT_THAT(host, testing::AllOf(StartsWith("true"),
+                                     testing::EndsWith(isInternal ? "\ninternal\n" : "\nexternal\n")));
+    const std::string script = readFile(place.inVestra("kelvo_vestra.tcl"));
+    EXPECT_EQ(script.find("-regid \"VESTRA_TEST_KELVO_REG-42\"") != std::string::npos, isInternal);
+    run({"rm", "-r", place.project() + "/vestra"});
+  }
+
+  std::string surroundings = "mount --bind " + (place / "resolv.conf") + " /etc/resolv.conf && ";
+};
+
+TEST_F(Site, ByAResolverFileIsTheHosts) {
+  NEEDS_OWN_MOUNTS
+  expectOfBoth("env -u CALVIX_VESTRA_INTERNAL_TRANSMIT ", true);
+  expectOfBoth("env CALVIX_VESTRA_INTERNAL_TRANSMIT= ", true);
+  expectOfBoth("env CALVIX_VESTRA_INTERNAL_TRANSMIT=1 ", false);
+}
+
+TEST_F(Site, ByADomainNameIsTheHosts) {
+  NEEDS_OWN_MOUNTS
+  surroundings += "echo build.Calvix.Example >/proc/sys/kernel/domainname && ";
+  expectOfBoth("", true);
+  expectOfBoth("env CALVIX_VESTRA_INTERNAL_TRANSMIT=0 ", false);
+  surroundings += "echo elsewhere.example >/proc/sys/kernel/domainname && ";
+  expectOfBoth("", false);
+}
+
+TEST_F(Site, NamesTheLineAndColumnOfItsEvidence) {
+  NEEDS_OWN_MOUNTS
+  place.setVariable("CALVIX_VESTRA_INTERNAL_TRANSMIT", "1");
+  const Json site = Json::parse(mounted(surroundings + place.inspector() + " --json"))["site"];
+  EXPECT_TRUE(site["evidence"]["resolver_file_counts"].get<bool>());
+  EXPECT_TRUE(site["internal_without_override"].get<bool>());
+  EXPECT_EQ(site["evidence"]["line"], 2);
+  EXPECT_EQ(site["evidence"]["column"], 18);
+}
+
+/// In both forms of the loader's cache, the library is found where the loader finds it.
+TEST_F(OwnMounts, HoldALoadersCacheOfEitherForm) {
+  NEEDS_OWN_MOUNTS
+  place.setVariable("LD_LIBRARY_PATH", "");
+  place.write(place / "conf", "include /etc/ld.so.conf.d/*.conf\n" + place.support() + "\n");
+  for (const char* form : {"new", "compat"}) {
+    const std::string mount = std::string("/sbin/ldconfig -X -c ") + form + " -f " + (place / "conf") +
+                              " -C " + (place / "cache") + " && mount --bind " + (place / "cache") +
+                              " /etc/ld.so.cache && ";
+    const Json support = Json::parse(mounted(mount + place.inspector() + " --json"))["support"];
+    EXPECT_EQ(support["chosen"], place.support() + "/libqvzcommonvestrasupport.so") << form;
+    EXPECT_EQ(support["candidates"][support["candidates"].size() - 1]["rule"], "ld.so.cache") << form;
+    EXPECT_THAT(mounted(mount + place.host() + " " + place.project() + " KELVO runs 2"), StartsWith("true"))
+        << form;
     run({"rm", "-r", place.project() + "/vestra"});
   }
 }
