@@ -20,8 +20,8 @@ namespace {
 enum class Replacement { DONE, LOST, IMPOSSIBLE };
 
 /// Whether a file can give its name to another one: it is regular, and has no further
-/// name that would keep the old text.
-bool canBeReplaced(const Descriptor& file) { return file.isRegular() && file.status().st_nlink == 1; }
+/// name that would keep the old text. It has none at all once another host has replaced it.
+bool canBeReplaced(const Descriptor& file) { return file.isRegular() && file.status().st_nlink <= 1; }
 
 /// @param old  The file that stands there, open for writing; not open for none.
 Replacement replaceByNeighbour(const std::string& path, const Descriptor& old, const std::string& text) {
@@ -36,7 +36,8 @@ Replacement replaceByNeighbour(const std::string& path, const Descriptor& old, c
   return errno == ENOENT ? Replacement::LOST : Replacement::IMPOSSIBLE;
 }
 
-// Another process may take a neighbour for a killed one's before it is locked.
+// Another host may take a neighbour for a killed one's before it is locked. It hardly does
+// so five times.
 Replacement tryToReplace(const std::string& path, const std::string& text) {
   const Descriptor old(path, O_WRONLY | O_NOFOLLOW);
   if (!old.isOpen() && errno != ENOENT) {
@@ -45,8 +46,11 @@ Replacement tryToReplace(const std::string& path, const std::string& text) {
   if (old.isOpen() && !canBeReplaced(old)) {
     return Replacement::IMPOSSIBLE;
   }
-  const Replacement first = replaceByNeighbour(path, old, text);
-  return first == Replacement::LOST ? replaceByNeighbour(path, old, text) : first;
+  Replacement result = Replacement::LOST;
+  for (int tries = 0; result == Replacement::LOST && tries < 5; ++tries) {
+    result = replaceByNeighbour(path, old, text);
+  }
+  return result;
 }
 
 void writeInPlace(const std::string& path, const std::string& text) {

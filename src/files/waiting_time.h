@@ -11,8 +11,9 @@ class WaitingTime {
   static constexpr std::chrono::nanoseconds BOUND = std::chrono::milliseconds(250);
 
   /// Sleeps for a moment, which is longer each time.
-  /// @return False, without sleeping, when nothing is left.
-  bool pause();
+  /// @param kept  What has to be left for another wait.
+  /// @return False, without sleeping, when no more than that is left.
+  bool pause(std::chrono::nanoseconds kept = std::chrono::nanoseconds::zero());
 
  private:
   std::chrono::nanoseconds left = BOUND;

@@ -1,5 +1,7 @@
 #include "identity/identity_file.h"
 
+#include <sys/stat.h>
+
 #include <chrono>
 #include <utility>
 
@@ -7,6 +9,14 @@
 
 namespace Oza {
 namespace {
+
+/// A host that waited for a record in vain still has to find the lock free to count.
+constexpr std::chrono::nanoseconds KEPT_FOR_THE_ATTEMPT = std::chrono::milliseconds(50);
+
+bool isEmpty(const Descriptor& file) {
+  struct stat now {};
+  return fstat(file.get(), &now) == 0 && now.st_size == 0;
+}
 
 /// Whether the file was written within the time that a host waits for another.
 bool isYoung(const Descriptor& file) {
@@ -24,11 +34,9 @@ std::optional<std::string> readIdentityText(const Descriptor& file, WaitingTime&
 }
 
 std::optional<std::string> awaitIdentityText(const Descriptor& file, WaitingTime& waitingTime) {
-  std::optional<std::string> text = std::string();
-  while (text && text->empty() && isYoung(file) && waitingTime.pause()) {
-    text = readIdentityText(file, waitingTime);
+  while (isEmpty(file) && isYoung(file) && waitingTime.pause(KEPT_FOR_THE_ATTEMPT)) {
   }
-  return text;
+  return readIdentityText(file, waitingTime);
 }
 
 std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string damaged,

@@ -45,7 +45,7 @@ bool VestraProjectInfo::loadOrCreate() {
       startNewProject();
       return makeFile() || loadOthers();
     }
-    return makeEmptyFile();
+    return loadOthers();
   } catch (...) {
     return false;
   }
@@ -118,8 +118,10 @@ bool VestraProjectInfo::takeHostsIdentifier() {
 }
 
 bool VestraProjectInfo::makeEmptyFile() const {
-  return opensWithoutBlocking(statusOf(filePath), std::ios_base::out) &&
-         Descriptor(filePath, O_WRONLY | O_CREAT | O_TRUNC).isOpen();
+  const boost::filesystem::file_status status = statusOf(filePath);
+  const int emptying = boost::filesystem::exists(status) ? O_TRUNC : 0;
+  return opensWithoutBlocking(status, std::ios_base::out) &&
+         Descriptor(filePath, O_WRONLY | O_CREAT | emptying).isOpen();
 }
 
 }  // namespace Oza

@@ -3,16 +3,15 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <string>
 
 #include "reliability/sanitized.h"
-#include "reliability/system_calls.h"
-#include "reliability/watched_host.h"
 #include "support/farms/farm.h"
 #include "support/farms/report_check.h"
 #include "support/files.h"
-#include "support/process.h"
 #include "support/scenario/scenario.h"
 #include "support/temporary_directory.h"
 
@@ -38,26 +37,37 @@ std::string productsName(const testing::TestParamInfo<Products>& info) { return 
 
 class HostsAtOnce : public testing::TestWithParam<Products> {
  protected:
-  static Harvest reap(Age age) {
+  /// A round in which no host had to wait for others in vain. A busy machine may hold hosts
+  /// up for so long, fewer of them less so.
+  Harvest reap(Age age) {
     const TemporaryDirectory directory;
     Farm farm;
     farm.hosts = hostsOfAFarm();
     farm.age = age;
     farm.products = GetParam().all;
     farm.directory = directory.path();
-    return runFarm(farm);
+    for (int rounds = 0; rounds < 20; ++rounds) {
+      const Harvest harvest = runFarm(farm);
+      if (harvest.longestReport < SHORTEST_WAIT_IN_VAIN) {
+        return harvest;
+      }
+      farm.hosts = std::max(2, farm.hosts / 2);
+    }
+    ADD_FAILURE() << "in each round a host was held up";
+    return {};
   }
 
-  // A host that waits in vain for its turn to count goes on without it, so a machine that
-  // is very busy may lose some attempts.
   static void expectThatNothingIsLost(const Harvest& harvest) {
     EXPECT_EQ(harvest.lostIdentifiers, 0);
     EXPECT_EQ(harvest.withoutIdentifier, 0);
-    EXPECT_LE(harvest.lostAttempts, hostsOfAFarm() / 10);
+    EXPECT_EQ(harvest.lostAttempts, 0);
     EXPECT_EQ(harvest.filesLeftOver, 0);
     EXPECT_EQ(harvest.exceptions, 0);
     EXPECT_EQ(harvest.silentHosts, 0);
   }
+
+ private:
+  static constexpr std::chrono::milliseconds SHORTEST_WAIT_IN_VAIN{200};
 };
 
 TEST_P(HostsAtOnce, YoungProjectStartsNoTool) {
@@ -74,15 +84,10 @@ TEST_P(HostsAtOnce, OldProjectStartsOneToolOnAWholeReport) {
   expectThatNothingIsLost(harvest);
 }
 
-// Where the machine holds the host that makes a project new up for longer than the others
-// wait, they go on without its identifier. It does not do so three times in a row.
 TEST_P(HostsAtOnce, FreshProjectKeepsOneIdentifier) {
-  Harvest harvest = reap(Age::FRESH);
-  for (int again = 0; again < 2 && (harvest.identifiers != 1 || harvest.withoutIdentifier != 0); ++again) {
-    harvest = reap(Age::FRESH);
-  }
-  EXPECT_GE(harvest.toolStarts, 1);
-  EXPECT_LE(harvest.toolStarts, 3);
+  const Harvest harvest = reap(Age::FRESH);
+  EXPECT_EQ(harvest.toolStarts, 1);
+  EXPECT_EQ(harvest.wrongScripts, 0);
   EXPECT_EQ(harvest.identifiers, 1);
   expectThatNothingIsLost(harvest);
 }
@@ -93,47 +98,6 @@ INSTANTIATE_TEST_SUITE_P(Products, HostsAtOnce,
                                          Products{"Both", {Vestra::KELVO, Vestra::TAVLO}}),
                          productsName);
 
-/// A host that counts its attempt, and another that comes at that very moment.
-class CountingHost : public WatchedHost {
- protected:
-  std::string sendFromAnotherHost() {
-    const HostStart start = workplace.start();
-    return run({FARM_HOST, start.project, std::to_string(start.product), "2", "0"}, environmentOf(start)).out;
-  }
-
-  std::vector<std::string> environmentOf(const HostStart& start) const {
-    return {"HOME=" + start.home, "LD_LIBRARY_PATH=" SUPPORT_LIBRARY_DIRECTORY,
-            "VESTRA_TESTKIT_EXEC_PATH=" + start.designTool};
-  }
-};
-
-TEST_P(CountingHost, AnotherHostDoesNotWaitForAStoppedOne) {
-  const std::vector<SystemCall> calls = callsOfARun();
-  int moments = 0;
-  for (std::size_t number = 0; number < calls.size(); ++number) {
-    if (calls[number].subject != workplace.identityFile()) {
-      continue;
-    }
-    SCOPED_TRACE(nameOf(calls[number].number) + std::to_string(number));
-    workplace.reset();
-    std::string others;
-    const HostEnd end =
-        runHost(workplace.start(), {Disturbance::MEDDLE, number, 0, [&] { others = sendFromAnotherHost(); }});
-    EXPECT_THAT(others, MatchesRegex("ready\n(true|false)\n"));
-    EXPECT_THAT(end.outcome, MatchesRegex("answer (true|false)"));
-    EXPECT_THAT(contentOf(workplace.identityFile()).value_or("no file"),
-                MatchesRegex("[0-9]{10}\n0\n[89]\n0\n" + std::string(KNOWN_PROJECT_ID) + "\n"));
-    ++moments;
-  }
-  EXPECT_GT(moments, 5);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    KnownProjects, CountingHost,
-    testing::Values(Situation{Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
-                    Situation{Vestra::TAVLO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME}),
-    situationName);
-
 class NestedHost : public Scenario {};
 
 TEST_F(NestedHost, ToolMayStartAHostOfTheSameProject) {
@@ -143,7 +107,7 @@ TEST_F(NestedHost, ToolMayStartAHostOfTheSameProject) {
                    " 0 2 0 < /dev/null > " + answer);
   const vestra::testkit::HostRun outer = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(outer.answer, true) << outer;
-  EXPECT_EQ(readFile(answer), "ready\nfalse\n");
+  EXPECT_THAT(readFile(answer), MatchesRegex("ready\nfalse [0-9]+\n"));
   EXPECT_THAT(outer.identity->text, MatchesRegex("[0-9]{10}\n0\n9\n0\nproject-7\n"));
 }
 

@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
 #include <set>
 #include <sstream>
@@ -214,10 +216,13 @@ class Hosts {
     gate.closeWriting();
     harvest.silentHosts = static_cast<int>(processes.size());
     for (std::string line = answers.line(); !line.empty(); line = answers.line()) {
-      if (line == "true\n" || line == "false\n" || line == "exception\n") {
-        --harvest.silentHosts;
-      }
-      harvest.exceptions += line == "exception\n" ? 1 : 0;
+      std::istringstream words(line);
+      std::string answer;
+      std::int64_t time = 0;
+      words >> answer >> time;
+      harvest.silentHosts -= words ? 1 : 0;
+      harvest.exceptions += answer == "exception" ? 1 : 0;
+      harvest.longestReport = std::max(harvest.longestReport, std::chrono::milliseconds(time));
     }
     for (const pid_t process : processes) {
       waitFor(process);

@@ -54,6 +54,8 @@ struct Harvest {
   int silentHosts = 0;
   /// The different identifiers that tools read, and that stand in the file at the end.
   int identifiers = 0;
+  /// The longest that a host took to report.
+  std::chrono::milliseconds longestReport{0};
   /// From the release to the last host's end.
   std::chrono::duration<double> duration{0};
 };

@@ -4,7 +4,8 @@
 //
 // It adds its items, says that it is ready by a line on standard output, and waits until
 // standard input ends, which releases all hosts at once. After its delay it sends its
-// report, and writes a line with the answer: "true", "false" or "exception".
+// report, and writes a line with the answer, "true", "false" or "exception", and the
+// milliseconds that it took.
 
 #include <unistd.h>
 
@@ -56,6 +57,9 @@ int main(int argc, char** argv) {
   say("ready");
   waitForRelease();
   std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[4])));
-  say(send(argv[1], product));
+  const auto begin = std::chrono::steady_clock::now();
+  const std::string answer = send(argv[1], product);
+  const auto time = std::chrono::steady_clock::now() - begin;
+  say(answer + " " + std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()));
   return EXIT_SUCCESS;
 }

@@ -1,0 +1,161 @@
+// Two hosts in one project: while one of them is stopped before one of its system calls,
+// the other one reports from beginning to end.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "reliability/system_calls.h"
+#include "reliability/watched_host.h"
+#include "support/files.h"
+#include "support/process.h"
+
+namespace vestra_test {
+namespace {
+
+using Oza::Vestra;
+using testing::AnyOf;
+using testing::MatchesRegex;
+
+class TwoHosts : public WatchedHost {
+ protected:
+  /// Its design tool notes the script's last line.
+  HostStart start() const {
+    HostStart start = workplace.start();
+    start.designTool = "tail -n 1 " + workplace.scriptFile() + " >> " + toolStarts() + "; :";
+    start.keepsReportFiles = true;
+    return start;
+  }
+
+  std::vector<SystemCall> callsOfARun() {
+    workplace.reset();
+    return runHost(start(), {Disturbance::WATCH}).calls;
+  }
+
+  std::string sendFromAnotherHost() const {
+    const HostStart other = start();
+    return run({FARM_HOST, other.project, std::to_string(other.product), "2", "0"},
+               {"HOME=" + other.home, "LD_LIBRARY_PATH=" SUPPORT_LIBRARY_DIRECTORY,
+                "CALVIX_VESTRA_DEBUG_EXT=1", "VESTRA_TESTKIT_EXEC_PATH=" + other.designTool})
+        .out;
+  }
+
+  /// Lets the first host go on once the other one has reported before one of its calls.
+  void meetBefore(
+      std::size_t call, const std::function<void()>& afterTheOthersReport = [] {}) {
+    workplace.reset();
+    std::string answer;
+    const HostEnd end = runHost(start(), {Disturbance::MEDDLE, call, 0, [&] {
+                                            answer = sendFromAnotherHost();
+                                            afterTheOthersReport();
+                                          }});
+    EXPECT_THAT(answer, MatchesRegex("ready\n(true|false) [0-9]+\n"));
+    EXPECT_THAT(end.outcome, MatchesRegex("answer (true|false)"));
+  }
+
+  std::string identity() const { return contentOf(workplace.identityFile()).value_or("no file"); }
+  std::string toolStarts() const { return workplace.home() + "/tool_starts"; }
+  std::string noteOfTheTool() const { return contentOf(toolStarts()).value_or(""); }
+};
+
+/// The calls about a file, as places in a list of calls.
+std::vector<std::size_t> callsAbout(const std::vector<SystemCall>& calls, const std::string& file) {
+  std::vector<std::size_t> places;
+  for (std::size_t place = 0; place < calls.size(); ++place) {
+    if (calls[place].subject == file) {
+      places.push_back(place);
+    }
+  }
+  return places;
+}
+
+/// Where a host takes the lock under which it counts, and where it gives it back.
+struct Locking {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+
+  explicit Locking(const std::vector<SystemCall>& calls) {
+    for (std::size_t place = 0; place < calls.size(); ++place) {
+      if (nameOf(calls[place].number) == "flock") {
+        begin = end;
+        end = place;
+      }
+    }
+  }
+  bool isHeldBefore(std::size_t call) const { return call > begin && call <= end; }
+};
+
+TEST_P(TwoHosts, BothAreCountedAndOneToolStarts) {
+  const std::vector<SystemCall> calls = callsOfARun();
+  const bool isNew = GetParam().project == Situation::NEW_PROJECT;
+  const std::string identifier = isNew ? "[0-9a-f-]{36}" : KNOWN_PROJECT_ID;
+  const std::string one = "vestra_terminate\n";
+  const Locking locking(calls);
+  const std::vector<std::size_t> places = callsAbout(calls, workplace.identityFile());
+  for (const std::size_t place : places) {
+    SCOPED_TRACE(nameOf(calls[place].number) + std::to_string(place));
+    const bool isLocked = locking.isHeldBefore(place);
+    meetBefore(place);
+    const std::string count = isNew ? (isLocked ? "[23]" : "3") : (isLocked ? "[89]" : "9");
+    EXPECT_THAT(identity(), MatchesRegex("[0-9]{10}\n0\n" + count + "\n0\n" + identifier + "\n"));
+    EXPECT_THAT(noteOfTheTool(), isLocked ? testing::Matcher<std::string>(AnyOf(one, one + one)) : one);
+  }
+  EXPECT_GT(places.size(), 5U);
+}
+
+TEST_P(TwoHosts, NeitherWritesIntoTheOthersReport) {
+  const std::vector<SystemCall> calls = callsOfARun();
+  const std::size_t rules = callsAbout(calls, workplace.rulesFile()).front();
+  const std::size_t script = callsAbout(calls, workplace.scriptFile()).back();
+  for (std::size_t place = rules; place <= script; ++place) {
+    if (calls[place].subject.find(workplace.inVestraDirectory("")) != 0) {
+      continue;
+    }
+    SCOPED_TRACE(nameOf(calls[place].number) + std::to_string(place));
+    std::ifstream reader;
+    std::string report;
+    meetBefore(place, [&] {
+      reader.open(workplace.scriptFile(), std::ios::binary);
+      report = readFile(workplace.scriptFile());
+    });
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), report);
+    EXPECT_GT(report.size(), 1000U);
+  }
+}
+
+// The pauses are of 0.25, 0.5, 1, 2 and then 4 ms.
+TEST_P(TwoHosts, LockHolderIsWaitedForUpToAQuarterOfASecondInAll) {
+  constexpr int MOST_PAUSES = 4 + 62;
+  workplace.reset();
+  writeFile(workplace.identityFile(), workplace.identityBefore().value_or(""));
+  const int holder = open(workplace.identityFile().c_str(), O_RDWR);
+  ASSERT_EQ(flock(holder, LOCK_EX), 0);
+  const HostEnd end = runHost(start(), {Disturbance::WATCH});
+  close(holder);
+  EXPECT_EQ(end.outcome, "answer true");
+  const auto pauses = std::count_if(end.calls.begin(), end.calls.end(), [](const SystemCall& call) {
+    return call.number == SYS_clock_nanosleep || call.number == SYS_nanosleep;
+  });
+  EXPECT_GE(pauses, 1);
+  EXPECT_LE(pauses, MOST_PAUSES);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Projects, TwoHosts,
+    testing::Values(Situation{Vestra::KELVO, Situation::NEW_PROJECT, Situation::KNOWN_HOME},
+                    Situation{Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
+                    Situation{Vestra::TAVLO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME}),
+    situationName);
+
+}  // namespace
+}  // namespace vestra_test
