@@ -3,8 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
+#include "identity/fields.h"
 
 namespace Oza {
 namespace {
@@ -14,8 +13,7 @@ constexpr std::size_t USER_ENVIRONMENT_FIELDS = 12;
 }  // namespace
 
 std::vector<EnvironmentPair> environmentPairs(const std::string& text) {
-  std::vector<std::string> fields;
-  boost::algorithm::split(fields, text, boost::algorithm::is_any_of("#"));
+  std::vector<std::string> fields = fieldsOf(text, "#");
   std::vector<EnvironmentPair> pairs;
   for (std::size_t i = 0; i + 1 < fields.size(); i += 2) {
     const auto section =

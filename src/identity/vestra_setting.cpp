@@ -5,8 +5,6 @@
 #include <fstream>
 #include <vector>
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/operations.hpp>
 
@@ -14,6 +12,7 @@
 #include "files/open_file.h"
 #include "files/path_text.h"
 #include "files/read_line.h"
+#include "identity/fields.h"
 #include "identity/random_uuid.h"
 
 namespace Oza {
@@ -27,10 +26,9 @@ constexpr const char* FILE_NAME = "vestra";
 
 void readSettings(std::istream& in, std::map<std::string, std::string>& properties) {
   std::string line;
-  std::vector<std::string> fields;
   while (readLine(in, line)) {
     boost::algorithm::trim(line);
-    boost::algorithm::split(fields, line, boost::algorithm::is_any_of("="));
+    const std::vector<std::string> fields = fieldsOf(line, "=");
     if (fields.size() == 2) {
       properties.emplace(fields[0], fields[1]);
     }
