@@ -8,9 +8,12 @@ option(VESTRA_PRIVATE_BOOST
 set(VESTRA_BOOST_SOURCES "" CACHE PATH
   "Where Boost's sources lie, of which a private Boost is made; without them, Boost's static library is linked")
 
-# FindBoost, which knows a Boost that has no CMake package, is gone from new CMakes.
+# FindBoost, which knows a Boost that has no CMake package, is gone from new CMakes. Its
+# Boost_NO_BOOST_CMAKE keeps another Boost's package from being found in that one's place.
 macro(vestra_find_boost)
-  find_package(Boost 1.64 CONFIG QUIET COMPONENTS filesystem)
+  if(NOT Boost_NO_BOOST_CMAKE)
+    find_package(Boost 1.64 CONFIG QUIET COMPONENTS filesystem)
+  endif()
   if(NOT TARGET Boost::filesystem)
     if(POLICY CMP0167)
       cmake_policy(SET CMP0167 OLD)
@@ -29,8 +32,8 @@ function(vestra_check_that_shared_libraries_can_hold_boost)
     OUTPUT_VARIABLE why)
   if(NOT VESTRA_STATIC_BOOST_IS_USABLE)
     message(FATAL_ERROR "VESTRA_PRIVATE_BOOST: Boost's static library cannot be linked into a shared library. "
-      "Give one that was built with -fPIC (Boost_ROOT names its place), or name Boost's sources as "
-      "VESTRA_BOOST_SOURCES. The linker said:\n${why}")
+      "Give one that was built with -fPIC (Boost_ROOT names its place, with Boost_NO_BOOST_CMAKE where it has no "
+      "CMake package), or name Boost's sources as VESTRA_BOOST_SOURCES. The linker said:\n${why}")
   endif()
 endfunction()
 
