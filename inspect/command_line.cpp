@@ -25,8 +25,8 @@ const std::map<std::string, Product> PRODUCTS = {
     {"KELVO", Oza::Vestra::KELVO}, {"KELVO_ALT", Oza::Vestra::KELVO_ALT}, {"TAVLO", Oza::Vestra::TAVLO}};
 
 void addOptions(CLI::App& app, Request& request) {
-  app.add_option("--product", request.products, "KELVO, KELVO_ALT or TAVLO; those that left traces otherwise")
-      ->transform(CLI::Transformer(PRODUCTS))
+  app.add_option("--product", request.products, "KELVO, KELVO_ALT or TAVLO; else those with traces")
+      ->transform(CLI::Transformer(PRODUCTS).description(""))
       ->expected(1)
       ->type_name("P");
   app.add_option("--home", request.home, "look with another home")->type_name("DIR");
@@ -35,11 +35,11 @@ void addOptions(CLI::App& app, Request& request) {
   app.add_option("--now", request.now, "take this for the present, in seconds")->type_name("SECONDS");
   app.add_flag("--json", request.asJson, "one document of schema vestra-inspect/1");
   app.add_flag("--redact", request.isRedacted, "marks for identifiers and names, for tickets");
-  app.add_option("--fail-on", request.failOn, "doctor: the least level for status 1")
-      ->check(CLI::IsMember({"problem", "warning", "note", "never"}))
+  app.add_option("--fail-on", request.failOn, "doctor: problem, warning, note or never")
+      ->check(CLI::IsMember({"problem", "warning", "note", "never"}).description(""))
       ->type_name("LEVEL");
   app.add_option("--color", request.colour, "auto, always or never")
-      ->check(CLI::IsMember({"auto", "always", "never"}))
+      ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
       ->type_name("WHEN");
 }
 
@@ -53,7 +53,7 @@ void addCommand(CLI::App& app, const char* name, const char* description, Reques
 
 void addRehearsal(CLI::App& app, Request& request) {
   CLI::App* command =
-      app.add_subcommand("rehearse", "run a program and keep its report back: rehearse -- HOST ARG...");
+      app.add_subcommand("rehearse", "run HOST and keep its report back: rehearse -- HOST ARG...");
   command->fallthrough();
   command->callback([&request] {
     request.command = "rehearse";
@@ -84,7 +84,7 @@ std::string documentOf(const std::string& complaint, int count, const char* cons
                        const std::string& command) {
   const bool isWanted =
       std::any_of(words, words + count, [](const char* word) { return std::strcmp(word, "--json") == 0; });
-  return isWanted ? JsonText(Redaction()).failure(command, complaint).dump(2) + "\n" : "";
+  return isWanted ? failureDocument(command, complaint, Redaction()).dump(2) + "\n" : "";
 }
 
 }  // namespace
@@ -93,6 +93,7 @@ CommandLine readCommandLine(int count, const char* const* words) {
   CommandLine line;
   CLI::App app(DESCRIPTION, "vestra-inspect");
   app.footer(FOOTER);
+  app.get_formatter()->column_width(20);
   app.set_version_flag("--version", "vestra-inspect " VESTRA_VERSION);
   app.require_subcommand(0, 1);
   addOptions(app, line.request);
@@ -100,7 +101,7 @@ CommandLine readCommandLine(int count, const char* const* words) {
   addCommand(app, "report", "the report on the disk, item by item", line.request);
   addCommand(app, "doctor", "what is wrong and how to mend it", line.request);
   addRehearsal(app, line.request);
-  app.add_option("PROJECT", line.request.subject, "for status");
+  app.add_option("PROJECT", line.request.subject, "for status")->type_name("");
   const int own = takeProgram(count, words, line.request);
   try {
     app.parse(own, words);

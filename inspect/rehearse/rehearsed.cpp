@@ -45,9 +45,8 @@ Rehearsed readRehearsed(const std::string& folder, const View& view) {
 
 /// For programs: beside the script.
 void keepDocument(const Rehearsed& each) {
-  const Redaction nothing;
   if (each.report) {
-    std::ofstream(each.folder + "/report.json") << JsonText(nothing).reportOf(*each.report).dump(2) << "\n";
+    std::ofstream(each.folder + "/report.json") << reportDocument(*each.report, Redaction()).dump(2) << "\n";
   }
 }
 
@@ -135,11 +134,11 @@ Rehearsal readRehearsal(const std::string& directory, const View& view) {
 }
 
 void writeRehearsal(const Rehearsal& rehearsal, Page& page) {
-  for (const Rehearsed& each : rehearsal.reports) {
-    writeRehearsed(each, page);
-  }
   for (const std::string& path : rehearsal.changed) {
     page.verdict(fmt::format("{}, {} has changed", rehearsal.verdict(), path));
+  }
+  for (const Rehearsed& each : rehearsal.reports) {
+    writeRehearsed(each, page);
   }
   if (rehearsal.reports.empty() && rehearsal.changed.empty()) {
     page.verdict("vestra-inspect: " + rehearsal.verdict());

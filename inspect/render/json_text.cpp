@@ -2,14 +2,13 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <ctime>
-
-#include <fmt/format.h>
 
 #include "handler/command_line.h"
 #include "handler/product_profile.h"
 #include "handler/site_detection.h"
-#include "reading/utf8.h"
+#include "reading/byte_text.h"
 #include "render/answers.h"
 
 namespace vestra::inspect {
@@ -25,14 +24,6 @@ Json timeOf(std::int64_t seconds) {
   return {{"seconds", seconds}, {"text", text}};
 }
 
-std::string hexOf(const std::string& bytes) {
-  std::string digits;
-  for (const char byte : bytes) {
-    digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
-  }
-  return digits;
-}
-
 const char* nameOf(IdentityState state) {
   constexpr std::array<const char*, 5> names = {"new", "usable", "unreadable", "damaged", "unusable"};
   return names.at(static_cast<std::size_t>(state));
@@ -43,228 +34,236 @@ const char* nameOf(ElfState state) {
   return names.at(static_cast<std::size_t>(state));
 }
 
-}  // namespace
-
-Json JsonText::text(const std::string& bytes) const {
-  const std::string shown = redaction(bytes);
-  return reading::isUtf8(shown) ? Json(shown) : Json{{"hex", hexOf(shown)}};
-}
-
-Json JsonText::texts(const std::vector<std::string>& list) const {
+template <typename List, typename Write>
+Json listOf(const List& list, Write write) {
   Json json = Json::array();
-  for (const std::string& each : list) {
-    json.push_back(text(each));
+  for (const auto& each : list) {
+    json.push_back(write(each));
   }
   return json;
 }
 
-Json JsonText::file(const LookedFile& looked) const {
-  Json json = {{"path", text(looked.path)}, {"state", inspect::nameOf(looked.kind)}};
-  if (looked.link) {
-    json["link"] = text(*looked.link);
+/// Everything in a document that is not fixed goes through the redaction.
+struct Writer {
+  const Redaction& redaction;
+
+  Json text(const std::string& bytes) const { return reading::byteText(redaction(bytes)); }
+
+  Json texts(const std::vector<std::string>& list) const {
+    return listOf(list, [&](const std::string& each) { return text(each); });
   }
-  if (looked.exists()) {
-    json["mode"] = modeText(looked.mode);
-    json["size"] = looked.size;
-    json["modified"] = timeOf(looked.modified);
+
+  Json file(const LookedFile& looked) const {
+    Json json = {{"path", text(looked.path)}, {"state", inspect::nameOf(looked.kind)}};
+    if (looked.link) {
+      json["link"] = text(*looked.link);
+    }
+    if (looked.exists()) {
+      json["mode"] = modeText(looked.mode);
+      json["size"] = looked.size;
+      json["modified"] = timeOf(looked.modified);
+    }
+    return json;
   }
-  return json;
-}
 
-Json JsonText::head(const Facts& facts, const std::string& command, const std::string& verdict) const {
-  return {{"schema", "vestra-inspect/1"},
-          {"tool", VESTRA_VERSION},
-          {"command", command},
-          {"now", timeOf(facts.view.now)},
-          {"as", {{"uid", geteuid()}, {"home", text(facts.view.variable("HOME"))}}},
-          {"verdict", {{"text", text(verdict)}}}};
-}
-
-Json JsonText::user(const Facts& facts) const {
-  const UserFacts& known = facts.user;
-  return {{"random_id", {{"value", text(known.randomId)}, {"line", known.line}}},
-          {"makes_new", known.makesNew},
-          {"keeps_new", known.keepsNew},
-          {"settings_file", file(known.file)}};
-}
-
-Json JsonText::project(const Facts& facts) const {
-  const ProjectFacts& known = facts.project;
-  return {{"directory", text(known.directory)},
-          {"state", nameOf(known.state)},
-          {"project_id", {{"value", text(known.identity.projectId)}, {"line", 5}}},
-          {"iteration", std::to_string(known.identity.iteration)},
-          {"orbelo_flow", known.identity.orbeloFlow},
-          {"identity_file", file(known.identityFile)}};
-}
-
-Json JsonText::prediction(const Prediction& next) const {
-  Json json = {{"product", inspect::nameOf(next.product)},
-               {"slot", next.product == Oza::Vestra::KELVO_ALT ? 2 : 1},
-               {"last", timeOf(next.last)},
-               {"due_from", timeOf(next.dueFrom)},
-               {"is_due", next.isDue},
-               {"next_run", inspect::nameOf(next.outcome)},
-               {"reason", next.reason},
-               {"deletes_identity", next.deletesIdentity},
-               {"iteration", std::to_string(next.iteration)},
-               {"project_id", next.makesProjectId ? Json() : text(next.projectId)},
-               {"random_id", next.makesRandomId ? Json() : text(next.randomId)}};
-  return json;
-}
-
-Json JsonText::site(const SiteFacts& known) const {
-  Json evidence = {{"domain_name", text(known.domainName)}, {"resolver_file_counts", known.usesResolverFile}};
-  if (known.line != 0) {
-    evidence["line"] = known.line;
-    evidence["column"] = known.column;
-    evidence["text"] = text(known.lineText);
+  Json head(const Facts& facts, const std::string& command, const std::string& verdict) const {
+    return {{"schema", "vestra-inspect/1"},
+            {"tool", VESTRA_VERSION},
+            {"command", command},
+            {"now", timeOf(facts.view.now)},
+            {"as", {{"uid", geteuid()}, {"home", text(facts.view.variable("HOME"))}}},
+            {"verdict", {{"text", text(verdict)}}}};
   }
-  return {{"internal", known.internal},
-          {"internal_without_override", known.internalWithoutOverride},
-          {"override", known.overrideIsOn},
-          {"maker_domain", Oza::makerDomain()},
-          {"evidence", evidence}};
-}
 
-Json JsonText::support(const SupportFacts& known) const {
-  Json candidates = Json::array();
-  const auto add = [&](const Candidate& each, const char* state) {
-    candidates.push_back(
-        {{"path", text(each.path)}, {"rule", each.rule}, {"state", state}, {"reason", each.reason}});
-  };
-  for (const Candidate& each : known.search.tried) {
-    add(each, nameOf(each.state));
+  Json user(const Facts& facts) const {
+    const UserFacts& known = facts.user;
+    return {{"random_id", {{"value", text(known.randomId)}, {"line", known.line}}},
+            {"makes_new", known.makesNew},
+            {"keeps_new", known.keepsNew},
+            {"settings_file", file(known.file)}};
   }
-  for (const Candidate& each : known.search.notReached) {
-    add(each, "not_reached");
-  }
-  return {{"candidates", candidates},
-          {"chosen", known.search.chosen.empty() ? Json() : text(known.search.chosen)},
-          {"needs_missing", texts(known.missingNeeds)},
-          {"entry_points_missing", known.missingEntryPoints},
-          {"stand_in", known.isStandIn},
-          {"answers", nullptr}};
-}
 
-Json JsonText::switches(const View& view) const {
-  Json list = Json::array();
-  for (const char* name : {"CALVIX_VESTRA_DEBUG_EXT", "CALVIX_VESTRA_INTERNAL_TRANSMIT"}) {
+  Json project(const Facts& facts) const {
+    const ProjectFacts& known = facts.project;
+    return {{"directory", text(known.directory)},
+            {"state", nameOf(known.state)},
+            {"project_id", {{"value", text(known.identity.projectId)}, {"line", 5}}},
+            {"iteration", std::to_string(known.identity.iteration)},
+            {"orbelo_flow", known.identity.orbeloFlow},
+            {"identity_file", file(known.identityFile)}};
+  }
+
+  Json prediction(const Prediction& next) const {
+    Json json = {{"product", inspect::nameOf(next.product)},
+                 {"slot", next.product == Oza::Vestra::KELVO_ALT ? 2 : 1},
+                 {"last", timeOf(next.last)},
+                 {"due_from", timeOf(next.dueFrom)},
+                 {"is_due", next.isDue},
+                 {"next_run", inspect::nameOf(next.outcome)},
+                 {"reason", next.reason},
+                 {"deletes_identity", next.deletesIdentity},
+                 {"iteration", std::to_string(next.iteration)},
+                 {"project_id", next.makesProjectId ? Json() : text(next.projectId)},
+                 {"random_id", next.makesRandomId ? Json() : text(next.randomId)}};
+    return json;
+  }
+
+  Json site(const SiteFacts& known) const {
+    Json evidence = {{"domain_name", text(known.domainName)},
+                     {"resolver_file_counts", known.usesResolverFile}};
+    if (known.line != 0) {
+      evidence["line"] = known.line;
+      evidence["column"] = known.column;
+      evidence["text"] = text(known.lineText);
+    }
+    return {{"internal", known.internal},
+            {"internal_without_override", known.internalWithoutOverride},
+            {"override", known.overrideIsOn},
+            {"maker_domain", Oza::makerDomain()},
+            {"evidence", evidence}};
+  }
+
+  Json candidate(const Candidate& each, const char* state) const {
+    return {{"path", text(each.path)}, {"rule", each.rule}, {"state", state}, {"reason", each.reason}};
+  }
+
+  Json support(const SupportFacts& known) const {
+    Json candidates = listOf(known.search.tried,
+                             [&](const Candidate& each) { return candidate(each, nameOf(each.state)); });
+    for (const Candidate& each : known.search.notReached) {
+      candidates.push_back(candidate(each, "not_reached"));
+    }
+    return {{"candidates", candidates},
+            {"chosen", known.search.chosen.empty() ? Json() : text(known.search.chosen)},
+            {"needs_missing", texts(known.missingNeeds)},
+            {"entry_points_missing", known.missingEntryPoints},
+            {"stand_in", known.isStandIn},
+            {"answers", nullptr}};
+  }
+
+  Json variable(const View& view, const char* name) const {
     const bool isSet = view.environment.count(name) != 0;
-    list.push_back({{"name", name},
-                    {"value", isSet ? text(view.variable(name)) : Json()},
-                    {"on", view.isSwitchedOn(name)}});
+    return {{"name", name},
+            {"value", isSet ? text(view.variable(name)) : Json()},
+            {"on", view.isSwitchedOn(name)}};
   }
-  return list;
-}
 
-Json JsonText::finding(const Finding& found) const {
-  return {{"id", found.check->id},
-          {"level", inspect::nameOf(found.check->level)},
-          {"says", text(found.says)},
-          {"means", found.check->means},
-          {"mend", texts(found.mend)}};
-}
+  Json commandLine(const Facts& facts, Product product) const {
+    return {{"product", inspect::nameOf(product)}, {"text", text(commandLineOf(facts, product))}};
+  }
 
-Json JsonText::statusOf(const Facts& facts, const Findings& findings, const std::string& verdict,
-                        const std::string& command) const {
-  Json document = head(facts, command, verdict);
-  document["user"] = user(facts);
-  document["project"] = project(facts);
-  document["due"] = Json::array();
-  for (const Prediction& next : facts.predictions) {
-    document["due"].push_back(prediction(next));
-  }
-  document["site"] = site(facts.site);
-  document["support"] = support(facts.support);
-  document["command_lines"] = Json::array();
-  for (const Product product : facts.products) {
-    document["command_lines"].push_back(
-        {{"product", inspect::nameOf(product)}, {"text", text(commandLineOf(facts, product))}});
-  }
-  document["switches"] = switches(facts.view);
-  document["files"] = Json::array();
-  for (const ReportFile& each : facts.project.files) {
+  Json reportFile(const Facts& facts, const ReportFile& each) const {
     Json entry = file(each.file);
     entry["role"] = each.role;
     entry["product"] = each.product;
     entry["proves"] = text(whatItProves(facts, each));
-    document["files"].push_back(entry);
+    return entry;
   }
-  document["findings"] = Json::array();
-  for (const Finding& each : findings.sorted()) {
-    document["findings"].push_back(finding(each));
+
+  Json finding(const Finding& found) const {
+    return {{"id", found.check->id},
+            {"level", inspect::nameOf(found.check->level)},
+            {"says", text(found.says)},
+            {"means", found.check->means},
+            {"mend", texts(found.mend)}};
   }
-  return document;
-}
 
-Json JsonText::item(const ReportedItem& each) const {
-  const reading::WrittenItem& written = each.written;
-  return {{"line", written.line},
-          {"client", text(written.client)},
-          {"context", text(written.context)},
-          {"key", text(written.key)},
-          {"value", text(written.value)},
-          {"hazard", each.hazard ? text(*each.hazard) : Json()},
-          {"repeated", each.isRepeated},
-          {"personal", each.personal}};
-}
-
-Json JsonText::reportOf(const ReportFacts& report) const {
-  Json items = Json::array();
-  for (const ReportedItem& each : report.items) {
-    items.push_back(item(each));
+  Json status(const Facts& facts, const Findings& findings, const std::string& command) const {
+    Json document = head(facts, command, verdictOf(facts));
+    document["user"] = user(facts);
+    document["project"] = project(facts);
+    document["due"] = listOf(facts.predictions, [&](const Prediction& each) { return prediction(each); });
+    document["site"] = site(facts.site);
+    document["support"] = support(facts.support);
+    document["command_lines"] =
+        listOf(facts.products, [&](Product each) { return commandLine(facts, each); });
+    document["switches"] = {variable(facts.view, KEEP_VARIABLE), variable(facts.view, INTERNAL_VARIABLE)};
+    document["files"] =
+        listOf(facts.project.files, [&](const ReportFile& each) { return reportFile(facts, each); });
+    document["findings"] = listOf(findings.sorted(), [&](const Finding& each) { return finding(each); });
+    return document;
   }
-  return {{"file", file(report.file)},
-          {"product", report.product},
-          {"vestra_directory", text(report.directory)},
-          {"complete", report.isComplete},
-          {"registration", text(report.registration)},
-          {"checksum",
-           {{"written", text(report.checksum)},
-            {"agrees", report.checksumHour.has_value()},
-            {"hour", report.checksumHour ? timeOf(*report.checksumHour) : Json()}}},
-          {"items", items}};
-}
 
-Json JsonText::reportsOf(const Facts& facts, const std::vector<ReportFacts>& reports,
-                         const std::string& verdict) const {
-  Json document = head(facts, "report", verdict);
-  document["reports"] = Json::array();
-  for (const ReportFacts& report : reports) {
-    document["reports"].push_back(reportOf(report));
+  Json item(const ReportedItem& each) const {
+    const reading::WrittenItem& written = each.written;
+    return {{"line", written.line},
+            {"client", text(written.client)},
+            {"context", text(written.context)},
+            {"key", text(written.key)},
+            {"value", text(written.value)},
+            {"hazard", each.hazard ? text(*each.hazard) : Json()},
+            {"repeated", each.isRepeated},
+            {"personal", each.personal}};
   }
-  return document;
-}
 
-Json JsonText::rehearsed(const Rehearsed& each) const {
-  const bool throws = each.outcome() == std::string("throws");
-  return {{"folder", text(each.folder)},
-          {"directory", each.isCaught() ? Json() : text(each.directory)},
-          {"outcome", each.outcome()},
-          {"exception", throws ? text(each.answer.substr(1)) : Json()},
-          {"command", each.command ? text(*each.command) : Json()},
-          {"examples", each.examples},
-          {"report", each.report ? reportOf(*each.report) : Json()}};
-}
-
-Json JsonText::rehearsalOf(const Rehearsal& rehearsal) const {
-  Json document = head(rehearsal.facts, "rehearse", rehearsal.verdict());
-  document["status"] = rehearsal.status;
-  document["leaked"] = texts(rehearsal.changed);
-  document["rehearsed"] = Json::array();
-  for (const Rehearsed& each : rehearsal.reports) {
-    document["rehearsed"].push_back(rehearsed(each));
+  Json report(const ReportFacts& known) const {
+    return {{"file", file(known.file)},
+            {"product", known.product},
+            {"vestra_directory", text(known.directory)},
+            {"complete", known.isComplete},
+            {"registration", text(known.registration)},
+            {"checksum",
+             {{"written", text(known.checksum)},
+              {"agrees", known.checksumHour.has_value()},
+              {"hour", known.checksumHour ? timeOf(*known.checksumHour) : Json()}}},
+            {"items", listOf(known.items, [&](const ReportedItem& each) { return item(each); })}};
   }
-  return document;
+
+  Json reports(const Facts& facts, const std::string& verdict) const {
+    Json document = head(facts, "report", verdict);
+    document["reports"] = listOf(facts.reports, [&](const ReportFacts& each) { return report(each); });
+    return document;
+  }
+
+  Json rehearsed(const Rehearsed& each) const {
+    const bool throws = each.outcome() == std::string("throws");
+    return {{"folder", text(each.folder)},
+            {"directory", each.isCaught() ? Json() : text(each.directory)},
+            {"outcome", each.outcome()},
+            {"exception", throws ? text(each.answer.substr(1)) : Json()},
+            {"command", each.command ? text(*each.command) : Json()},
+            {"examples", each.examples},
+            {"report", each.report ? report(*each.report) : Json()}};
+  }
+
+  Json rehearsal(const Rehearsal& known) const {
+    Json document = head(known.facts, "rehearse", known.verdict());
+    document["status"] = known.status;
+    document["leaked"] = texts(known.changed);
+    document["rehearsed"] = listOf(known.reports, [&](const Rehearsed& each) { return rehearsed(each); });
+    return document;
+  }
+
+  Json failure(const std::string& command, const std::string& reason) const {
+    return {{"schema", "vestra-inspect/1"},
+            {"tool", VESTRA_VERSION},
+            {"command", command},
+            {"verdict", {{"text", text("could not be looked at: " + reason)}}},
+            {"error", text(reason)}};
+  }
+};
+
+}  // namespace
+
+Json statusDocument(const Facts& facts, const Findings& findings, const std::string& command,
+                    const Redaction& redaction) {
+  return Writer{redaction}.status(facts, findings, command);
 }
 
-Json JsonText::failure(const std::string& command, const std::string& reason) const {
-  return {{"schema", "vestra-inspect/1"},
-          {"tool", VESTRA_VERSION},
-          {"command", command},
-          {"verdict", {{"text", text("could not be looked at: " + reason)}}},
-          {"error", text(reason)}};
+Json reportsDocument(const Facts& facts, const std::string& verdict, const Redaction& redaction) {
+  return Writer{redaction}.reports(facts, verdict);
+}
+
+Json reportDocument(const ReportFacts& report, const Redaction& redaction) {
+  return Writer{redaction}.report(report);
+}
+
+Json rehearsalDocument(const Rehearsal& rehearsal, const Redaction& redaction) {
+  return Writer{redaction}.rehearsal(rehearsal);
+}
+
+Json failureDocument(const std::string& command, const std::string& reason, const Redaction& redaction) {
+  return Writer{redaction}.failure(command, reason);
 }
 
 }  // namespace vestra::inspect

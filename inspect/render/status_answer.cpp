@@ -12,9 +12,6 @@
 namespace vestra::inspect {
 namespace {
 
-constexpr const char* KEEP = "CALVIX_VESTRA_DEBUG_EXT";
-constexpr const char* INTERNAL = "CALVIX_VESTRA_INTERNAL_TRANSMIT";
-
 void writeUser(const Facts& facts, Page& page) {
   const UserFacts& user = facts.user;
   page.heading("You");
@@ -90,7 +87,7 @@ void writeSite(const Facts& facts, Page& page) {
                              counted(site.resolverLines, "line"), Oza::makerDomain()));
   }
   if (site.internalWithoutOverride) {
-    page.row("", site.overrideIsOn ? fmt::format("but reports like any other: {} is set", INTERNAL)
+    page.row("", site.overrideIsOn ? fmt::format("but reports like any other: {} is set", INTERNAL_VARIABLE)
                                    : "reports are marked as tests");
   }
 }
@@ -139,12 +136,14 @@ void writeCommandLines(const Facts& facts, Page& page) {
 
 void writeSwitches(const View& view, Page& page) {
   page.heading("Switches");
-  page.paragraph(2, fmt::format("{}: {}", KEEP,
-                                view.isSwitchedOn(KEEP) ? "on: script and rules file stay after a report"
-                                                        : "off: script and rules file go after a report"));
   page.paragraph(
-      2, fmt::format("{}: {}", INTERNAL,
-                     view.isSwitchedOn(INTERNAL) ? "on: no report is marked as the maker's own" : "off"));
+      2, fmt::format("{}: {}", KEEP_VARIABLE,
+                     view.isSwitchedOn(KEEP_VARIABLE) ? "on: script and rules file stay after a report"
+                                                      : "off: script and rules file go after a report"));
+  page.paragraph(
+      2, fmt::format(
+             "{}: {}", INTERNAL_VARIABLE,
+             view.isSwitchedOn(INTERNAL_VARIABLE) ? "on: no report is marked as the maker's own" : "off"));
 }
 
 void writeFiles(const Facts& facts, Page& page) {

@@ -172,7 +172,7 @@ TEST_F(Inspector, FitsEightyColumnsAndShowsEachByte) {
   const std::string small = "-value \"2\"";
   script.replace(script.find(small), small.size(), "-value \"" + std::string(1000000, 'x') + "\"");
   place.write(place.inVestra("kelvo_vestra.tcl"), script);
-  for (const Words& words : {Words{}, Words{"report"}, Words{"doctor"}}) {
+  for (const Words& words : {Words{}, Words{"report"}, Words{"doctor"}, Words{"--help"}}) {
     const Outcome shown = place.inspect(words);
     EXPECT_LE(longestLine(shown.out).size(), 80U) << longestLine(shown.out);
     EXPECT_EQ(shown.out.find_first_of("\033\a\t\r"), std::string::npos);

@@ -4,35 +4,20 @@
 #include <nlohmann/json.hpp>
 
 #include "design_tool/report/sections.h"
-#include "reading/utf8.h"
+#include "reading/byte_text.h"
 
 namespace vestra::design_tool {
 
-using reading::isUtf8;
+using reading::byteText;
 
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string hexOf(const std::string& bytes) {
-  std::string digits;
-  for (const char byte : bytes) {
-    digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
-  }
-  return digits;
-}
-
-Json textOf(const std::string& bytes) {
-  if (isUtf8(bytes)) {
-    return bytes;
-  }
-  return {{"hex", hexOf(bytes)}};
-}
-
 Json clientsOf(const Report& report) {
   Json clients = Json::array();
   for (const Registration& registration : report.registrations) {
-    clients.push_back(textOf(registration.client));
+    clients.push_back(byteText(registration.client));
   }
   return clients;
 }
@@ -45,10 +30,10 @@ Json itemsOf(const Report& report, const std::vector<Rule>& rules) {
   Json items = Json::array();
   for (const Item& item : report.items) {
     const Section& section = report.sections[item.section];
-    items.push_back({{"client", textOf(section.client)},
-                     {"key", textOf(item.key)},
-                     {"value", textOf(item.value)},
-                     {"context", textOf(section.context)},
+    items.push_back({{"client", byteText(section.client)},
+                     {"key", byteText(item.key)},
+                     {"value", byteText(item.value)},
+                     {"context", byteText(section.context)},
                      {"line", item.line},
                      {"section_rule", static_cast<bool>(hasRule[item.section])}});
   }
@@ -58,10 +43,10 @@ Json itemsOf(const Report& report, const std::vector<Rule>& rules) {
 Json rulesOf(const std::vector<Rule>& rules) {
   Json list = Json::array();
   for (const Rule& rule : rules) {
-    list.push_back({{"client", textOf(rule.client)},
-                    {"context", textOf(rule.context)},
-                    {"xml_map", textOf(rule.xmlMap)},
-                    {"html_map", textOf(rule.htmlMap)},
+    list.push_back({{"client", byteText(rule.client)},
+                    {"context", byteText(rule.context)},
+                    {"xml_map", byteText(rule.xmlMap)},
+                    {"html_map", byteText(rule.htmlMap)},
                     {"html_format", nameOf(rule.htmlStyle)}});
   }
   return list;
@@ -70,7 +55,7 @@ Json rulesOf(const std::vector<Rule>& rules) {
 Json warningsOf(const std::vector<std::string>& warnings) {
   Json list = Json::array();
   for (const std::string& warning : warnings) {
-    list.push_back(textOf(warning));
+    list.push_back(byteText(warning));
   }
   return list;
 }
@@ -81,12 +66,12 @@ std::string renderRecord(const Report& report, const std::vector<Rule>& rules,
                          const std::vector<std::string>& warnings) {
   const Transmission& transmission = report.transmission;
   const Json record = {{"client_id", fmt::format("{}", transmission.clientId)},
-                       {"registration_id", textOf(transmission.registrationId)},
-                       {"intro", textOf(transmission.intro)},
-                       {"vestra_dir", textOf(report.vestraDir)},
-                       {"xml", textOf(transmission.xml)},
-                       {"html", textOf(transmission.html)},
-                       {"wdm", textOf(transmission.wdm)},
+                       {"registration_id", byteText(transmission.registrationId)},
+                       {"intro", byteText(transmission.intro)},
+                       {"vestra_dir", byteText(report.vestraDir)},
+                       {"xml", byteText(transmission.xml)},
+                       {"html", byteText(transmission.html)},
+                       {"wdm", byteText(transmission.wdm)},
                        {"clients", clientsOf(report)},
                        {"items", itemsOf(report, rules)},
                        {"rules", rulesOf(rules)},
