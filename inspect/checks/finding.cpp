@@ -36,11 +36,6 @@ std::vector<Finding> Findings::sorted() const {
   return ordered;
 }
 
-bool Findings::has(const std::string& id) const {
-  return std::any_of(findings.begin(), findings.end(),
-                     [&](const Finding& finding) { return finding.check->id == id; });
-}
-
 std::size_t Findings::count(Level level) const {
   return static_cast<std::size_t>(
       std::count_if(findings.begin(), findings.end(),

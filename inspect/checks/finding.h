@@ -39,7 +39,6 @@ class Findings {
 
   /// In the order of `allChecks`.
   std::vector<Finding> sorted() const;
-  bool has(const std::string& id) const;
   /// How many have this level.
   std::size_t count(Level level) const;
 

@@ -12,9 +12,6 @@
 namespace vestra::inspect {
 namespace {
 
-constexpr const char* INTERNAL = "CALVIX_VESTRA_INTERNAL_TRANSMIT";
-constexpr const char* KEEP = "CALVIX_VESTRA_DEBUG_EXT";
-
 void checkSite(const SiteFacts& site, Findings& findings) {
   if (site.internalWithoutOverride) {
     const std::string evidence = site.usesResolverFile
@@ -24,17 +21,18 @@ void checkSite(const SiteFacts& site, Findings& findings) {
     findings.add("site.internal", evidence);
   }
   if (site.overrideIsOn) {
-    findings.add(
-        "site.override",
-        fmt::format("{} is set{}", INTERNAL, site.internalWithoutOverride ? "" : ", and has no effect here"),
-        {fmt::format("unset {}", INTERNAL)});
+    findings.add("site.override",
+                 fmt::format("{} is set{}", INTERNAL_VARIABLE,
+                             site.internalWithoutOverride ? "" : ", and has no effect here"),
+                 {fmt::format("unset {}", INTERNAL_VARIABLE)});
   }
 }
 
 void checkEnvironment(const View& view, Findings& findings) {
-  if (view.isSwitchedOn(KEEP)) {
-    findings.add("env.debug", fmt::format("{} is {}", KEEP, reading::inQuotes(view.variable(KEEP))),
-                 {fmt::format("unset {}", KEEP)});
+  if (view.isSwitchedOn(KEEP_VARIABLE)) {
+    findings.add("env.debug",
+                 fmt::format("{} is {}", KEEP_VARIABLE, reading::inQuotes(view.variable(KEEP_VARIABLE))),
+                 {fmt::format("unset {}", KEEP_VARIABLE)});
   }
   for (const auto& [name, value] : view.environment) {
     if (name.rfind("VESTRA_TESTKIT_", 0) == 0 || name == "VESTRA_OUTBOX") {

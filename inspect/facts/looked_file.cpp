@@ -45,8 +45,6 @@ void note(const struct stat& status, LookedFile& file) {
   file.owner = status.st_uid;
   file.size = status.st_size;
   file.modified = status.st_mtim.tv_sec;
-  file.modifiedNanoseconds = status.st_mtim.tv_nsec;
-  file.readable = may(file.path, R_OK);
   file.writable = may(file.path, W_OK);
 }
 

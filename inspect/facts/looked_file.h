@@ -24,9 +24,7 @@ struct LookedFile {
   std::int64_t size = 0;
   /// Seconds since the epoch.
   std::int64_t modified = 0;
-  std::int64_t modifiedNanoseconds = 0;
-  // What the effective user may do there.
-  bool readable = false;
+  /// Whether the effective user may write there.
   bool writable = false;
   /// Its bytes, where they were asked for and could be read.
   std::optional<std::string> text;

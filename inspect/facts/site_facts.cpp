@@ -26,7 +26,7 @@ void findEvidence(const std::string& text, SiteFacts& site) {
 
 SiteFacts lookAtSite(const View& view) {
   SiteFacts site;
-  site.overrideIsOn = view.isSwitchedOn("CALVIX_VESTRA_INTERNAL_TRANSMIT");
+  site.overrideIsOn = view.isSwitchedOn(INTERNAL_VARIABLE);
   const std::optional<std::string> domainName = Oza::machineDomainName();
   if (!domainName) {
     return site;

@@ -13,6 +13,10 @@ namespace vestra::inspect {
 using Product = Oza::Vestra::ProductType;
 using Environment = std::map<std::string, std::string>;
 
+// The variables that change what is written and what stays.
+inline constexpr char KEEP_VARIABLE[] = "CALVIX_VESTRA_DEBUG_EXT";
+inline constexpr char INTERNAL_VARIABLE[] = "CALVIX_VESTRA_INTERNAL_TRANSMIT";
+
 /// With whose eyes everything is looked at: the environment and the directory that a host
 /// would start with, and the time.
 struct View {

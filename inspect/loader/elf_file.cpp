@@ -124,8 +124,6 @@ void readDynamic(const Segments& segments, ElfFile& elf) {
     const auto text = [&] { return segments.text(entry.d_un.d_val); };
     if (entry.d_tag == DT_NEEDED) {
       elf.needed.push_back(text());
-    } else if (entry.d_tag == DT_SONAME) {
-      elf.soname = text();
     } else if (entry.d_tag == DT_RPATH) {
       elf.rpath = withOrigin(text(), elf.path);
     } else if (entry.d_tag == DT_RUNPATH) {
@@ -173,7 +171,6 @@ ElfFile readElfFile(const std::string& path) {
   if (elf.state == ElfState::loadable) {
     const Segments segments(file);
     elf.hasInterpreter = segments.has(PT_INTERP);
-    elf.isDynamic = segments.has(PT_DYNAMIC);
     readDynamic(segments, elf);
     if (segments.areCut()) {
       elf.state = ElfState::broken;

@@ -27,8 +27,6 @@ struct ElfFile {
   std::string reason;
   /// Whether it names a loader: a program without one is static.
   bool hasInterpreter = false;
-  bool isDynamic = false;
-  std::string soname;
   std::vector<std::string> needed;
   /// DT_RPATH and DT_RUNPATH, `$ORIGIN` replaced.
   std::optional<std::string> rpath;
