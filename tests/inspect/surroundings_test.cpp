@@ -169,7 +169,7 @@ TEST_F(FullDisk, LeavesANewProjectWithoutAWholeRecord) {
 TEST_F(FullDisk, LeavesTheHomeWithoutAnIdentifier) {
   NEEDS_OWN_MOUNTS
   happen(place.home(), "", place.settings());
-  EXPECT_THAT(findingsOf(told), Contains("settings.full"));
+  EXPECT_THAT(findingsOf(told), testing::IsSupersetOf({"settings.full", "home.volatile"}));
   EXPECT_EQ(predictionOf(told)["next_run"], "reports");
   EXPECT_TRUE(predictionOf(told)["random_id"].is_null());
   EXPECT_THAT(answered, StartsWith("true"));
@@ -183,6 +183,27 @@ TEST_F(OwnMounts, TellAReadOnlyProject) {
                                             place.inspector() + " doctor --json " + place.project()));
   EXPECT_THAT(findingsOf(document), Contains("project.readonly"));
   EXPECT_EQ(predictionOf(document)["next_run"], "nothing");
+}
+
+TEST_F(OwnMounts, TellThatNothingMayRunWhereTheSupportLibraryLies) {
+  NEEDS_OWN_MOUNTS
+  const std::string library = place.elsewhere() + "/libqvzcommonvestrasupport.so";
+  const std::string mount = "mount -t tmpfs -o noexec none " + place.elsewhere() + " && cp " +
+                            place.support() + "/*.so " + place.elsewhere() + " && ";
+  place.setVariable("LD_LIBRARY_PATH", place.elsewhere());
+  const Json document = Json::parse(mounted(mount + place.inspector() + " doctor --json"));
+  EXPECT_EQ(document["support"]["chosen"], library);
+  EXPECT_THAT(findingsOf(document), Contains("support.noexec"));
+  EXPECT_EQ(predictionOf(document)["next_run"], "nothing");
+  EXPECT_THAT(mounted(mount + place.host() + " " + place.project() + " KELVO"), StartsWith("false"));
+}
+
+TEST_F(OwnMounts, TellThatThereIsNoShell) {
+  NEEDS_OWN_MOUNTS
+  const Json document =
+      Json::parse(mounted("mount -t tmpfs none \"$(dirname \"$(readlink -f /bin/sh)\")\" && exec " +
+                          place.inspector() + " doctor --json"));
+  EXPECT_THAT(findingsOf(document), Contains("tool.shell"));
 }
 
 /// Whether the machine counts as the maker's own, and what a host then answers and writes.
@@ -227,7 +248,9 @@ TEST_F(Site, ByADomainNameIsTheHosts) {
 TEST_F(Site, NamesTheLineAndColumnOfItsEvidence) {
   NEEDS_OWN_MOUNTS
   place.setVariable("CALVIX_VESTRA_INTERNAL_TRANSMIT", "1");
-  const Json site = Json::parse(mounted(surroundings + place.inspector() + " --json"))["site"];
+  const Json document = Json::parse(mounted(surroundings + place.inspector() + " --json"));
+  EXPECT_THAT(findingsOf(document), testing::IsSupersetOf({"site.internal", "site.override"}));
+  const Json& site = document["site"];
   EXPECT_TRUE(site["evidence"]["resolver_file_counts"].get<bool>());
   EXPECT_TRUE(site["internal_without_override"].get<bool>());
   EXPECT_EQ(site["evidence"]["line"], 2);
