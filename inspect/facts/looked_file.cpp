@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <array>
@@ -79,6 +80,12 @@ bool isEmptyDirectory(const std::string& path) {
   return entries == 2;
 }
 
+/// Room for the bytes of a file is another matter: what is cut or empty is made all the same.
+bool hasRoomForNames(const std::string& directory) {
+  struct statvfs system {};
+  return statvfs(directory.c_str(), &system) != 0 || system.f_files == 0 || system.f_favail != 0;
+}
+
 /// In a sticky directory, only owners take away.
 bool stickinessForbids(const std::string& path, const struct stat& file) {
   struct stat directory {};
@@ -137,7 +144,8 @@ bool canHoldFiles(const std::string& directory, std::string& obstacle) {
     nearest = parentOf(nearest);
   }
   obstacle = nearest;
-  return lookAt(nearest).kind == FileKind::directory && mayChangeDirectory(nearest);
+  return lookAt(nearest).kind == FileKind::directory && mayChangeDirectory(nearest) &&
+         hasRoomForNames(nearest);
 }
 
 bool canBeRemoved(const std::string& path) {

@@ -126,9 +126,10 @@ class FullDisk : public OwnMounts {
 
   /// Looks, reports and shows the file, in a directory whose file system was full meanwhile.
   /// @param before  Commands that make what was there before.
-  void happen(const std::string& directory, const std::string& before, const std::string& file) {
+  void happen(const std::string& directory, const std::string& before, const std::string& file,
+              const std::string& size = "size=24k") {
     const std::string all =
-        mounted("mount -t tmpfs -o size=24k none " + directory + " && " + before + " cat /dev/zero >" +
+        mounted("mount -t tmpfs -o " + size + " none " + directory + " && " + before + " cat /dev/zero >" +
                 directory + "/fill 2>" + (place / "why") + "; " + place.inspector() + " doctor --json " +
                 place.project() + "; printf '\\001'; " + place.host() + " " + place.project() +
                 " KELVO runs 2; printf '\\001'; cat " + file + " 2>/dev/null");
@@ -183,6 +184,22 @@ TEST_F(OwnMounts, TellAReadOnlyProject) {
                                             place.inspector() + " doctor --json " + place.project()));
   EXPECT_THAT(findingsOf(document), Contains("project.readonly"));
   EXPECT_EQ(predictionOf(document)["next_run"], "nothing");
+}
+
+TEST_F(FullDisk, MakesNoProjectWithoutRoomForNames) {
+  NEEDS_OWN_MOUNTS
+  happen(place.project(), "", place.identity(), "nr_inodes=1");
+  EXPECT_THAT(findingsOf(told), Contains("project.full"));
+  EXPECT_EQ(predictionOf(told)["next_run"], "nothing");
+  EXPECT_THAT(answered, StartsWith("false"));
+}
+
+TEST_F(FullDisk, MakesNoIdentifierWithoutRoomForNames) {
+  NEEDS_OWN_MOUNTS
+  happen(place.home(), "", place.settings(), "nr_inodes=1");
+  EXPECT_EQ(predictionOf(told)["random_id"], "");
+  EXPECT_THAT(answered, StartsWith("true"));
+  EXPECT_EQ(valueIn(readFile(place.inVestra("kelvo_vestra.tcl")), "random_id"), "");
 }
 
 TEST_F(OwnMounts, TellThatNothingMayRunWhereTheSupportLibraryLies) {
