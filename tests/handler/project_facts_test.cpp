@@ -12,12 +12,12 @@ namespace {
 constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 
 /// An item that notes its end.
-class NotedItem : public VestraAddData {
+class EndingItem : public VestraAddData {
  public:
-  NotedItem(const std::string& itemKey, const std::string& itemValue, VestraParentData* context,
-            std::string& ends)
+  EndingItem(const std::string& itemKey, const std::string& itemValue, VestraParentData* context,
+             std::string& ends)
       : VestraAddData(itemKey, itemValue, context), name(itemValue), endsSeen(ends) {}
-  ~NotedItem() override { endsSeen += name; }
+  ~EndingItem() override { endsSeen += name; }
 
  private:
   std::string name;
@@ -41,7 +41,7 @@ class BequeathingItem : public VestraAddData {
 class ProjectFacts : public testing::Test {
  protected:
   VestraAddData* add(const std::string& key, const std::string& name) {
-    auto* item = new NotedItem(key, name, &context, ends);
+    auto* item = new EndingItem(key, name, &context, ends);
     handler->addData(item, PROJECT);
     return item;
   }
@@ -88,7 +88,7 @@ TEST_F(ProjectFacts, KeysThatTheReportDoesNotKnowAreFreed) {
 }
 
 TEST_F(ProjectFacts, FactThatComesAtTheEndOfAnotherIsKept) {
-  auto* late = new NotedItem("beta", "late", &context, ends);
+  auto* late = new EndingItem("beta", "late", &context, ends);
   handler->addData(new BequeathingItem("unknown", &context, *handler, late), PROJECT);
   handler->uniqueAndReorderData();
   EXPECT_EQ(ends, "");
@@ -148,9 +148,9 @@ TEST_F(ProjectFacts, AddedAfterTheFirstTimeFollowTheSameRules) {
 TEST_F(ProjectFacts, FactsOfOtherSectionsAreUntouched) {
   for (const auto section : {Vestra::USER_ENVIRONMENT, Vestra::KELVO_COMMAND_LINE_OPTIONS,
                              Vestra::KELVO_USAGE, Vestra::TAVLO_COMMAND_LINE_OPTIONS, Vestra::TAVLO_USAGE}) {
-    auto* item = new NotedItem("Key", "k", &context, ends);
+    auto* item = new EndingItem("Key", "k", &context, ends);
     handler->addData(item, section);
-    handler->addData(new NotedItem("Key", "k", &context, ends), section);
+    handler->addData(new EndingItem("Key", "k", &context, ends), section);
     handler->uniqueAndReorderData();
     EXPECT_EQ(ends, "");
     EXPECT_EQ(keyOf(item), "Key");

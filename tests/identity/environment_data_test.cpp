@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+constexpr Vestra::SectionType TARGET_SECTION = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 
 /// What the support library's environment text turns into, as the script has it.
 class EnvironmentData : public vestra_test::ReportFixture {
@@ -68,7 +68,7 @@ TEST_F(EnvironmentData, FirstOfAFactGivenTwiceCounts) {
 }
 
 TEST_F(EnvironmentData, FactThatTheHostAddedCounts) {
-  add("beta", "host's", PROJECT);
+  add("beta", "host's", TARGET_SECTION);
   EXPECT_EQ(factsOf("a#1#b#2#c#3#d#4#e#5#f#6#beta#yes"), "beta=host's\n");
 }
 

@@ -8,14 +8,14 @@
 namespace Oza {
 namespace {
 
-constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+constexpr Vestra::SectionType VERSION_SECTION = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 
 /// A handler with items that can be looked at.
 class HostProjectId : public testing::Test {
  protected:
   VestraAddData* add(const std::string& key, const std::string& value) {
     auto* item = new VestraAddData(key, value, &context);
-    handler.addData(item, PROJECT);
+    handler.addData(item, VERSION_SECTION);
     return item;
   }
 

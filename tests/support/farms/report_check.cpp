@@ -11,7 +11,7 @@
 namespace vestra_test {
 namespace {
 
-constexpr std::time_t HOUR = 3600;
+constexpr std::time_t AN_HOUR = 3600;
 
 bool beginsWith(const std::string& text, const std::string& beginning) {
   return text.rfind(beginning, 0) == 0;
@@ -66,7 +66,7 @@ std::string checksumOf(const std::string& text) {
       crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
 }
 
-std::vector<std::string> linesOf(const std::string& text) {
+std::vector<std::string> linesIn(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream in(text);
   for (std::string line; std::getline(in, line);) {
@@ -100,7 +100,7 @@ bool isChecksumRight(const std::vector<std::string>& lines, std::time_t now) {
                 [&](const std::string& line) { segments += segmentOf(line); });
   const std::string found = between(lines.end()[-2], " -clientid ", " ");
   return found == checksumOf(timeStamp(now) + segments) ||
-         found == checksumOf(timeStamp(now - HOUR) + segments);
+         found == checksumOf(timeStamp(now - AN_HOUR) + segments);
 }
 
 }  // namespace
@@ -109,7 +109,7 @@ std::string faultOf(const std::string& script, std::time_t now) {
   if (script.empty()) {
     return "empty";
   }
-  const std::vector<std::string> lines = linesOf(script);
+  const std::vector<std::string> lines = linesIn(script);
   const std::multiset<std::string> marks = marksOf(lines);
   if (!isComplete(script, lines) || marks.size() != MARKS_OF_A_HOST) {
     return "torn";

@@ -67,7 +67,7 @@ TEST(Outbox, ACopyThatIsNotPublishedLeavesNothing) {
 }
 
 /// The error that this ends with, as the tool prints it; "no error" when it does not.
-std::string errorOf(const std::function<void()>& action) {
+std::string errorFrom(const std::function<void()>& action) {
   try {
     action();
     return "no error";
@@ -78,7 +78,7 @@ std::string errorOf(const std::function<void()>& action) {
 
 TEST(Outbox, TwoFilesOfOneNameAreNotKept) {
   const vestra_test::TemporaryDirectory directory;
-  EXPECT_EQ(errorOf([&] {
+  EXPECT_EQ(errorFrom([&] {
               kept(Outbox(directory.path()), "kelvo", {{"r", "1"}, {"r", "2"}});
             }),
             directory.path() + ": the outbox cannot keep two files named \"r\"\n");
@@ -87,7 +87,7 @@ TEST(Outbox, TwoFilesOfOneNameAreNotKept) {
 
 TEST(Outbox, AFolderThatCannotBeWrittenLeavesNothing) {
   const vestra_test::TemporaryDirectory directory;
-  EXPECT_EQ(errorOf([&] {
+  EXPECT_EQ(errorFrom([&] {
               kept(Outbox(directory.path()), "kelvo", {{"a", "1"}, {"missing/b", "2"}});
             }),
             directory / ".0001/missing/b: cannot be written: No such file or directory\n");
@@ -97,7 +97,7 @@ TEST(Outbox, AFolderThatCannotBeWrittenLeavesNothing) {
 TEST(Outbox, AFileInTheOutboxsPlaceIsAnError) {
   const vestra_test::TemporaryDirectory directory;
   vestra_test::writeFile(directory / "file", "");
-  EXPECT_EQ(errorOf([&] { Outbox(directory / "file"); }),
+  EXPECT_EQ(errorFrom([&] { Outbox(directory / "file"); }),
             directory / "file: the outbox cannot be made: Not a directory\n");
 }
 
@@ -105,7 +105,7 @@ TEST(Outbox, AnOutboxThatHasGoneIsAnError) {
   const vestra_test::TemporaryDirectory directory;
   const Outbox outbox(directory / "outbox");
   boost::filesystem::remove(directory / "outbox");
-  EXPECT_EQ(errorOf([&] { kept(outbox, "kelvo", {}); }),
+  EXPECT_EQ(errorFrom([&] { kept(outbox, "kelvo", {}); }),
             directory / "outbox: the outbox cannot be written: No such file or directory\n");
 }
 

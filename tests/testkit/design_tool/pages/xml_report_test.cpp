@@ -13,7 +13,7 @@
 namespace vestra::design_tool {
 namespace {
 
-const Rule USAGE{"kelvo", "kelvo\\usage", "mapped\\usage", "html", HtmlStyle::Statistics};
+const Rule MAPPED_USAGE{"kelvo", "kelvo\\usage", "mapped\\usage", "html", HtmlStyle::Statistics};
 
 /// The document as another program reads it.
 pugi::xml_document parsed(const std::string& xml) {
@@ -30,7 +30,7 @@ Report reportWith(const std::vector<Item>& items) {
 }
 
 TEST(XmlReport, AnItemStandsInTheSectionThatItsRuleNames) {
-  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {USAGE}));
+  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {MAPPED_USAGE}));
   const pugi::xml_node section = document.child("usage_statistics").child("section");
   EXPECT_STREQ(section.attribute("client").value(), "kelvo");
   EXPECT_STREQ(section.attribute("context").value(), "kelvo\\usage");
@@ -47,14 +47,14 @@ TEST(XmlReport, ASectionWithoutARuleHasNoName) {
 }
 
 TEST(XmlReport, ARuleWithoutDataHasAnEmptySection) {
-  const auto document = parsed(renderXml(Report(), {USAGE}));
+  const auto document = parsed(renderXml(Report(), {MAPPED_USAGE}));
   EXPECT_TRUE(document.child("usage_statistics").child("section"));
   EXPECT_FALSE(document.child("usage_statistics").child("section").child("item"));
 }
 
 TEST(XmlReport, MarkupWhiteSpaceAndLineFeedsComeBackExactly) {
   const std::string text = " <a href=\"x\">&amp; 'q'</a>\t]]> \n\n end\n ";
-  const auto document = parsed(renderXml(reportWith({{0, text, text, 3}}), {USAGE}));
+  const auto document = parsed(renderXml(reportWith({{0, text, text, 3}}), {MAPPED_USAGE}));
   const pugi::xml_node item = document.child("usage_statistics").child("section").child("item");
   EXPECT_EQ(item.attribute("key").value(), text);
   EXPECT_EQ(item.child_value(), text);
@@ -63,7 +63,7 @@ TEST(XmlReport, MarkupWhiteSpaceAndLineFeedsComeBackExactly) {
 
 TEST(XmlReport, BytesThatXmlCannotHoldAreVisibleAndMarked) {
   const auto document =
-      parsed(renderXml(reportWith({{0, "k\x01", "a\\" + std::string("\0\xFF\r", 3), 3}}), {USAGE}));
+      parsed(renderXml(reportWith({{0, "k\x01", "a\\" + std::string("\0\xFF\r", 3), 3}}), {MAPPED_USAGE}));
   const pugi::xml_node item = document.child("usage_statistics").child("section").child("item");
   EXPECT_STREQ(item.attribute("key").value(), "k\\x01");
   EXPECT_STREQ(item.child_value(), "a\\\\\\x00\\xff\\x0d");

@@ -34,8 +34,8 @@ std::string warningsOf(const std::string& script, std::time_t readAs = NOON) {
   return text;
 }
 
-const std::string USAGE = "kelvo\\\\usage";
-const std::string TWO = addData("kelvo", "a", "1", USAGE) + addData("kelvo", "b", "2", USAGE);
+const std::string USAGE_CONTEXT = "kelvo\\\\usage";
+const std::string TWO = addData("kelvo", "a", "1", USAGE_CONTEXT) + addData("kelvo", "b", "2", USAGE_CONTEXT);
 const std::string TWO_DIGESTED = "kelvoa1kelvokelvo\\usageb2kelvokelvo\\usage";
 
 TEST(Checksum, AnUnchangedReportAgreesInTheHoursAroundItsTime) {
@@ -62,9 +62,9 @@ TEST(Checksum, AChangedReportIsToldTheNumberThatIsExpected) {
 }
 
 TEST(Checksum, AValueThatTheInterpreterChangesStillAgrees) {
-  EXPECT_EQ(
-      warningsOf(scriptWith(addData("kelvo", "a", "C:\\temp", USAGE), "kelvoaC:\\tempkelvokelvo\\usage")),
-      "");
+  EXPECT_EQ(warningsOf(scriptWith(addData("kelvo", "a", "C:\\temp", USAGE_CONTEXT),
+                                  "kelvoaC:\\tempkelvokelvo\\usage")),
+            "");
 }
 
 TEST(Checksum, AReportOfAnotherFormAgreesAsItIsRead) {
@@ -75,7 +75,8 @@ TEST(Checksum, AReportOfAnotherFormAgreesAsItIsRead) {
 }
 
 TEST(Checksum, BytesBehindANulAreNotDigested) {
-  EXPECT_EQ(warningsOf(scriptWith(addData("kelvo", "a", std::string("x\0y", 3), USAGE), "kelvoax")), "");
+  EXPECT_EQ(warningsOf(scriptWith(addData("kelvo", "a", std::string("x\0y", 3), USAGE_CONTEXT), "kelvoax")),
+            "");
 }
 
 /// A value that ends its own command and adds items.
@@ -91,10 +92,10 @@ std::string injection(const std::string& separator, int items) {
 TEST(Checksum, ItemsThatAValueAddsOnLinesOfTheirOwnAreFound) {
   for (const int items : {1, 3}) {
     const std::string value = injection("\n", items);
-    const std::string script =
-        scriptWith(addData("kelvo", "before", "1", USAGE) + addData("kelvo", "k", value, USAGE) +
-                       addData("kelvo", "behind", "1", USAGE),
-                   "kelvobefore1kelvokelvo\\usagek" + value + "kelvokelvo\\usagebehind1kelvokelvo\\usage");
+    const std::string script = scriptWith(
+        addData("kelvo", "before", "1", USAGE_CONTEXT) + addData("kelvo", "k", value, USAGE_CONTEXT) +
+            addData("kelvo", "behind", "1", USAGE_CONTEXT),
+        "kelvobefore1kelvokelvo\\usagek" + value + "kelvokelvo\\usagebehind1kelvokelvo\\usage");
     EXPECT_EQ(warningsOf(script),
               "4: the value of key \"k\" has added the next " + std::string(items == 1 ? "item" : "3 items") +
                   ": -clientid is the checksum of a report in which they are part of it\n");
@@ -103,7 +104,7 @@ TEST(Checksum, ItemsThatAValueAddsOnLinesOfTheirOwnAreFound) {
 
 TEST(Checksum, ItemsThatAValueAddsOnItsOwnLineAreFound) {
   const std::string value = injection("; ", 2);
-  EXPECT_EQ(warningsOf(scriptWith(TWO + addData("kelvo", "k", value, USAGE),
+  EXPECT_EQ(warningsOf(scriptWith(TWO + addData("kelvo", "k", value, USAGE_CONTEXT),
                                   TWO_DIGESTED + "k" + value + "kelvokelvo\\usage")),
             "5: the value of key \"k\" ends its command and adds 2 more\n");
 }
