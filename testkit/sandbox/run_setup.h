@@ -16,7 +16,7 @@ struct RunSetup {
   SupportAnswers answers;
   /// Those without a value are unset.
   std::map<std::string, std::optional<std::string>> environment;
-  std::chrono::milliseconds timeLimit = std::chrono::seconds(60);
+  std::chrono::milliseconds timeLimit = std::chrono::minutes(10);
   std::optional<std::time_t> now;
 };
 

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "reliability/sanitized.h"
 #include "support/farms/farm.h"
 #include "support/farms/report_check.h"
 #include "support/files.h"
@@ -23,7 +22,7 @@ using testing::MatchesRegex;
 
 int hostsOfAFarm() {
   const char* number = std::getenv("VESTRA_FARM_HOSTS");
-  return number != nullptr ? std::atoi(number) : SANITIZED ? 20 : 50;
+  return number != nullptr ? std::atoi(number) : 20;
 }
 
 struct Products {

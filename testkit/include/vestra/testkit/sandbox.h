@@ -92,7 +92,8 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   /// Sets, or without a value unsets, an environment variable of the runs that
   /// follow. HOME is `home()` unless it is set here.
   void setEnvironment(const std::string& name, const std::optional<std::string>& value);
-  /// How long a run may take, reading what it left included; 60 seconds unless set.
+  /// How long a run may take, reading what it left included, by the clock; 10 minutes unless
+  /// set, which no busy machine needs.
   void setTimeLimit(std::chrono::milliseconds limit);
 
   // With these and fixed answers, two runs leave the same bytes, but for the path of the
