@@ -7,6 +7,8 @@
 #include <vestra/testkit/sandbox.h>
 
 #include "support/child_process.h"
+#include "support/scoped_env.h"
+#include "support/temporary_directory.h"
 
 namespace {
 
@@ -26,6 +28,8 @@ TEST(ATestsProcess, MakesRunsAsLongAsItIsFresh) {
 }
 
 TEST(ATestsProcess, MustNotCallVestraItself) {
+  const vestra_test::TemporaryDirectory home;
+  const vestra_test::ScopedEnv homeVariable("HOME", home.path());
   const auto complaint = HasSubstr("Vestra was called in the process that owns the sandbox");
   EXPECT_THAT(inChildProcess([] {
                 Vestra::add("runs", "1", Vestra::KELVO_USAGE);

@@ -3,6 +3,7 @@
 
 #include "support/files.h"
 #include "support/process.h"
+#include "support/scoped_env.h"
 #include "support/temporary_directory.h"
 #include "testkit/design_tool/golden.h"
 
@@ -52,6 +53,7 @@ class Browser : public testing::TestWithParam<std::string> {
     words.push_back("--user-data-dir=" + (directory / "profile"));
     words.insert(words.end(), what.begin(), what.end());
     words.push_back("file://" + page);
+    const vestra_test::ScopedEnv home("HOME", directory / "home");
     return vestra_test::run(words);
   }
 
