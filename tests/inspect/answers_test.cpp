@@ -16,8 +16,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr std::int64_t NOW = 1795290000;
-
 Words at(std::int64_t now, Words words = {}) {
   words.push_back("--now");
   words.push_back(std::to_string(now));

@@ -12,7 +12,6 @@
 namespace vestra_test {
 namespace {
 
-constexpr std::int64_t NOW = 1795290000;
 constexpr std::int64_t DAY = 86400;
 
 class Foretold : public testing::Test {

@@ -15,16 +15,14 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr const char* NAME = "libqvzcommonvestrasupport.so";
-
 /// A directory ahead of the stand-in's on the loader's path.
 class SupportLibrary : public testing::Test {
  protected:
   SupportLibrary() { place.setVariable("LD_LIBRARY_PATH", ahead() + ":" + place.support()); }
 
   std::string ahead() const { return place / "ahead"; }
-  std::string first() const { return ahead() + "/" + NAME; }
-  std::string kit() const { return place.support() + "/" + NAME; }
+  std::string first() const { return ahead() + "/" + LIBRARY_NAME; }
+  std::string kit() const { return place.support() + "/" + LIBRARY_NAME; }
   Json document(const Words& words = {"doctor"}) const { return place.document(words); }
 
   void expectHidden() const {
@@ -91,7 +89,7 @@ TEST_F(SupportLibrary, IsHiddenByACutLibrary) {
 }
 
 TEST_F(SupportLibrary, IsTakenFromTheDirectoryForTheProcessor) {
-  const std::string better = ahead() + "/glibc-hwcaps/x86-64-v2/" + NAME;
+  const std::string better = ahead() + "/glibc-hwcaps/x86-64-v2/" + LIBRARY_NAME;
   place.write(first(), "");
   place.write(better, readFile(kit()));
   EXPECT_EQ(document()["support"]["chosen"], better);
@@ -133,7 +131,8 @@ TEST_F(SupportLibrary, IsFoundByTheOldTagOfAHostAndNotByTheNewOne) {
     std::vector<std::string> environment = place.environment();
     environment.emplace_back("LD_DEBUG=libs");
     const Outcome loader = run({host, place.project(), "KELVO"}, environment, place.project());
-    EXPECT_EQ(testing::Value(loader.err, testing::ContainsRegex(std::string("calling init: [^\n]*") + NAME)),
+    EXPECT_EQ(testing::Value(loader.err,
+                             testing::ContainsRegex(std::string("calling init: [^\n]*") + LIBRARY_NAME)),
               isFound);
   }
 }

@@ -15,6 +15,11 @@ namespace vestra_test {
 using Json = nlohmann::ordered_json;
 using Words = std::vector<std::string>;
 
+/// A moment that tests take for now, in seconds since the epoch.
+inline constexpr std::int64_t NOW = 1795290000;
+/// The support library's file.
+inline constexpr const char* LIBRARY_NAME = "libqvzcommonvestrasupport.so";
+
 /// A home and a project of an ordinary user, and copies of the programs where that user may
 /// run them: root's tests run them as user 65534, whom permission bits stop.
 class Place {

@@ -13,8 +13,6 @@
 namespace vestra_test {
 namespace {
 
-constexpr const char* NAME = "libqvzcommonvestrasupport.so";
-
 void nothing(Place&) {}
 
 /// A report of each product that was not due, so that it lies there.
@@ -42,7 +40,7 @@ std::function<void(Place&)> script(const std::function<std::string(std::string)>
 /// What lies ahead of the support library on the loader's path.
 std::function<void(Place&)> ahead(const std::function<void(Place&, const std::string&)>& make) {
   return [=](Place& place) {
-    make(place, place.elsewhere() + "/" + NAME);
+    make(place, place.elsewhere() + "/" + LIBRARY_NAME);
     place.setVariable("LD_LIBRARY_PATH", place.elsewhere() + ":" + place.support());
   };
 }
@@ -122,7 +120,7 @@ std::vector<Scenario> surroundings() {
        {}},
       {"SupportLibraryCut",
        ahead([](Place& place, const std::string& path) {
-         place.write(path, readFile(place.support() + "/" + NAME).substr(0, 1000));
+         place.write(path, readFile(place.support() + "/" + LIBRARY_NAME).substr(0, 1000));
        }),
        {}},
       {"SupportLibraryDirectory", ahead([](Place&, const std::string& path) { makeDirectory(path); }), {}},
