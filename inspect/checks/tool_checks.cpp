@@ -51,7 +51,7 @@ void checkCopies(const Facts& facts, const char* product, Findings& findings) {
   } else if (script == nullptr) {
     findings.add("tool.failed", fmt::format("{}: a report was handed over {}, and its XML is {}", product,
                                             timeText(last), xml == nullptr ? "missing" : "older"));
-  } else if (script->file.modified <= last) {
+  } else if (!script->file.isYoungerThan(last)) {
     findings.add("report.kept",
                  fmt::format("{} is as old as line 1 of the identity file", script->file.path));
   }

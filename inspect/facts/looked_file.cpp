@@ -46,6 +46,7 @@ void note(const struct stat& status, LookedFile& file) {
   file.owner = status.st_uid;
   file.size = status.st_size;
   file.modified = status.st_mtim.tv_sec;
+  file.modifiedNanoseconds = status.st_mtim.tv_nsec;
   file.writable = may(file.path, W_OK);
 }
 
@@ -96,6 +97,12 @@ bool stickinessForbids(const std::string& path, const struct stat& file) {
 }
 
 }  // namespace
+
+// A file's time may be a tick ahead of the clock that tells a process the second.
+bool LookedFile::isYoungerThan(std::int64_t moment) const {
+  constexpr std::int64_t TICK = 10000000;
+  return modified > moment + 1 || (modified == moment + 1 && modifiedNanoseconds >= TICK);
+}
 
 LookedFile lookAt(const std::string& path) {
   LookedFile file;

@@ -24,6 +24,8 @@ struct LookedFile {
   std::int64_t size = 0;
   /// Seconds since the epoch.
   std::int64_t modified = 0;
+  /// What of that second had passed.
+  std::int64_t modifiedNanoseconds = 0;
   /// Whether the effective user may write there.
   bool writable = false;
   /// Its bytes, where they were asked for and could be read.
@@ -33,6 +35,9 @@ struct LookedFile {
 
   bool exists() const { return kind != FileKind::missing && kind != FileKind::unknown; }
   bool isRegular() const { return kind == FileKind::regular; }
+  /// Whether it was written after a moment that a host took from its clock, in seconds since
+  /// the epoch.
+  bool isYoungerThan(std::int64_t moment) const;
 };
 
 /// Looks without opening anything.

@@ -180,7 +180,7 @@ std::string scriptProof(const Facts& facts, const ReportFile& file) {
   if (report == nullptr) {
     return "cannot be read";
   }
-  const bool isNewer = file.file.modified > facts.project.identity.lastSendTimeDefault;
+  const bool isNewer = file.file.isYoungerThan(facts.project.identity.lastSendTimeDefault);
   return fmt::format(
       "report number {}; {}", reading::forTerminal(report->projectFact("project_iteration")),
       isNewer ? "was not due" : "kept, or the run did not end: whether it went cannot be told");

@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <ctime>
 
@@ -57,6 +60,19 @@ TEST_F(Troubleshooting, AScriptAsOldAsTheReportWasKept) {
   place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1");
   place.runHost();
   EXPECT_THAT(found(), Contains("report.kept"));
+}
+
+TEST_F(Troubleshooting, AScriptATickAheadOfTheReportsSecondWasKept) {
+  place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1");
+  place.runHost();
+  place.writeIdentity(NOW);
+  const std::string script = place.inVestra("kelvo_vestra.tcl");
+  for (const long nanoseconds : {4000000L, 20000000L}) {
+    const struct timespec written { NOW + 1, nanoseconds };
+    const struct timespec times[] = {written, written};
+    ASSERT_EQ(utimensat(AT_FDCWD, script.c_str(), times, 0), 0);
+    EXPECT_EQ(testing::Value(found(), Contains("report.kept")), nanoseconds < 10000000) << nanoseconds;
+  }
 }
 
 TEST_F(Troubleshooting, NoXmlMeansThatTheToolFailed) {
