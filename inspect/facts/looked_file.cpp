@@ -98,10 +98,11 @@ bool stickinessForbids(const std::string& path, const struct stat& file) {
 
 }  // namespace
 
-// A file's time may be a tick ahead of the clock that tells a process the second.
+// A file's time may be a tick ahead of the clock that tells a process the second. A stored
+// second may be the greatest that there is.
 bool LookedFile::isYoungerThan(std::int64_t moment) const {
   constexpr std::int64_t TICK = 10000000;
-  return modified > moment + 1 || (modified == moment + 1 && modifiedNanoseconds >= TICK);
+  return modified - 1 > moment || (modified - 1 == moment && modifiedNanoseconds >= TICK);
 }
 
 LookedFile lookAt(const std::string& path) {
