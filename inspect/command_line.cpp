@@ -84,7 +84,7 @@ std::string documentOf(const std::string& complaint, int count, const char* cons
                        const std::string& command) {
   const bool isWanted =
       std::any_of(words, words + count, [](const char* word) { return std::strcmp(word, "--json") == 0; });
-  return isWanted ? failureDocument(command, complaint, Redaction()).dump(2) + "\n" : "";
+  return isWanted ? failureDocument(command, complaint, Redaction()) : "";
 }
 
 }  // namespace

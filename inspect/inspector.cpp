@@ -99,7 +99,7 @@ Answer accountOf(const Request& request, const View& view, bool onTerminal) {
   Answer result{statusFor(request, facts, findings), "",
                 hidden.empty() ? "" : "vestra-inspect: " + redaction(hidden) + "\n"};
   if (request.asJson) {
-    result.output = statusDocument(facts, findings, request.command, redaction).dump(2) + "\n";
+    result.output = statusDocument(facts, findings, request.command, redaction);
     return result;
   }
   Page page(wantsColours(request, view, onTerminal), redaction);
@@ -141,7 +141,7 @@ Answer reportsFor(const Request& request, const View& view, bool onTerminal) {
   const std::string verdict = facts.reports.empty() ? none : verdictOf(facts.reports.front());
   const Redaction redaction = request.isRedacted ? Redaction(facts) : Redaction();
   if (request.asJson) {
-    return {0, reportsDocument(facts, verdict, redaction).dump(2) + "\n", ""};
+    return {0, reportsDocument(facts, verdict, redaction), ""};
   }
   Page page(wantsColours(request, view, onTerminal), redaction);
   for (const ReportFacts& report : facts.reports) {
@@ -167,7 +167,7 @@ Answer failureOf(const Request& request, int status, const std::string& reason) 
   View view;
   view.environment = ownEnvironment();
   const Redaction redaction = request.isRedacted ? Redaction(lookAtPerson(view)) : Redaction();
-  return {status, request.asJson ? failureDocument(request.command, reason, redaction).dump(2) + "\n" : "",
+  return {status, request.asJson ? failureDocument(request.command, reason, redaction) : "",
           fmt::format("vestra-inspect: {}\n", reading::forTerminal(redaction(reason)))};
 }
 

@@ -164,7 +164,7 @@ Answer tell(const Request& request, const View& view, const std::string& directo
   boost::filesystem::remove_all(directory + (rehearsal.reports.empty() ? "" : PRIVATE_DIRECTORY), error);
   const Redaction redaction = request.isRedacted ? Redaction(rehearsal.facts) : Redaction();
   if (request.asJson) {
-    return {rehearsal.status, rehearsalDocument(rehearsal, redaction).dump(2) + "\n", ""};
+    return {rehearsal.status, rehearsalDocument(rehearsal, redaction), ""};
   }
   Page page(false, redaction);
   writeRehearsal(rehearsal, page);

@@ -46,7 +46,7 @@ Rehearsed readRehearsed(const std::string& folder, const View& view) {
 /// For programs: beside the script.
 void keepDocument(const Rehearsed& each) {
   if (each.report) {
-    std::ofstream(each.folder + "/report.json") << reportDocument(*each.report, Redaction()).dump(2) << "\n";
+    std::ofstream(each.folder + "/report.json") << reportDocument(*each.report, Redaction());
   }
 }
 

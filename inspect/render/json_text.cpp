@@ -5,6 +5,8 @@
 #include <array>
 #include <ctime>
 
+#include <nlohmann/json.hpp>
+
 #include "handler/command_line.h"
 #include "handler/product_profile.h"
 #include "handler/site_detection.h"
@@ -13,6 +15,8 @@
 
 namespace vestra::inspect {
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 Json timeOf(std::int64_t seconds) {
   const auto time = static_cast<std::time_t>(seconds);
@@ -243,27 +247,30 @@ struct Writer {
   }
 };
 
+std::string textOf(const Json& document) { return document.dump(2) + "\n"; }
+
 }  // namespace
 
-Json statusDocument(const Facts& facts, const Findings& findings, const std::string& command,
-                    const Redaction& redaction) {
-  return Writer{redaction}.status(facts, findings, command);
+std::string statusDocument(const Facts& facts, const Findings& findings, const std::string& command,
+                           const Redaction& redaction) {
+  return textOf(Writer{redaction}.status(facts, findings, command));
 }
 
-Json reportsDocument(const Facts& facts, const std::string& verdict, const Redaction& redaction) {
-  return Writer{redaction}.reports(facts, verdict);
+std::string reportsDocument(const Facts& facts, const std::string& verdict, const Redaction& redaction) {
+  return textOf(Writer{redaction}.reports(facts, verdict));
 }
 
-Json reportDocument(const ReportFacts& report, const Redaction& redaction) {
-  return Writer{redaction}.report(report);
+std::string reportDocument(const ReportFacts& report, const Redaction& redaction) {
+  return textOf(Writer{redaction}.report(report));
 }
 
-Json rehearsalDocument(const Rehearsal& rehearsal, const Redaction& redaction) {
-  return Writer{redaction}.rehearsal(rehearsal);
+std::string rehearsalDocument(const Rehearsal& rehearsal, const Redaction& redaction) {
+  return textOf(Writer{redaction}.rehearsal(rehearsal));
 }
 
-Json failureDocument(const std::string& command, const std::string& reason, const Redaction& redaction) {
-  return Writer{redaction}.failure(command, reason);
+std::string failureDocument(const std::string& command, const std::string& reason,
+                            const Redaction& redaction) {
+  return textOf(Writer{redaction}.failure(command, reason));
 }
 
 }  // namespace vestra::inspect
