@@ -152,7 +152,8 @@ class Finder:
     def integer(self, cursor, text):
         match = re.fullmatch(r"(0[xX][0-9a-fA-F]+|[0-9]+)([uUlL]*)", text)
         if match:
-            value = int(match.group(1), 0)
+            digits = match.group(1)
+            value = int(digits, 8 if re.fullmatch("0[0-7]+", digits) else 0)
             self.replace(cursor, f"{value + 1}{match.group(2)}", "boundary")
             if value > 0:
                 self.replace(cursor, f"{value - 1}{match.group(2)}", "boundary")
