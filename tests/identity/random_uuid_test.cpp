@@ -2,51 +2,29 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <cstddef>
-#include <cstdint>
 #include <set>
-#include <stdexcept>
 #include <string>
 
 #include "support/child_process.h"
+#include "support/failing_system_call.h"
+#include "support/files.h"
 #include "support/scoped_locale.h"
+#include "support/temporary_directory.h"
+#include "support/time_limit.h"
 #include "support/uuid_form.h"
 
 namespace Oza {
 namespace {
 
+using vestra_test::failSystemCall;
 using vestra_test::isRandomUuid;
 
-constexpr std::uint32_t NO_CALL = 0xFFFFFFFF;
-
-/// Lets the kernel answer this process like one that is older than getrandom, and without
-/// a file to be read on request. Not by a lack of descriptors, which the sanitizers need.
-void takeAwayGetrandom(bool andFiles = false) {
-  std::array<sock_filter, 8> lines = {{
-      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_getrandom, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, andFiles ? SYS_openat : NO_CALL, 0, 3),
-      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, O_RDONLY | O_CLOEXEC, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOENT),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-  }};
-  const sock_fprog filter = {lines.size(), lines.data()};
-  if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-      prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0 ||
-      syscall(SYS_getrandom, nullptr, 0, 0) != -1 || errno != ENOSYS) {
-    throw std::runtime_error("getrandom cannot be taken away");
-  }
-}
+/// Lets the kernel answer this process like one that is older than getrandom.
+void takeAwayGetrandom() { failSystemCall(SYS_getrandom, ENOSYS); }
 
 TEST(RandomUuid, RandomUuidIsAVersion4IdentifierInCanonicalForm) {
   for (int i = 0; i < 1000; ++i) {
@@ -83,7 +61,23 @@ TEST(RandomUuid, RandomUuidIsDrawnFromTheDeviceWhereTheKernelLacksTheCall) {
 
 TEST(RandomUuid, RandomUuidIsNotMadeUpWithoutASourceOfRandomness) {
   const std::string outcome = vestra_test::inChildProcess([] {
-    takeAwayGetrandom(true);
+    takeAwayGetrandom();
+    // Files to be read. A lack of descriptors would do, but the sanitizers need some.
+    failSystemCall(SYS_openat, ENOENT, O_RDONLY | O_CLOEXEC);
+    return randomUuid();
+  });
+  EXPECT_EQ(outcome, "exception: getrandom");
+}
+
+TEST(RandomUuid, RandomUuidIsNotDrawnFromAnEmptyFileInTheDevicesPlace) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can take another root directory";
+  }
+  const vestra_test::TemporaryDirectory root;
+  vestra_test::writeFile(root / "dev/urandom", "");
+  const std::string outcome = vestra_test::inRootDirectory(root.path(), [] {
+    const vestra_test::TimeLimit limit;
+    takeAwayGetrandom();
     return randomUuid();
   });
   EXPECT_EQ(outcome, "exception: getrandom");
