@@ -5,14 +5,18 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/failing_system_call.h"
 #include "support/files.h"
 #include "support/special_files.h"
 #include "support/temporary_directory.h"
@@ -22,6 +26,8 @@ namespace Oza {
 namespace {
 
 using vestra_test::asOrdinaryUser;
+using vestra_test::failSystemCall;
+using vestra_test::inChildProcess;
 using vestra_test::makeLink;
 using vestra_test::makeNamedPipe;
 using vestra_test::namesIn;
@@ -63,9 +69,25 @@ std::string listOf(const std::string& path) {
   return size < 0 ? "none" : list.substr(0, static_cast<std::size_t>(size));
 }
 
+void makeOlder(const std::string& path, std::time_t seconds) {
+  const timespec then{std::time(nullptr) - seconds, 0};
+  const timespec both[] = {then, then};
+  EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), both, 0), 0) << path;
+}
+
 class ReplacedFile : public testing::Test {
  protected:
   std::string file() const { return directory / "file"; }
+
+  /// Gives the file the text "new" in a process in which one system call fails.
+  void replaceWhereFails(long systemCall, int error) const {
+    const std::string outcome = inChildProcess([&] {
+      failSystemCall(systemCall, error);
+      replaceFile(file(), "new");
+      return "";
+    });
+    EXPECT_EQ(outcome, "");
+  }
 
   vestra_test::TemporaryDirectory directory;
   vestra_test::TimeLimit limit;
@@ -211,6 +233,43 @@ TEST_F(ReplacedFile, NeighbourThatALiveProcessWritesStays) {
   replaceFile(file(), "text");
   EXPECT_EQ(readFile(directory / ".vestra-1-2.new"), "half a te");
   close(writer);
+}
+
+TEST_F(ReplacedFile, LinkOfANeighboursNameStays) {
+  writeFile(directory / "target", "");
+  makeLink(directory / ".vestra-1-2.new", directory / "target");
+  replaceFile(file(), "text");
+  EXPECT_EQ(namesIn(directory.path()), (std::vector<std::string>{".vestra-1-2.new", "file", "target"}));
+}
+
+// As on a file server.
+TEST_F(ReplacedFile, WithoutLocksOnlyANeighbourOfMoreThanAnHourIsRemoved) {
+  writeFile(directory / ".vestra-old.new", "half a te");
+  writeFile(directory / ".vestra-young.new", "half a te");
+  makeOlder(directory / ".vestra-old.new", 3700);
+  makeOlder(directory / ".vestra-young.new", 3500);
+  replaceWhereFails(SYS_fstatfs, ENOSYS);
+  EXPECT_EQ(readFile(file()), "new");
+  EXPECT_EQ(namesIn(directory.path()), (std::vector<std::string>{".vestra-young.new", "file"}));
+}
+
+TEST_F(ReplacedFile, FileWhoseNeighbourIsLostEachTimeIsWrittenInPlace) {
+  writeFile(file(), "old text");
+  const struct stat before = statusOfFile(file());
+  replaceWhereFails(SYS_rename, ENOENT);
+  EXPECT_EQ(readFile(file()), "new");
+  EXPECT_EQ(statusOfFile(file()).st_ino, before.st_ino);
+  EXPECT_EQ(namesIn(directory.path()), std::vector<std::string>{"file"});
+}
+
+TEST_F(ReplacedFile, FileWhosePermissionsCannotBeGivenOnIsWrittenInPlace) {
+  writeFile(file(), "old text");
+  chmod(file().c_str(), 0751);
+  const struct stat before = statusOfFile(file());
+  replaceWhereFails(SYS_fchmod, EPERM);
+  EXPECT_EQ(readFile(file()), "new");
+  EXPECT_EQ(statusOfFile(file()).st_ino, before.st_ino);
+  EXPECT_EQ(statusOfFile(file()).st_mode, before.st_mode);
 }
 
 TEST_F(ReplacedFile, FilesOfOtherNamesStay) {

@@ -2,6 +2,7 @@
 
 #include <sys/syscall.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -11,6 +12,7 @@
 #include "reliability/sanitized.h"
 #include "reliability/system_calls.h"
 #include "reliability/watched_host.h"
+#include "support/files.h"
 
 namespace vestra_test {
 namespace {
@@ -127,6 +129,36 @@ TEST_P(FailingCall, EachFailureLeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   std::cout << " ), which left " << stateCount() << " states of the files\n";
   EXPECT_GT(tried, triesAllErrors() ? 300 : 50);
 }
+
+class DamagedIdentity : public WatchedHost {
+ protected:
+  HostEnd runOnDamage(const Disturbance& disturbance) {
+    workplace.reset();
+    writeFile(workplace.identityFile(), "no number\n");
+    return runHost(workplace.start(), disturbance);
+  }
+};
+
+// Read again, since another host may be writing it. What stays damaged is deleted.
+TEST_P(DamagedIdentity, IdentityStaysWhereItCannotBeReadAgain) {
+  const std::vector<SystemCall> calls = runOnDamage({Disturbance::WATCH}).calls;
+  EXPECT_FALSE(contentOf(workplace.identityFile()));
+  int reads = 0;
+  for (std::size_t number = 0; number < calls.size(); ++number) {
+    if (calls[number].number == SYS_pread64 && calls[number].subject == workplace.identityFile()) {
+      SCOPED_TRACE(number);
+      EXPECT_EQ(runOnDamage({Disturbance::FAIL, number, EIO}).outcome, "answer false");
+      EXPECT_EQ(contentOf(workplace.identityFile()), "no number\n");
+      ++reads;
+    }
+  }
+  EXPECT_EQ(reads, 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(KnownProject, DamagedIdentity,
+                         testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT,
+                                                   Situation::KNOWN_HOME}),
+                         situationName);
 
 INSTANTIATE_TEST_SUITE_P(EachSituation, FailingCall, testing::ValuesIn(allSituations()), situationName);
 
