@@ -4,14 +4,17 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +28,7 @@ namespace {
 
 using Oza::Vestra;
 using testing::AnyOf;
+using testing::Contains;
 using testing::MatchesRegex;
 
 class TwoHosts : public WatchedHost {
@@ -77,6 +81,10 @@ std::vector<std::size_t> callsAbout(const std::vector<SystemCall>& calls, const 
     }
   }
   return places;
+}
+
+bool isPause(const SystemCall& call) {
+  return call.number == SYS_clock_nanosleep || call.number == SYS_nanosleep;
 }
 
 /// Where a host takes the lock under which it counts, and where it gives it back.
@@ -133,6 +141,23 @@ TEST_P(TwoHosts, NeitherWritesIntoTheOthersReport) {
   }
 }
 
+// As long as it is locked. Otherwise the second host would take it for a killed one's.
+TEST_P(TwoHosts, FileThatIsBeingWrittenIsNotTakenForALeftover) {
+  const std::vector<SystemCall> calls = callsOfARun();
+  int writes = 0;
+  for (std::size_t place = 0; place < calls.size(); ++place) {
+    if (calls[place].number != SYS_pwrite64 || calls[place].subject.find("/.vestra-") == std::string::npos) {
+      continue;
+    }
+    SCOPED_TRACE(calls[place]);
+    std::vector<std::string> names;
+    meetBefore(place, [&] { names = namesIn(workplace.inVestraDirectory("")); });
+    EXPECT_THAT(names, Contains(MatchesRegex("\\.vestra-.*\\.new")));
+    ++writes;
+  }
+  EXPECT_EQ(writes, 2);
+}
+
 // The pauses are of 0.25, 0.5, 1, 2 and then 4 ms.
 TEST_P(TwoHosts, LockHolderIsWaitedForUpToAQuarterOfASecondInAll) {
   constexpr int MOST_PAUSES = 4 + 62;
@@ -143,9 +168,7 @@ TEST_P(TwoHosts, LockHolderIsWaitedForUpToAQuarterOfASecondInAll) {
   const HostEnd end = runHost(start(), {Disturbance::WATCH});
   close(holder);
   EXPECT_EQ(end.outcome, "answer true");
-  const auto pauses = std::count_if(end.calls.begin(), end.calls.end(), [](const SystemCall& call) {
-    return call.number == SYS_clock_nanosleep || call.number == SYS_nanosleep;
-  });
+  const auto pauses = std::count_if(end.calls.begin(), end.calls.end(), isPause);
   EXPECT_GE(pauses, 1);
   EXPECT_LE(pauses, MOST_PAUSES);
 }
@@ -155,6 +178,63 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Situation{Vestra::KELVO, Situation::NEW_PROJECT, Situation::KNOWN_HOME},
                     Situation{Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
                     Situation{Vestra::TAVLO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME}),
+    situationName);
+
+/// The second host of a new project: the first one has made the identity file, and has yet
+/// to write its record.
+class SecondHost : public TwoHosts {
+ protected:
+  HostEnd report(const Disturbance& disturbance) {
+    workplace.reset();
+    HostStart host = start();
+    host.atBeginning = [this](pid_t) {
+      writeFile(workplace.identityFile(), "");
+      giveTimeUntilItIsOld();
+    };
+    return runHost(host, disturbance);
+  }
+
+  /// Lets the first host write its record in the second one's first pause. Not all machines
+  /// let a host come to it while the file is young.
+  /// @return How the second one ended; nothing where it made no pause.
+  std::optional<std::string> writeInThePause(const std::string& record) {
+    const std::vector<SystemCall> calls = report({Disturbance::WATCH}).calls;
+    const auto pause = std::find_if(calls.begin(), calls.end(), isPause);
+    if (pause == calls.end()) {
+      return std::nullopt;
+    }
+    const auto place = static_cast<std::size_t>(pause - calls.begin());
+    const HostEnd end =
+        report({Disturbance::MEDDLE, place, 0, [&] { writeFile(workplace.identityFile(), record); }});
+    return isPause(end.calls.back()) ? std::optional(end.outcome) : std::nullopt;
+  }
+
+ private:
+  void giveTimeUntilItIsOld() const {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    const long nanoseconds = now.tv_nsec + 240'000'000;
+    const timespec ahead{now.tv_sec + nanoseconds / 1'000'000'000, nanoseconds % 1'000'000'000};
+    const timespec both[] = {ahead, ahead};
+    EXPECT_EQ(utimensat(AT_FDCWD, workplace.identityFile().c_str(), both, 0), 0);
+  }
+};
+
+TEST_P(SecondHost, TakesTheFirstOnesIdentifierAndSendsNothing) {
+  const std::string now = std::to_string(std::time(nullptr));
+  std::optional<std::string> outcome;
+  for (int round = 0; !outcome && round < 20; ++round) {
+    outcome = writeInThePause(now + "\n0\n2\n0\n" + KNOWN_PROJECT_ID + "\n");
+  }
+  EXPECT_EQ(outcome, "answer false");
+  EXPECT_EQ(identity(), now + "\n0\n3\n0\n" + KNOWN_PROJECT_ID + "\n");
+  EXPECT_EQ(noteOfTheTool(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    NewProjects, SecondHost,
+    testing::Values(Situation{Vestra::KELVO, Situation::NEW_PROJECT, Situation::KNOWN_HOME},
+                    Situation{Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
     situationName);
 
 }  // namespace
