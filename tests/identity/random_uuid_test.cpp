@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <set>
+#include <stdexcept>
 #include <string>
 
 #include "support/child_process.h"
@@ -24,7 +25,12 @@ using vestra_test::failSystemCall;
 using vestra_test::isRandomUuid;
 
 /// Lets the kernel answer this process like one that is older than getrandom.
-void takeAwayGetrandom() { failSystemCall(SYS_getrandom, ENOSYS); }
+void takeAwayGetrandom() {
+  failSystemCall(SYS_getrandom, ENOSYS);
+  if (syscall(SYS_getrandom, nullptr, 0, 0) != -1 || errno != ENOSYS) {
+    throw std::runtime_error("getrandom cannot be taken away");
+  }
+}
 
 TEST(RandomUuid, RandomUuidIsAVersion4IdentifierInCanonicalForm) {
   for (int i = 0; i < 1000; ++i) {
