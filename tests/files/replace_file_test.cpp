@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -26,6 +26,7 @@ namespace Oza {
 namespace {
 
 using vestra_test::asOrdinaryUser;
+using vestra_test::dateFile;
 using vestra_test::failSystemCall;
 using vestra_test::inChildProcess;
 using vestra_test::makeLink;
@@ -67,12 +68,6 @@ std::string listOf(const std::string& path) {
   std::string list(256, '\0');
   const ssize_t size = getxattr(path.c_str(), ACCESS_LIST, list.data(), list.size());
   return size < 0 ? "none" : list.substr(0, static_cast<std::size_t>(size));
-}
-
-void makeOlder(const std::string& path, std::time_t seconds) {
-  const timespec then{std::time(nullptr) - seconds, 0};
-  const timespec both[] = {then, then};
-  EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), both, 0), 0) << path;
 }
 
 class ReplacedFile : public testing::Test {
@@ -246,8 +241,9 @@ TEST_F(ReplacedFile, LinkOfANeighboursNameStays) {
 TEST_F(ReplacedFile, WithoutLocksOnlyANeighbourOfMoreThanAnHourIsRemoved) {
   writeFile(directory / ".vestra-old.new", "half a te");
   writeFile(directory / ".vestra-young.new", "half a te");
-  makeOlder(directory / ".vestra-old.new", 3700);
-  makeOlder(directory / ".vestra-young.new", 3500);
+  const auto now = std::chrono::system_clock::now();
+  dateFile(directory / ".vestra-old.new", now - std::chrono::seconds(3700));
+  dateFile(directory / ".vestra-young.new", now - std::chrono::seconds(3500));
   replaceWhereFails(SYS_fstatfs, ENOSYS);
   EXPECT_EQ(readFile(file()), "new");
   EXPECT_EQ(namesIn(directory.path()), (std::vector<std::string>{".vestra-young.new", "file"}));

@@ -1,11 +1,8 @@
 #include "identity/vestra_project_info.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <chrono>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -19,19 +16,12 @@
 namespace Oza {
 namespace {
 
+using std::chrono::system_clock;
+using vestra_test::dateFile;
 using vestra_test::isRandomUuid;
 using vestra_test::namesIn;
 using vestra_test::readFile;
 using vestra_test::ScopedTime;
-
-/// Sets when a file was written, from now on.
-void date(const std::string& path, std::chrono::nanoseconds fromNow) {
-  const auto written = std::chrono::system_clock::now().time_since_epoch() + fromNow;
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(written);
-  const struct timespec time = {seconds.count(), (written - seconds).count()};
-  const struct timespec times[] = {time, time};
-  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-}
 
 class ProjectInfo : public vestra_test::ProjectFixture {
  protected:
@@ -109,14 +99,14 @@ TEST_F(ProjectInfo, RecordOfAnEmptyFileHasNoIdentifier) {
 
 TEST_F(ProjectInfo, EmptyFileThatIsDatedInTheFutureCountsAsAnOlderRuns) {
   writeIdentity("");
-  date(file(), std::chrono::hours(24));
+  dateFile(file(), system_clock::now() + std::chrono::hours(24));
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getProjectId(), "");
 }
 
 TEST_F(ProjectInfo, EmptyFileThatStaysYoungForLongerThanTheBoundHasNoIdentifier) {
   writeIdentity("");
-  date(file(), std::chrono::milliseconds(240));
+  dateFile(file(), system_clock::now() + std::chrono::milliseconds(240));
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_EQ(record.getProjectId(), "");
 }

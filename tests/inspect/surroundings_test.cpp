@@ -1,7 +1,5 @@
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 
 #include <gmock/gmock.h>
@@ -68,9 +66,8 @@ TEST_F(Troubleshooting, AScriptATickAheadOfTheReportsSecondWasKept) {
   place.writeIdentity(NOW);
   const std::string script = place.inVestra("kelvo_vestra.tcl");
   for (const long nanoseconds : {4000000L, 20000000L}) {
-    const struct timespec written { NOW + 1, nanoseconds };
-    const struct timespec times[] = {written, written};
-    ASSERT_EQ(utimensat(AT_FDCWD, script.c_str(), times, 0), 0);
+    const auto written = std::chrono::seconds(NOW + 1) + std::chrono::nanoseconds(nanoseconds);
+    dateFile(script, std::chrono::system_clock::time_point(written));
     EXPECT_EQ(testing::Value(found(), Contains("report.kept")), nanoseconds < 10000000) << nanoseconds;
   }
 }

@@ -130,6 +130,8 @@ TEST_P(FailingCall, EachFailureLeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   EXPECT_GT(tried, triesAllErrors() ? 300 : 50);
 }
 
+INSTANTIATE_TEST_SUITE_P(EachSituation, FailingCall, testing::ValuesIn(allSituations()), situationName);
+
 class DamagedIdentity : public WatchedHost {
  protected:
   HostEnd runOnDamage(const Disturbance& disturbance) {
@@ -159,8 +161,6 @@ INSTANTIATE_TEST_SUITE_P(KnownProject, DamagedIdentity,
                          testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT,
                                                    Situation::KNOWN_HOME}),
                          situationName);
-
-INSTANTIATE_TEST_SUITE_P(EachSituation, FailingCall, testing::ValuesIn(allSituations()), situationName);
 
 }  // namespace
 }  // namespace vestra_test

@@ -1,10 +1,16 @@
 #include "support/files.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <locale>
 #include <stdexcept>
+#include <system_error>
 
 #include <boost/filesystem.hpp>
 
@@ -39,6 +45,16 @@ void writeFile(const std::string& path, const std::string& bytes) {
   out << bytes;
   if (!out.flush()) {
     throw std::runtime_error("cannot write " + path);
+  }
+}
+
+void dateFile(const std::string& path, std::chrono::system_clock::time_point time) {
+  const auto sinceEpoch = time.time_since_epoch();
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
+  const timespec moment{seconds.count(), std::chrono::nanoseconds(sinceEpoch - seconds).count()};
+  const std::array<timespec, 2> times{moment, moment};
+  if (utimensat(AT_FDCWD, path.c_str(), times.data(), 0) != 0) {
+    throw std::system_error(errno, std::generic_category(), "cannot date " + path);
   }
 }
 

@@ -1,6 +1,7 @@
 #ifndef VESTRA_TESTS_SUPPORT_FILES_H
 #define VESTRA_TESTS_SUPPORT_FILES_H
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,9 @@ std::string readFile(const std::string& path);
 
 /// Replaces a file, making its directories where they are missing.
 void writeFile(const std::string& path, const std::string& bytes);
+
+/// Sets when a file was last read and written.
+void dateFile(const std::string& path, std::chrono::system_clock::time_point time);
 
 /// Whether anything stands at the path, a dangling link included.
 bool exists(const std::string& path);
