@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include <fmt/format.h>
+#include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
 
 #include "checks/checks.h"

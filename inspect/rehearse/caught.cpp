@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
 
 #include "rehearse/private_place.h"

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <ctime>
 
 #include <nlohmann/json.hpp>

@@ -1,6 +1,7 @@
 #include "design_tool/report/checksum.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 

@@ -1,6 +1,7 @@
 #include "design_tool/script/protocol.h"
 
 #include <charconv>
+#include <cstdint>
 
 #include <fmt/format.h>
 

@@ -1,6 +1,7 @@
 #ifndef VESTRA_TESTKIT_SANDBOX_RESULTS_FILES_LEFT_H
 #define VESTRA_TESTKIT_SANDBOX_RESULTS_FILES_LEFT_H
 
+#include <cstdint>
 #include <string>
 
 #include <vestra/testkit/host_run.h>

@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <ostream>
 #include <sstream>
 

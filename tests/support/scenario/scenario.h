@@ -1,6 +1,7 @@
 #ifndef VESTRA_TESTS_SUPPORT_SCENARIO_SCENARIO_H
 #define VESTRA_TESTS_SUPPORT_SCENARIO_SCENARIO_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
