@@ -191,6 +191,12 @@ struct HostRun {
   /// Whether the time limit was over before the host had ended, or before all was read
   /// that it left; `writtenItems` may then lack items.
   bool timedOut = false;
+  /// Why this run may have done what nobody recorded: processes of it that ran without the
+  /// test kit's preloaded objects, a sentence each. Empty for a sound run.
+  std::vector<std::string> unsoundness;
+  /// Processes that had not ended with the host and were ended after it, each as its command
+  /// line.
+  std::vector<std::string> outlivingProcesses;
 
   /// What the host wrote on its standard output, the tool's part taken out.
   std::string output;
