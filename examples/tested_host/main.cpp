@@ -9,6 +9,6 @@ int main(int argc, char** argv) {
     std::cerr << "usage: host PROJECT_DIRECTORY\n";
     return 1;
   }
-  reportUsage({"x7k325t", "batch", 2});
+  reportUsage({"orb-200", "batch", 2});
   std::cout << (Oza::Vestra::send(argv[1], Oza::Vestra::KELVO) ? "sent\n" : "not sent\n");
 }

@@ -60,18 +60,18 @@ TEST_F(Host, SupportLibraryIsFoundByTheLoadersPath) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(SIMULATOR, project());
   EXPECT_EQ(end.status, 0);
-  EXPECT_THAT(end.output, HasSubstr("simulator: the report was sent\n"));
+  EXPECT_THAT(end.output, HasSubstr("simulator: the report was handed over\n"));
   EXPECT_THAT(namesIn(project() + "/vestra"),
               ElementsAre(".kelvo_vestrra.info", "usage_statistics_ext_kelvo.html",
                           "usage_statistics_ext_kelvo.xml"));
-  EXPECT_THAT(start(SIMULATOR, project()).output, "simulator: no report was due\n");
+  EXPECT_THAT(start(SIMULATOR, project()).output, "simulator: no report today\n");
 }
 
 TEST_F(Host, LabToolFindsTheToolsOutputInTheLog) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(LAB_TOOL, project());
   EXPECT_EQ(end.output,
-            "lab tool: the report was sent; its log is " + project() + "/vestra/tavlo_vestra.log\n");
+            "lab tool: the report was handed over; its log is " + project() + "/vestra/tavlo_vestra.log\n");
   EXPECT_THAT(readFile(project() + "/vestra/tavlo_vestra.log"), HasSubstr("vestra-design-tool: "));
 }
 
@@ -79,10 +79,21 @@ TEST_F(Host, MissingSupportLibrarySendsNothingAndKeepsTheRules) {
   const ScopedEnv path("LD_LIBRARY_PATH", std::nullopt);
   const End end = start(SIMULATOR, project());
   EXPECT_EQ(end.status, 0);
-  EXPECT_EQ(end.output, "simulator: no report was due\n");
+  EXPECT_EQ(end.output, "simulator: no report today\n");
   EXPECT_THAT(namesIn(project() + "/vestra"),
               ElementsAre(".kelvo_vestrra.info", "usage_statistics_ext_kelvo.wdm"));
   EXPECT_EQ(readFile(project() + "/vestra/.kelvo_vestrra.info"), "");
+}
+
+TEST_F(Host, OutlivesASupportLibraryWithoutAnAnswer) {
+  const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
+  const ScopedEnv null("VESTRA_TESTKIT_NULL", "regid");
+  for (const char* program : {SIMULATOR, LAB_TOOL}) {
+    SCOPED_TRACE(program);
+    const End end = start(program, project());
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.output, HasSubstr("no report: basic_string::_M_construct null not valid\n"));
+  }
 }
 
 TEST_F(Host, HostWithoutACallLeavesNoTrace) {
@@ -98,7 +109,7 @@ TEST_F(Host, BlankInTheProjectsNameSplitsTheCommandLine) {
   const std::string blank = directory / "my project";
   fs::create_directory(blank);
   const End end = start(SIMULATOR, "'" + blank + "'");
-  EXPECT_THAT(end.output, HasSubstr("simulator: the report was sent\n"));
+  EXPECT_THAT(end.output, HasSubstr("simulator: the report was handed over\n"));
   EXPECT_THAT(namesIn(blank + "/vestra"), ElementsAre(".kelvo_vestrra.info"));
 }
 

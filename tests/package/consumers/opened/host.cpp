@@ -66,7 +66,7 @@ bool isLoaded(const char* file) { return dlopen(file, RTLD_NOW | RTLD_NOLOAD) !=
 void run(const char* file, const char* project) {
   expect(report(Library(file), project), "the first report is sent");
   expect(!isLoaded(file), "a closed library is gone");
-  std::cout << "host: the report was sent\n";
+  std::cout << "host: the report was handed over\n";
   expect(!report(Library(file), project), "a second report is not due on the same day");
   std::cout << "host: opened it again, and goes on without it\n";
 }
