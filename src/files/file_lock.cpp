@@ -35,12 +35,12 @@ constexpr std::uint32_t REMOTE_FILE_SYSTEMS[] = {
     0xBACBACBC,
 };
 
-bool acquire(int descriptor, int operation, WaitingTime& waitingTime) {
+bool acquire(int descriptor, int operation, TimeBudget& timeBudget) {
   while (flock(descriptor, operation | LOCK_NB) != 0) {
     if (errno == EINTR) {
       continue;
     }
-    if (errno != EWOULDBLOCK || !waitingTime.pause()) {
+    if (errno != EWOULDBLOCK || !timeBudget.pause()) {
       return false;
     }
   }
@@ -59,10 +59,10 @@ bool answersLocksAtOnce(int descriptor) {
          std::end(REMOTE_FILE_SYSTEMS);
 }
 
-FileLock::FileLock(const Descriptor& lockedFile, Kind kind, WaitingTime& waitingTime)
+FileLock::FileLock(const Descriptor& lockedFile, Kind kind, TimeBudget& timeBudget)
     : file(lockedFile),
       held(answersLocksAtOnce(file.get()) &&
-           acquire(file.get(), kind == SHARED ? LOCK_SH : LOCK_EX, waitingTime)) {}
+           acquire(file.get(), kind == SHARED ? LOCK_SH : LOCK_EX, timeBudget)) {}
 
 // Closing would not do where a child of the process still has the descriptor.
 FileLock::~FileLock() {

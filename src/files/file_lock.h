@@ -2,7 +2,7 @@
 #define VESTRA_FILES_FILE_LOCK_H
 
 #include "files/descriptor.h"
-#include "files/waiting_time.h"
+#include "files/time_budget.h"
 
 namespace Oza {
 
@@ -16,13 +16,13 @@ bool answersLocksAtOnce(int descriptor);
 ///
 /// Without a lock everything goes on as it would with one: where the file system has
 /// none that answer at once, and where another process holds it for longer than the
-/// waiting time lasts.
+/// time budget lasts.
 class FileLock {
  public:
   enum Kind { SHARED, EXCLUSIVE };
 
-  /// @param waitingTime  What is left of it; used up as needed.
-  FileLock(const Descriptor& lockedFile, Kind kind, WaitingTime& waitingTime);
+  /// @param timeBudget  What is left of it is used up as needed.
+  FileLock(const Descriptor& lockedFile, Kind kind, TimeBudget& timeBudget);
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
   ~FileLock();

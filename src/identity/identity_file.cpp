@@ -23,28 +23,28 @@ bool isYoung(const Descriptor& file) {
   const struct timespec written = file.status().st_mtim;
   const auto age = std::chrono::system_clock::now().time_since_epoch() -
                    std::chrono::seconds(written.tv_sec) - std::chrono::nanoseconds(written.tv_nsec);
-  return age < WaitingTime::BOUND && age > -WaitingTime::BOUND;
+  return age < TimeBudget::TOTAL && age > -TimeBudget::TOTAL;
 }
 
 }  // namespace
 
-std::optional<std::string> readIdentityText(const Descriptor& file, WaitingTime& waitingTime) {
-  const FileLock lock(file, FileLock::SHARED, waitingTime);
+std::optional<std::string> readIdentityText(const Descriptor& file, TimeBudget& timeBudget) {
+  const FileLock lock(file, FileLock::SHARED, timeBudget);
   return file.read();
 }
 
-std::optional<std::string> awaitIdentityText(const Descriptor& file, WaitingTime& waitingTime) {
-  while (isEmpty(file) && isYoung(file) && waitingTime.pause(KEPT_FOR_THE_ATTEMPT)) {
+std::optional<std::string> awaitIdentityText(const Descriptor& file, TimeBudget& timeBudget) {
+  while (isEmpty(file) && isYoung(file) && timeBudget.pause(KEPT_FOR_THE_ATTEMPT)) {
   }
-  return readIdentityText(file, waitingTime);
+  return readIdentityText(file, timeBudget);
 }
 
 std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string damaged,
-                                              WaitingTime& waitingTime) {
+                                              TimeBudget& timeBudget) {
   std::optional<std::string> text = std::move(damaged);
-  for (std::optional<std::string> before; text && text != before && waitingTime.pause();) {
+  for (std::optional<std::string> before; text && text != before && timeBudget.pause();) {
     before = std::move(text);
-    text = readIdentityText(file, waitingTime);
+    text = readIdentityText(file, timeBudget);
   }
   return text;
 }

@@ -55,7 +55,7 @@ bool VestraProjectInfo::loadOrCreate() {
 bool VestraProjectInfo::recordSendAttempt() {
   FileSizeSignalHold hold;
   const Descriptor file(filePath, O_RDWR | O_CREAT);
-  const FileLock lock(file, FileLock::EXCLUSIVE, waitingTime);
+  const FileLock lock(file, FileLock::EXCLUSIVE, timeBudget);
   const std::optional<std::string> found = file.read();
   ProjectIdentity next = found ? broughtUpToDate(identity, *found, identifierIsHosts) : identity;
   const bool due = countAttempt(next, owner->getProductType(), std::time(nullptr));
@@ -93,12 +93,12 @@ bool VestraProjectInfo::loadOthers() {
 
 // What could not be read must not be overwritten by the attempt that follows.
 bool VestraProjectInfo::load(const Descriptor& file) {
-  std::optional<std::string> text = readIdentityText(file, waitingTime);
+  std::optional<std::string> text = readIdentityText(file, timeBudget);
   if (text && text->empty() && owner->getOrbeloProjectId().empty()) {
-    text = awaitIdentityText(file, waitingTime);
+    text = awaitIdentityText(file, timeBudget);
   }
   if (text && !parseProjectIdentity(*text, identity)) {
-    text = rereadIdentityText(file, *text, waitingTime);
+    text = rereadIdentityText(file, *text, timeBudget);
     if (text && !parseProjectIdentity(*text, identity)) {
       boost::filesystem::remove(filePath);
       return false;

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "files/descriptor.h"
-#include "files/waiting_time.h"
+#include "files/time_budget.h"
 #include "identity/project_identity.h"
 
 namespace Oza {
@@ -61,7 +61,7 @@ class VestraProjectInfo {
   bool identifierIsHosts = false;
   std::string filePath;
   VestraHandler* owner;
-  WaitingTime waitingTime;
+  TimeBudget timeBudget;
 };
 
 }  // namespace Oza

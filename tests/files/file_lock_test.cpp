@@ -69,29 +69,29 @@ class Lock : public testing::Test {
 
   vestra_test::TemporaryDirectory directory;
   std::string path = directory / "file";
-  WaitingTime waitingTime;
+  TimeBudget timeBudget;
   vestra_test::TimeLimit limit;
 };
 
 TEST_F(Lock, FreeFileIsLockedAtOnce) {
   const Descriptor file(path, O_RDWR);
-  EXPECT_TRUE(FileLock(file, FileLock::EXCLUSIVE, waitingTime).isHeld());
+  EXPECT_TRUE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
 }
 
 TEST_F(Lock, SharedLocksDoNotExcludeEachOther) {
   const Descriptor one(path, O_RDWR);
   const Descriptor other(path, O_RDWR);
-  const FileLock first(one, FileLock::SHARED, waitingTime);
-  EXPECT_TRUE(FileLock(other, FileLock::SHARED, waitingTime).isHeld());
-  EXPECT_FALSE(FileLock(other, FileLock::EXCLUSIVE, waitingTime).isHeld());
+  const FileLock first(one, FileLock::SHARED, timeBudget);
+  EXPECT_TRUE(FileLock(other, FileLock::SHARED, timeBudget).isHeld());
+  EXPECT_FALSE(FileLock(other, FileLock::EXCLUSIVE, timeBudget).isHeld());
 }
 
 TEST_F(Lock, EndOfTheObjectUnlocksEvenForACopyOfTheDescriptor) {
   const Descriptor one(path, O_RDWR);
   const int copy = dup(one.get());
-  { const FileLock first(one, FileLock::EXCLUSIVE, waitingTime); }
+  { const FileLock first(one, FileLock::EXCLUSIVE, timeBudget); }
   const Descriptor other(path, O_RDWR);
-  EXPECT_TRUE(FileLock(other, FileLock::EXCLUSIVE, waitingTime).isHeld());
+  EXPECT_TRUE(FileLock(other, FileLock::EXCLUSIVE, timeBudget).isHeld());
   close(copy);
 }
 
@@ -100,10 +100,10 @@ TEST_F(Lock, StoppedHolderIsWaitedForUpToTheBoundInAll) {
   holder.stop();
   const Descriptor file(path, O_RDWR);
   const auto begin = steady_clock::now();
-  EXPECT_FALSE(FileLock(file, FileLock::SHARED, waitingTime).isHeld());
+  EXPECT_FALSE(FileLock(file, FileLock::SHARED, timeBudget).isHeld());
   EXPECT_GE(steady_clock::now() - begin, milliseconds(250));
   const auto second = steady_clock::now();
-  EXPECT_FALSE(FileLock(file, FileLock::EXCLUSIVE, waitingTime).isHeld());
+  EXPECT_FALSE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
   EXPECT_LT(steady_clock::now() - second, milliseconds(250));
 }
 
@@ -111,12 +111,12 @@ TEST_F(Lock, KilledHolderLeavesNoLock) {
   Holder holder(path);
   holder.end();
   const Descriptor file(path, O_RDWR);
-  EXPECT_TRUE(FileLock(file, FileLock::EXCLUSIVE, waitingTime).isHeld());
+  EXPECT_TRUE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
 }
 
 TEST_F(Lock, FileThatIsNotOpenIsNotLocked) {
   const Descriptor file(directory / "missing", O_RDWR);
-  EXPECT_FALSE(FileLock(file, FileLock::EXCLUSIVE, waitingTime).isHeld());
+  EXPECT_FALSE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
 }
 
 TEST_F(Lock, LocalFileSystemAnswersAtOnce) {
