@@ -6,6 +6,17 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+
+#include <boost/throw_exception.hpp>
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
+#include <boost/version.hpp>
+#if BOOST_VERSION >= 106700
+#include <boost/uuid/entropy_error.hpp>
+#endif
 
 namespace Oza {
 namespace {
@@ -18,27 +29,49 @@ ssize_t readRandomFile(void* buffer, std::size_t size) {
   }
   const ssize_t count = read(file, buffer, size);
   close(file);
-  return count > 0 ? count : -1;
+  return count;
 }
 
-// The C library's function is younger than the C libraries of some hosts, and the system
-// call itself younger than some kernels. Not each version of Boost lets itself be told.
-[[maybe_unused]] ssize_t drawRandomBytes(void* buffer, std::size_t size, unsigned int flags) {
-  const ssize_t count = syscall(SYS_getrandom, buffer, size, flags);
+// By number, since glibc has getrandom() from 2.25 on. Linux has it from 3.17 on.
+ssize_t drawRandomBytes(void* buffer, std::size_t size) {
+  ssize_t count = 0;
+  do {
+    count = syscall(SYS_getrandom, buffer, size, 0U);
+  } while (count < 0 && errno == EINTR);
   return count < 0 && errno == ENOSYS ? readRandomFile(buffer, size) : count;
 }
 
+[[noreturn]] void throwEntropyError() {
+#if BOOST_VERSION >= 106700
+  boost::throw_exception(boost::uuids::entropy_error(errno, "getrandom"));
+#else
+  boost::throw_exception(std::runtime_error("getrandom"));
+#endif
+}
+
+// A uniform random bit generator for Boost.Uuid, whose own sources differ by version: some
+// ignore failures, some never read the device.
+class SystemRandomness {
+ public:
+  using result_type = std::uint64_t;
+
+  static constexpr result_type min() { return 0; }
+  static constexpr result_type max() { return std::numeric_limits<result_type>::max(); }
+
+  result_type operator()() const {
+    result_type number = 0;
+    if (drawRandomBytes(&number, sizeof number) != static_cast<ssize_t>(sizeof number)) {
+      throwEntropyError();
+    }
+    return number;
+  }
+};
+
 }  // namespace
-}  // namespace Oza
-
-#define BOOST_UUID_RANDOM_PROVIDER_GETRANDOM_IMPL_GETRANDOM ::Oza::drawRandomBytes
-#include <boost/uuid/random_generator.hpp>
-#include <boost/uuid/uuid_io.hpp>
-
-namespace Oza {
 
 std::string randomUuid() {
-  boost::uuids::random_generator generate;
+  SystemRandomness randomness;
+  boost::uuids::basic_random_generator<SystemRandomness> generate(randomness);
   return boost::uuids::to_string(generate());
 }
 
