@@ -16,7 +16,12 @@ function(add_test_program name)
   target_link_libraries(${name} PRIVATE
     vestra_test_support GTest::gmock GTest::gmock_main Threads::Threads)
   target_precompile_headers(${name} REUSE_FROM vestra_test_headers)
-  gtest_discover_tests(${name} TEST_PREFIX "${program_PREFIX}" DISCOVERY_TIMEOUT 900)
+  # CMake 3.31 warns of an option with an empty value.
+  set(prefix)
+  if(program_PREFIX)
+    set(prefix TEST_PREFIX "${program_PREFIX}")
+  endif()
+  gtest_discover_tests(${name} ${prefix} DISCOVERY_TIMEOUT 900)
   set_property(GLOBAL APPEND_STRING PROPERTY VESTRA_TEST_PROGRAMS "$<TARGET_FILE:${name}>\n")
 endfunction()
 
