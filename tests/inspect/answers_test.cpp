@@ -185,7 +185,8 @@ TEST_F(Inspector, ColoursATerminalOnly) {
   const std::string colour = "\033[";
   EXPECT_THAT(place.inspect({}).out, Not(HasSubstr(colour)));
   EXPECT_THAT(place.inspect({"--color", "always"}).out, HasSubstr(colour));
-  const std::string inTerminal = "script -qec '" + place.inspector() + " doctor' /dev/null";
+  // Without SHELL, script takes the account's, which lets nobody in.
+  const std::string inTerminal = "SHELL=/bin/sh script -qec '" + place.inspector() + " doctor' /dev/null";
   EXPECT_THAT(place.runProgram({"env", "TERM=xterm", "sh", "-c", inTerminal}).out, HasSubstr(colour));
   EXPECT_THAT(place.runProgram({"env", "TERM=xterm", "NO_COLOR=1", "sh", "-c", inTerminal}).out,
               Not(HasSubstr(colour)));
