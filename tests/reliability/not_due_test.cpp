@@ -17,7 +17,9 @@ namespace {
 
 constexpr Situation KNOWN{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME};
 
-/// Calls about the files of the workplace, and those that block a signal.
+/// Calls about the files of the workplace, and those that block a signal. Which of several
+/// calls asks for a status, and how many read a file to its end, is the C++ library's and
+/// Boost's choice.
 std::vector<std::string> callsAboutTheReport(const Workplace& workplace, const HostEnd& end) {
   const std::string base = workplace.home().substr(0, workplace.home().size() - std::string("home").size());
   std::vector<std::string> lines;
@@ -25,7 +27,10 @@ std::vector<std::string> callsAboutTheReport(const Workplace& workplace, const H
     const std::string name = asksForStatus(call.number) ? "stat" : nameOf(call.number);
     if (call.subject.rfind(base, 0) == 0) {
       const bool isNeighbour = call.subject.find("/.vestra-") != std::string::npos;
-      lines.push_back(name + " " + (isNeighbour ? "NEIGHBOUR" : call.subject.substr(base.size())));
+      const std::string line = name + " " + (isNeighbour ? "NEIGHBOUR" : call.subject.substr(base.size()));
+      if (name != "read" || lines.empty() || lines.back() != line) {
+        lines.push_back(line);
+      }
     } else if (name.rfind("rt_sig", 0) == 0) {
       lines.push_back(name);
     }
@@ -51,7 +56,6 @@ TEST(ReportNotDue, SystemCallsAboutItsFilesAreThese) {
                   // The settings are read to their end.
                   "stat home/.Calvix/Common/2018.2/vestra",    //
                   "openat home/.Calvix/Common/2018.2/vestra",  //
-                  "read home/.Calvix/Common/2018.2/vestra",    //
                   "read home/.Calvix/Common/2018.2/vestra",    //
                   "close home/.Calvix/Common/2018.2/vestra",
                   // The identity is read while no other host writes it.

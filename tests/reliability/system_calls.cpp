@@ -103,7 +103,8 @@ bool managesMemory(long number) {
 }
 
 bool asksForStatus(long number) {
-  return number == SYS_newfstatat || number == SYS_stat || number == SYS_lstat || number == SYS_statx;
+  return number == SYS_newfstatat || number == SYS_stat || number == SYS_lstat || number == SYS_statx ||
+         number == SYS_fstat;
 }
 
 const std::vector<int>& errorsOf(long number) { return lookUp(number).errors; }
