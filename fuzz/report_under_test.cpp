@@ -57,10 +57,11 @@ std::string scriptOf(const std::vector<Item>& items, const std::string& environm
   }
   Oza::orderProjectFacts(contexts.at(Oza::Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE));
   const std::string directory = Oza::vestraDirectoryOf("/project");
-  Oza::CollectedText text{Oza::initLine(directory), "325201808"};
+  Oza::CollectedText text{Oza::initLine(directory), {}};
+  text.checksum.append("325201808");
   Oza::appendContexts(contexts.all(), text);
-  const std::uint32_t clientId = Oza::crc32(text.checksumText.c_str());
-  return text.lines + Oza::transmitLines(clientId, "registration", directory, Oza::Vestra::KELVO);
+  return text.lines +
+         Oza::transmitLines(text.checksum.value(), "registration", directory, Oza::Vestra::KELVO);
 }
 
 std::optional<vestra::design_tool::Report> reportOf(const std::string& script) {

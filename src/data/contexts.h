@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace Oza {
 
@@ -19,8 +20,7 @@ struct ContextProfile {
 
 constexpr std::size_t CONTEXT_COUNT = 6;
 
-/// The sections of every report, in the order of Vestra::SectionType. The two contexts
-/// of a client stand side by side.
+/// The sections of every report, in the order of Vestra::SectionType.
 inline constexpr std::array<ContextProfile, CONTEXT_COUNT> CONTEXTS{{
     {"software_version_and_target_device", "project", true},
     {"user_environment", "project", true},
@@ -29,6 +29,18 @@ inline constexpr std::array<ContextProfile, CONTEXT_COUNT> CONTEXTS{{
     {"tavlo\\\\command_line_options", "tavlo", false},
     {"tavlo\\\\usage", "tavlo", false},
 }};
+
+/// Whether the two contexts of each client are adjacent, the first at an even position: the
+/// script registers a client there.
+constexpr bool clientsHaveAdjacentContexts() {
+  for (std::size_t i = 0; i < CONTEXT_COUNT; i += 2) {
+    if (std::string_view(CONTEXTS[i].client) != CONTEXTS[i + 1].client) {
+      return false;
+    }
+  }
+  return true;
+}
+static_assert(CONTEXT_COUNT % 2 == 0 && clientsHaveAdjacentContexts());
 
 /// The name of a context's style in a rules file.
 constexpr const char* htmlFormat(bool userEnvStyle) {

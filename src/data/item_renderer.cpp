@@ -1,81 +1,159 @@
 #include "data/item_renderer.h"
 
-#include <typeinfo>
+#include <cstring>
+
+#include "data/crc32.h"
 
 namespace Oza {
 namespace {
 
-/// The child as an item of this context; null when it is anything else.
-VestraAddData* itemOf(const VestraParentData& context, VestraDataInterface* child) {
-  if (child == nullptr || typeid(*child) != typeid(VestraAddData)) {
-    return nullptr;
+/// Tells the library's own nodes from those of a host's derived classes by their tables of
+/// virtual functions: a host that is compiled with -fno-rtti has no type information.
+class PlainNodes {
+ public:
+  PlainNodes()
+      : contextTable(tableOf(VestraParentData({}, {}, false))),
+        itemTable(tableOf(VestraAddData({}, {}, nullptr))) {}
+
+  bool contain(const VestraParentData& context) const { return tableOf(context) == contextTable; }
+
+  /// The child as an item of this context; null when it is anything else.
+  VestraAddData* itemOf(const VestraParentData& context, VestraDataInterface* child) const {
+    if (child == nullptr || tableOf(*child) != itemTable) {
+      return nullptr;
+    }
+    auto* item = static_cast<VestraAddData*>(child);
+    return NodeAccess::parent(*item) == &context ? item : nullptr;
   }
-  auto* item = static_cast<VestraAddData*>(child);
-  return NodeAccess::parent(*item) == &context ? item : nullptr;
+
+ private:
+  // The base has no fields, so the pointer to the table is all that it holds.
+  static const void* tableOf(const VestraDataInterface& node) {
+    static_assert(sizeof(VestraDataInterface) == sizeof(void*));
+    const void* table = nullptr;
+    std::memcpy(&table, static_cast<const void*>(&node), sizeof table);
+    return table;
+  }
+
+  const void* contextTable;
+  const void* itemTable;
+};
+
+std::size_t sizeOf(VestraAddData& item, const ItemFrame& frame) {
+  return frame.size() + NodeAccess::key(item).size() + NodeAccess::value(item).size();
 }
 
-}  // namespace
-
-// The client and the key stand bare, the value and the context between quotes.
-ItemRenderer ItemRenderer::forScript(const std::string& client, const std::string& formattedContext) {
-  ItemRenderer lines(Form::SCRIPT);
-  lines.beforeKey.append(TYPE_ADD_DATA).append(SPACE);
-  lines.beforeKey.append(PARAM_CLIENT).append(SPACE).append(client).append(SPACE);
-  lines.beforeKey.append(PARAM_KEY).append(SPACE);
-  lines.betweenKeyAndValue.append(SPACE).append(PARAM_VALUE).append(SPACE).append(1, '"');
-  lines.afterValue.append(1, '"').append(SPACE).append(PARAM_CONTEXT).append(SPACE);
-  lines.afterValue.append(1, '"').append(formattedContext).append(1, '"').append(NEW_LINE);
-  return lines;
+void append(VestraAddData& item, const ItemFrame& frame, std::string& text) {
+  text.append(frame.beforeKey).append(NodeAccess::key(item)).append(frame.betweenKeyAndValue);
+  text.append(NodeAccess::value(item)).append(frame.afterValue);
 }
 
-ItemRenderer ItemRenderer::forChecksum(const std::string& client, const std::string& crcContext) {
-  ItemRenderer segments(Form::CHECKSUM);
-  segments.afterValue = client + crcContext;
-  return segments;
-}
+using MakeFrame = ItemFrame(VestraDataInterface& node, VestraParentData& context);
+using Rendering = std::string (VestraDataInterface::*)();
 
-std::string ItemRenderer::render(VestraAddData& item) const {
+std::string renderEach(const std::vector<VestraDataInterface*>& children, Rendering render) {
   std::string text;
-  text.reserve(sizeOf(item));
-  append(item, text);
-  return text;
-}
-
-std::string ItemRenderer::renderChildren(VestraParentData& context) const {
-  std::string text;
-  text.reserve(sizeOfItemsIn(context));
-  for (VestraDataInterface* child : NodeAccess::children(context)) {
-    if (VestraAddData* item = itemOf(context, child)) {
-      append(*item, text);
-    } else if (child != nullptr) {
-      text += renderForeign(*child);
+  for (std::size_t i = 0; i < children.size(); ++i) {
+    if (children[i] != nullptr) {
+      text += (children[i]->*render)();
     }
   }
   return text;
 }
 
-std::size_t ItemRenderer::sizeOf(VestraAddData& item) const {
-  return beforeKey.size() + NodeAccess::key(item).size() + betweenKeyAndValue.size() +
-         NodeAccess::value(item).size() + afterValue.size();
-}
-
-std::size_t ItemRenderer::sizeOfItemsIn(VestraParentData& context) const {
+std::size_t sizeOfPlainItems(const PlainNodes& plain, VestraParentData& context, const ItemFrame& frame) {
   std::size_t size = 0;
   for (VestraDataInterface* child : NodeAccess::children(context)) {
-    if (VestraAddData* item = itemOf(context, child)) {
-      size += sizeOf(*item);
+    if (VestraAddData* item = plain.itemOf(context, child)) {
+      size += sizeOf(*item, frame);
     }
   }
   return size;
 }
 
-void ItemRenderer::append(VestraAddData& item, std::string& text) const {
-  text.append(beforeKey).append(NodeAccess::key(item)).append(betweenKeyAndValue);
-  text.append(NodeAccess::value(item)).append(afterValue);
+// By index: a host's node may add to the context while it renders itself.
+std::string renderChildren(VestraParentData& context, MakeFrame makeFrame, Rendering render) {
+  const std::vector<VestraDataInterface*>& children = NodeAccess::children(context);
+  const PlainNodes plain;
+  if (!plain.contain(context)) {
+    return renderEach(children, render);
+  }
+  ItemFrame frame = makeFrame(context, context);
+  std::string text;
+  text.reserve(sizeOfPlainItems(plain, context, frame));
+  for (std::size_t i = 0; i < children.size(); ++i) {
+    if (VestraAddData* item = plain.itemOf(context, children[i])) {
+      append(*item, frame, text);
+    } else if (children[i] != nullptr) {
+      text += (children[i]->*render)();
+      frame = makeFrame(context, context);
+    }
+  }
+  return text;
 }
 
-std::string ItemRenderer::renderForeign(VestraDataInterface& node) const {
-  return form == Form::SCRIPT ? node.toTclString() : node.toCRCSegment();
+}  // namespace
+
+// The client and the key stand bare, the value and the context between quotes.
+ItemFrame lineFrame(VestraDataInterface& node, VestraParentData& context) {
+  ItemFrame line;
+  line.beforeKey.append(TYPE_ADD_DATA).append(SPACE).append(PARAM_CLIENT).append(SPACE);
+  line.beforeKey.append(node.getClient()).append(SPACE).append(PARAM_KEY).append(SPACE);
+  line.betweenKeyAndValue.append(SPACE).append(PARAM_VALUE).append(SPACE).append(1, '"');
+  line.afterValue.append(1, '"').append(SPACE).append(PARAM_CONTEXT).append(SPACE);
+  line.afterValue.append(1, '"').append(context.getFormattedContext()).append(1, '"').append(NEW_LINE);
+  return line;
+}
+
+ItemFrame segmentFrame(VestraDataInterface& node, VestraParentData& context) {
+  ItemFrame segment;
+  segment.afterValue = node.getClient();
+  segment.afterValue += context.getCRCContext();
+  return segment;
+}
+
+std::string renderItem(VestraAddData& item, const ItemFrame& frame) {
+  std::string text;
+  text.reserve(sizeOf(item, frame));
+  append(item, frame, text);
+  return text;
+}
+
+std::string renderLines(VestraParentData& context) {
+  return renderChildren(context, lineFrame, &VestraDataInterface::toTclString);
+}
+
+std::string renderSegments(VestraParentData& context) {
+  return renderChildren(context, segmentFrame, &VestraDataInterface::toCRCSegment);
+}
+
+std::size_t sizeOfPlainLines(VestraParentData& context) {
+  const PlainNodes plain;
+  return plain.contain(context) ? sizeOfPlainItems(plain, context, lineFrame(context, context)) : 0;
+}
+
+bool appendIfPlain(VestraParentData& context, std::string& lines, Crc32& checksum) {
+  const PlainNodes plain;
+  if (!plain.contain(context)) {
+    return false;
+  }
+  const ItemFrame line = lineFrame(context, context);
+  const ItemFrame segment = segmentFrame(context, context);
+  const std::size_t sizeBefore = lines.size();
+  const Crc32 checksumBefore = checksum;
+  for (VestraDataInterface* child : NodeAccess::children(context)) {
+    VestraAddData* item = plain.itemOf(context, child);
+    if (item == nullptr) {
+      lines.resize(sizeBefore);
+      checksum = checksumBefore;
+      return false;
+    }
+    append(*item, line, lines);
+    checksum.append(NodeAccess::key(*item));
+    checksum.append(NodeAccess::value(*item));
+    checksum.append(segment.afterValue);
+  }
+  return true;
 }
 
 }  // namespace Oza

@@ -8,40 +8,44 @@
 
 namespace Oza {
 
-/// Writes items in one of their textual forms: as script lines or as checksum
-/// segments. What surrounds the key and the value is the same for all items of one
-/// context, so that it is put together once and not for each of them.
-class ItemRenderer {
- public:
-  /// For script lines of items of this client and context. Reads the exported text
-  /// constants.
-  static ItemRenderer forScript(const std::string& client, const std::string& formattedContext);
+class Crc32;
 
-  /// For checksum segments.
-  static ItemRenderer forChecksum(const std::string& client, const std::string& crcContext);
-
-  /// One item's text.
-  std::string render(VestraAddData& item) const;
-
-  /// The texts of a context's children, in order. Its own items are written here; any
-  /// other node, of a host's own class perhaps, renders itself.
-  std::string renderChildren(VestraParentData& context) const;
-
- private:
-  enum class Form { SCRIPT, CHECKSUM };
-
-  explicit ItemRenderer(Form textForm) : form(textForm) {}
-
-  std::size_t sizeOf(VestraAddData& item) const;
-  std::size_t sizeOfItemsIn(VestraParentData& context) const;
-  void append(VestraAddData& item, std::string& text) const;
-  std::string renderForeign(VestraDataInterface& node) const;
-
-  Form form;
+/// What stands around the key and the value in each of a context's items, which is put
+/// together once for all of them.
+struct ItemFrame {
   std::string beforeKey;
   std::string betweenKeyAndValue;
   std::string afterValue;
+
+  std::size_t size() const { return beforeKey.size() + betweenKeyAndValue.size() + afterValue.size(); }
 };
+
+/// Of script lines. Reads the exported text constants.
+///
+/// @param node  Is asked for the client: an item of the context, or the context.
+ItemFrame lineFrame(VestraDataInterface& node, VestraParentData& context);
+
+/// Of checksum segments.
+ItemFrame segmentFrame(VestraDataInterface& node, VestraParentData& context);
+
+/// One item's text.
+std::string renderItem(VestraAddData& item, const ItemFrame& frame);
+
+// The texts of a context's children, in order, with the virtual calls that nodes of a
+// host's own class expect: each renders itself once, and what it changes meanwhile is
+// seen by those after it.
+std::string renderLines(VestraParentData& context);
+std::string renderSegments(VestraParentData& context);
+
+/// The size of the lines of a context's items; 0 for a context of a host's class. Of other
+/// nodes, nothing is known before they are asked.
+std::size_t sizeOfPlainLines(VestraParentData& context);
+
+/// Appends a context's lines and takes the checksum of its segments, in one pass.
+///
+/// @return False where the context or a child has virtual operations of a host's, which must
+///         be called one after the other. Nothing has been appended then.
+bool appendIfPlain(VestraParentData& context, std::string& lines, Crc32& checksum);
 
 }  // namespace Oza
 

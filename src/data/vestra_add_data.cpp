@@ -11,13 +11,9 @@ VestraAddData::VestraAddData(std::string itemKey, std::string itemValue, VestraP
 
 VestraAddData::~VestraAddData() = default;
 
-std::string VestraAddData::toTclString() {
-  return ItemRenderer::forScript(getClient(), parent->getFormattedContext()).render(*this);
-}
+std::string VestraAddData::toTclString() { return renderItem(*this, lineFrame(*this, *parent)); }
 
-std::string VestraAddData::toCRCSegment() {
-  return ItemRenderer::forChecksum(getClient(), parent->getCRCContext()).render(*this);
-}
+std::string VestraAddData::toCRCSegment() { return renderItem(*this, segmentFrame(*this, *parent)); }
 
 std::string VestraAddData::getClient() { return parent->getClient(); }
 

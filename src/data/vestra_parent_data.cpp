@@ -26,13 +26,9 @@ VestraParentData::~VestraParentData() {
   }
 }
 
-std::string VestraParentData::toTclString() {
-  return ItemRenderer::forScript(getClient(), getFormattedContext()).renderChildren(*this);
-}
+std::string VestraParentData::toTclString() { return renderLines(*this); }
 
-std::string VestraParentData::toCRCSegment() {
-  return ItemRenderer::forChecksum(getClient(), getCRCContext()).renderChildren(*this);
-}
+std::string VestraParentData::toCRCSegment() { return renderSegments(*this); }
 
 std::string VestraParentData::getClient() { return client; }
 

@@ -1,5 +1,6 @@
 #include "handler/report_script.h"
 
+#include "data/item_renderer.h"
 #include "handler/product_profile.h"
 
 namespace Oza {
@@ -17,7 +18,24 @@ std::array<bool, CONTEXT_COUNT> emptyOnes(const std::vector<VestraDataInterface*
 
 void appendRegistration(VestraDataInterface& context, CollectedText& text) {
   text.lines += "vestra_register_client -client " + context.getClient() + "\n";
-  text.checksumText += context.getClient();
+  text.checksum.append(context.getClient());
+}
+
+// So that a large text does not grow by copies. The paths of the last lines take most of
+// what is added; no file has one of more than 4096 bytes.
+void makeRoom(const std::vector<VestraDataInterface*>& contexts, std::string& lines) {
+  std::size_t size = 4 * 4096;
+  for (VestraDataInterface* context : contexts) {
+    size += sizeOfPlainLines(static_cast<VestraParentData&>(*context));
+  }
+  lines.reserve(lines.size() + size);
+}
+
+void appendContext(VestraDataInterface& context, CollectedText& text) {
+  if (!appendIfPlain(static_cast<VestraParentData&>(context), text.lines, text.checksum)) {
+    text.lines += context.toTclString();
+    text.checksum.append(context.toCRCSegment());
+  }
 }
 
 }  // namespace
@@ -40,6 +58,7 @@ std::array<bool, CONTEXT_COUNT> visitedContexts(const std::array<bool, CONTEXT_C
 
 void appendContexts(const std::vector<VestraDataInterface*>& contexts, CollectedText& text) {
   const std::array<bool, CONTEXT_COUNT> visited = visitedContexts(emptyOnes(contexts));
+  makeRoom(contexts, text.lines);
   for (std::size_t i = 0; i < CONTEXT_COUNT; ++i) {
     if (!visited[i]) {
       continue;
@@ -47,8 +66,7 @@ void appendContexts(const std::vector<VestraDataInterface*>& contexts, Collected
     if (isFirstOfItsClient(i)) {
       appendRegistration(*contexts[i], text);
     }
-    text.lines += contexts[i]->toTclString();
-    text.checksumText += contexts[i]->toCRCSegment();
+    appendContext(*contexts[i], text);
   }
 }
 

@@ -10,6 +10,7 @@
 #include <vestra/vestra_data.h>
 
 #include "data/contexts.h"
+#include "data/crc32.h"
 
 namespace Oza {
 
@@ -18,11 +19,10 @@ namespace Oza {
 /// The first line. Like all paths of a script, the directory stands unquoted.
 std::string initLine(const std::string& vestraDirectory);
 
-/// What was collected: its lines of the script, and what it contributes to the text
-/// that the script's checksum is made of.
+/// What was collected: its lines of the script, and the checksum.
 struct CollectedText {
   std::string lines;
-  std::string checksumText;
+  Crc32 checksum;
 };
 
 /// Which contexts a script visits. Two neighbours that are both empty are skipped

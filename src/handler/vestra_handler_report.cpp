@@ -48,7 +48,8 @@ bool VestraHandler::openSupportLibrary() {
 // the support library names no registration, the file gets what there is of it.
 void VestraHandler::writeScript() {
   const std::string path = pathInVestraDirectory(getVestraCommandTcl());
-  CollectedText text{initLine(vestraDirectoryOf(projectDirectory)), getTimeStampSeg()};
+  CollectedText text{initLine(vestraDirectoryOf(projectDirectory)), {}};
+  text.checksum.append(getTimeStampSeg());
   try {
     composeScript(text);
   } catch (...) {
@@ -62,8 +63,8 @@ void VestraHandler::composeScript(CollectedText& text) {
   appendContexts(contexts, text);
   const bool internalSite = isInternal();
   const std::string registration = registrationText(internalSite, productType, getRegId());
-  text.lines += transmitLines(getCrc32(text.checksumText), registration, vestraDirectoryOf(projectDirectory),
-                              productType);
+  text.lines +=
+      transmitLines(text.checksum.value(), registration, vestraDirectoryOf(projectDirectory), productType);
 }
 
 }  // namespace Oza

@@ -4,6 +4,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "handler/vestra_handler.h"
 #include "support/zlib_crc32.h"
@@ -54,8 +55,28 @@ TEST(Crc32, ChecksumOfTheHandlerIsThatOfTheText) {
   EXPECT_EQ(handler.getCrc32("123456789"), 3421780262U);
 }
 
-RC_GTEST_PROP(Crc32, ChecksumOfAnyTextIsThatOfZlib, (const std::string& text)) {
-  RC_ASSERT(crc32(text.c_str()) == zlibCrc32(text));
+RC_GTEST_PROP(Crc32, OfAnyPiecesEndsAtTheFirstNul, (const std::vector<std::string>& pieces)) {
+  Crc32 checksum;
+  std::string text;
+  for (const std::string& piece : pieces) {
+    checksum.append(piece);
+    text += piece;
+  }
+  RC_ASSERT(checksum.value() == zlibCrc32(text.substr(0, text.find('\0'))));
+}
+
+TEST(Crc32, EndsAtTheFirstNulWhereverThatStands) {
+  const std::string text = "0123456789abcdefghijklmnopqrstuvwxyz";
+  for (std::size_t nul = 0; nul < text.size(); ++nul) {
+    for (std::size_t pieceEnd = 0; pieceEnd <= text.size(); ++pieceEnd) {
+      std::string cut = text;
+      cut[nul] = '\0';
+      Crc32 checksum;
+      checksum.append(cut.substr(0, pieceEnd));
+      checksum.append(cut.substr(pieceEnd));
+      EXPECT_EQ(checksum.value(), zlibCrc32(text.substr(0, nul))) << nul << " " << pieceEnd;
+    }
+  }
 }
 
 }  // namespace
