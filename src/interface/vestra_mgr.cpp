@@ -1,5 +1,7 @@
 #include "interface/vestra_mgr.h"
 
+#include <memory>
+
 namespace Oza {
 namespace {
 
@@ -20,7 +22,11 @@ VestraMgr* VestraMgr::getInstance() {
 
 bool VestraMgr::isGone() { return theManagerIsGone; }
 
-VestraMgr::VestraMgr() : setting(new VestraSetting), handler(new VestraHandler) {}
+VestraMgr::VestraMgr() {
+  auto madeFirst = std::make_unique<VestraSetting>();
+  handler = new VestraHandler;
+  setting = madeFirst.release();
+}
 
 VestraMgr::~VestraMgr() {
   delete setting;
