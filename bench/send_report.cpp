@@ -2,8 +2,9 @@
 //
 //     send_report COUNT PROJECT_DIRECTORY
 //
-// Writes the nanoseconds that `send` took, the bytes of memory that the items hold, and
-// the bytes by which the process's peak memory exceeds that before the items.
+// Writes the nanoseconds that `send` took, those of processor time, the bytes of memory that
+// the items hold, and the bytes by which the process's peak memory exceeds that before the
+// items.
 
 #include <unistd.h>
 
@@ -16,6 +17,7 @@
 #include <vestra/vestra.h>
 
 #include "numbered_text.h"
+#include "processor_time.h"
 
 namespace {
 
@@ -55,9 +57,11 @@ int main(int argc, char** argv) {
   const long before = residentBytes();
   addItems(std::strtoul(argv[1], nullptr, 10));
   const long withItems = residentBytes();
+  const double processorBefore = vestra_bench::processorNanoseconds();
   const auto begin = std::chrono::steady_clock::now();
   Vestra::send(argv[2], Vestra::KELVO);
   const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - begin;
-  std::printf("%.0f %ld %ld\n", taken.count(), withItems - before, largestBytes() - before);
+  const double processor = vestra_bench::processorNanoseconds() - processorBefore;
+  std::printf("%.0f %.0f %ld %ld\n", taken.count(), processor, withItems - before, largestBytes() - before);
   return EXIT_SUCCESS;
 }

@@ -41,6 +41,8 @@ void Workplace::restore(Report report) const {
   vestra_test::writeFile(inProject(IDENTITY), identity(report));
 }
 
+std::string Workplace::scriptFile() const { return inProject(SCRIPT); }
+
 std::string Workplace::inProject(const std::string& name) const {
   return projectDirectory / ("vestra/" + name);
 }

@@ -27,6 +27,8 @@ class Workplace {
   /// whose next report is due or not.
   void restore(Report report) const;
 
+  std::string scriptFile() const;
+
   /// Size of the report script.
   std::size_t scriptBytes() const { return script.size(); }
 
