@@ -45,6 +45,4 @@ if(VESTRA_BUILD_TESTKIT)
   configure_file("${CMAKE_CURRENT_LIST_DIR}/vestra-testkit.pc.in" "${PROJECT_BINARY_DIR}/vestra-testkit.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/vestra-testkit.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT testkit)
-  install(FILES "${PROJECT_SOURCE_DIR}/docs/guide-host.md" "${PROJECT_SOURCE_DIR}/docs/guide-testing.md"
-    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT testkit)
 endif()
