@@ -10,6 +10,7 @@
 #include <vestra/vestra.h>
 
 #include "recorder/exception.h"
+#include "recorder/fields.h"
 #include "recorder/recording.h"
 
 namespace vestra::testkit {
@@ -56,13 +57,15 @@ class NotedSend {
     noteOutcome("begun");
   }
 
-  void noteOutcome(const char* outcome) const {
+  /// @param details  of the exception that is its outcome
+  void noteOutcome(const char* outcome, const std::string& details = {}) const {
     if (isRecording()) {
-      note("sends", {directory, product, outcome});
+      note("sends", {number, directory, product, outcome, details});
     }
   }
 
  private:
+  std::string number = nextNumber();
   std::string directory;
   std::string product;
 };
@@ -82,7 +85,7 @@ VESTRA_EXPORT void Vestra::add(const char* key, const char* value, SectionType s
   static const auto own = ownOf<Add>("_ZN3Oza6Vestra3addEPKcS2_NS0_11SectionTypeE");
   own(key, value, section);
   if (isRecording()) {
-    note("added", {std::to_string(section), key, value});
+    note("added", {nextNumber(), std::to_string(section), key, value});
   }
 }
 
@@ -95,7 +98,7 @@ VESTRA_EXPORT bool Vestra::send(const char* projectDir, ProductType product) {
     noted.noteOutcome(answer ? "true" : "false");
     return answer;
   } catch (...) {
-    noted.noteOutcome("threw");
+    noted.noteOutcome("threw", joinedFields(fieldsOf(caughtException())));
     throw;
   }
 }

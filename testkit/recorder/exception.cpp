@@ -50,9 +50,12 @@ std::string nameOf(const std::type_info& type) {
 }
 
 Exception caughtException() {
-  const std::type_info& type = *abi::__cxa_current_exception_type();
-  Exception exception{nameOf(type), textOfCaught(), {}};
-  addBases(type, exception.bases);
+  const std::type_info* const type = abi::__cxa_current_exception_type();
+  if (type == nullptr) {
+    return {"an exception of another language", {}, {}};
+  }
+  Exception exception{nameOf(*type), textOfCaught(), {}};
+  addBases(*type, exception.bases);
   return exception;
 }
 

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
+
 #include "recorder/fields.h"
 
 namespace vestra::testkit {
@@ -30,6 +32,11 @@ void holdClock(std::time_t now) {
 }
 
 std::optional<std::time_t> heldClock() { return isClockHeld ? std::optional(clockTime) : std::nullopt; }
+
+std::string nextNumber() {
+  static std::atomic<int> count{0};
+  return std::to_string(getpid()) + "-" + std::to_string(++count);
+}
 
 void note(const char* name, const std::vector<std::string_view>& fields) {
   const std::string path = whereToRecord() + "/" + name;

@@ -41,6 +41,9 @@ void holdClock(std::time_t now);
 /// Where the clock stands; nothing while it runs.
 std::optional<std::time_t> heldClock();
 
+/// A number that no other call of the run has: its processes and threads make several at a time.
+std::string nextNumber();
+
 /// Appends texts to a file of the record, in one piece.
 ///
 /// @param name  of the file

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cstdio>
 #include <string>
 
@@ -23,12 +22,6 @@ namespace {
 std::string sizeOf(int descriptor) {
   struct stat status {};
   return fstat(descriptor, &status) == 0 ? std::to_string(status.st_size) : "0";
-}
-
-/// What tells the commands of one run apart: its processes may start several at a time.
-std::string nextNumber() {
-  static std::atomic<int> count{0};
-  return std::to_string(getpid()) + "-" + std::to_string(++count);
 }
 
 std::string bytesIfThere(const std::string& path) { return bytesOf(path).value_or(""); }

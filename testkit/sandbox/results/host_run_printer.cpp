@@ -1,6 +1,6 @@
 #include <sys/stat.h>
 
-#include <cstdint>
+#include <algorithm>
 #include <ostream>
 #include <sstream>
 
@@ -9,6 +9,7 @@
 #include "reading/visible_text.h"
 #include "recorder/bytes.h"
 #include "sandbox/results/directory_name.h"
+#include "sandbox/results/reasons.h"
 
 namespace vestra::testkit {
 namespace {
@@ -18,67 +19,90 @@ using reading::inQuotes;
 
 constexpr std::size_t WHOLE = std::string::npos;
 
-/// Lines of a text, each behind a title's.
-void printBlock(std::ostream& out, const char* title, const std::string& text) {
-  if (!text.empty()) {
-    out << title << ":\n";
-    for (const std::string& line : linesOf(text)) {
-      out << "  " << forTerminal(line) << '\n';
+// Of a summary.
+constexpr std::size_t LINES_OF_A_BLOCK = 4;
+constexpr std::size_t LINE_LENGTH = 200;
+
+/// A part of an account: lines below their title.
+struct Block {
+  std::string title;
+  std::vector<std::string> lines;
+};
+
+std::ostream& print(std::ostream& out, const std::vector<Block>& blocks) {
+  for (const Block& block : blocks) {
+    out << (block.lines.empty() ? "" : block.title + ":\n");
+    for (const std::string& line : block.lines) {
+      out << "  " << line << '\n';
     }
   }
+  return out;
 }
 
+std::vector<std::string> visible(std::vector<std::string> lines) {
+  std::transform(lines.begin(), lines.end(), lines.begin(),
+                 [](const auto& line) { return forTerminal(line); });
+  return lines;
+}
+
+std::vector<std::string> visibleLines(const std::string& text) { return visible(linesOf(text)); }
+
+/// The elements as they print themselves.
 template <typename Elements>
-void printList(std::ostream& out, const char* title, const Elements& elements) {
-  if (!elements.empty()) {
-    out << title << ":\n";
-    for (const auto& element : elements) {
-      out << "  " << element << '\n';
-    }
+std::vector<std::string> linesFor(const Elements& elements) {
+  std::ostringstream text;
+  for (const auto& element : elements) {
+    text << element << '\n';
   }
+  return linesOf(text.str());
 }
 
-template <typename Value>
-void printIfThere(std::ostream& out, const char* title, const std::optional<Value>& value) {
-  if (value) {
-    out << title << *value;
-  }
+std::string endText(const std::optional<int>& status) {
+  return status ? ", " + statusText(*status) : ", not ended";
 }
 
-void printStatus(std::ostream& out, const std::optional<int>& status) {
-  if (status) {
-    out << ", status " << *status;
-  } else {
-    out << ", not ended";
-  }
-}
-
-void printAll(std::ostream& out, const HostRun& run) {
-  out << "a run " << endOf(run) << '\n';
-  printList(out, "failed assertions", run.failedAssertions);
-  printBlock(out, "the host wrote", run.output);
-  printBlock(out, "the host wrote on standard error", run.errorOutput);
-  printList(out, "the host's own commands", run.hostCommands);
-  printList(out, "asked for", run.sends);
-  if (run.toolRuns.empty()) {
-    out << "the design tool was not started\n";
-  }
-  printList(out, "started", run.toolRuns);
-  for (const Report& report : run.reports) {
-    out << report;
-  }
-  if (run.reports.empty()) {
-    printList(out, "items as they were written", run.writtenItems);
-  }
-  printList(out, "hazards", run.hazards());
-  printBlock(out, "script", run.script);
-  printIfThere(out, "", run.identity);
-  printIfThere(out, "", run.settings);
-}
-
-bool isThere(const std::string& path) {
+std::string headlineOf(const Report& report) {
   struct stat status {};
-  return stat(path.c_str(), &status) == 0;
+  const bool isThere = stat(report.folder.c_str(), &status) == 0;
+  return "report " + forTerminal(report.clientId) + " of " + forTerminal(report.registrationId) +
+         (isThere ? ", " + report.folder : "");
+}
+
+Block warningsOf(const Report& report) { return {"the design tool's warnings", visible(report.warnings)}; }
+
+/// What may be wrong, the worst first.
+std::vector<Block> causesIn(const HostRun& run) {
+  std::vector<Block> blocks{
+      {"it proves nothing", run.unsoundness},
+      {"sanitizers' findings", visible(run.sanitizerFindings())},
+      {"failed assertions", linesFor(run.failedAssertions)},
+      {"processes that outlived the host", visible(run.outlivingProcesses)},
+      {"sends", linesFor(run.sends)},
+      {"started", run.toolRuns.empty() ? std::vector<std::string>{"no design tool"} : linesFor(run.toolRuns)},
+      {"hazards", linesFor(run.hazards())},
+      {"the host wrote on standard error", visibleLines(run.errorOutput)},
+      {"the host wrote", visibleLines(run.output)},
+      {"the host's own commands", linesFor(run.hostCommands)},
+      {"added", linesFor(run.added)}};
+  for (const Report& report : run.reports) {
+    blocks.push_back(warningsOf(report));
+  }
+  return blocks;
+}
+
+std::string firstLine(const HostRun& run) { return "a run " + endOf(run) + "\n"; }
+
+/// The block with no more than `limit` lines, of which the last says how many there are besides.
+Block cut(Block block, std::size_t limit) {
+  if (block.lines.size() > limit) {
+    const std::size_t left = block.lines.size() - (limit - 1);
+    block.lines.resize(limit - 1);
+    block.lines.push_back("and " + std::to_string(left) + " more: print the run to see all");
+  }
+  for (std::string& line : block.lines) {
+    line = line.size() > LINE_LENGTH ? line.substr(0, LINE_LENGTH) + "..." : line;
+  }
+  return block;
 }
 
 }  // namespace
@@ -104,11 +128,7 @@ std::ostream& operator<<(std::ostream& out, const Rule& rule) {
 }
 
 std::ostream& operator<<(std::ostream& out, const Report& report) {
-  out << "report " << forTerminal(report.clientId) << " of " << forTerminal(report.registrationId);
-  out << (isThere(report.folder) ? ", " + report.folder : "") << '\n';
-  printList(out, "items as the design tool read them", report.items);
-  printList(out, "its warnings", report.warnings);
-  return out;
+  return print(out, {{headlineOf(report), linesFor(report.items)}, warningsOf(report)});
 }
 
 std::ostream& operator<<(std::ostream& out, const Send& send) {
@@ -126,13 +146,15 @@ std::ostream& operator<<(std::ostream& out, const Send& send) {
     default:
       out << static_cast<std::uint32_t>(send.product);
   }
-  return out << "): " << (!send.answer ? "no answer" : *send.answer ? "true" : "false");
+  out << "): ";
+  if (send.exception) {
+    return out << *send.exception;
+  }
+  return out << (!send.answer ? "no answer" : *send.answer ? "true" : "false");
 }
 
 std::ostream& operator<<(std::ostream& out, const HostCommand& command) {
-  out << forTerminal(command.commandLine);
-  printStatus(out, command.status);
-  return out;
+  return out << forTerminal(command.commandLine) << endText(command.status);
 }
 
 std::ostream& operator<<(std::ostream& out, const FailedAssertion& assertion) {
@@ -140,8 +162,7 @@ std::ostream& operator<<(std::ostream& out, const FailedAssertion& assertion) {
 }
 
 std::ostream& operator<<(std::ostream& out, const ToolRun& run) {
-  out << forTerminal(run.commandLine);
-  printStatus(out, run.status);
+  out << forTerminal(run.commandLine) << endText(run.status);
   for (const std::string& line : linesOf(run.output)) {
     out << "\n    " << forTerminal(line);
   }
@@ -153,19 +174,43 @@ std::ostream& operator<<(std::ostream& out, const Exception& exception) {
 }
 
 std::ostream& operator<<(std::ostream& out, const Settings& settings) {
-  printBlock(out, "settings", settings.text);
-  return out;
+  return print(out, {{"settings", visibleLines(settings.text)}});
 }
 
 std::ostream& operator<<(std::ostream& out, const Identity& identity) {
-  printBlock(out, "identity", identity.text);
-  return out;
+  return print(out, {{"identity", visibleLines(identity.text)}});
 }
 
 std::ostream& operator<<(std::ostream& out, const HostRun& run) {
   std::ostringstream text;
-  printAll(text, run);
+  print(text << firstLine(run), causesIn(run));
+  for (const Report& report : run.reports) {
+    print(text, {{headlineOf(report), linesFor(report.items)}});
+  }
+  print(text, {{"items as they were written",
+                linesFor(run.reports.empty() ? run.writtenItems : std::vector<Item>())},
+               {"script", visibleLines(run.script)}});
+  if (run.identity) {
+    text << *run.identity;
+  }
+  if (run.settings) {
+    text << *run.settings;
+  }
   return out << withoutGoneDirectory(text.str(), run.directory);
+}
+
+std::string summaryOf(const HostRun& run, std::size_t lineLimit) {
+  std::ostringstream text;
+  text << firstLine(run);
+  std::size_t left = lineLimit - 1;
+  for (const Block& block : causesIn(run)) {
+    if (left >= 3 && !block.lines.empty()) {
+      const Block shown = cut(block, std::min(LINES_OF_A_BLOCK, left - 1));
+      print(text, {shown});
+      left -= shown.lines.size() + 1;
+    }
+  }
+  return withoutGoneDirectory(text.str(), run.directory);
 }
 
 void PrintTo(const HostRun& run, std::ostream* out) { *out << "a run " << endOf(run); }

@@ -1,5 +1,7 @@
 // What matchers say of a run that is not as a test wants it.
 
+#include "sandbox/results/reasons.h"
+
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -54,20 +56,36 @@ std::string whyNotStarted(const HostRun& run) {
               : "which was not due";
 }
 
-std::string lastLineOf(const std::string& text) {
-  const auto lines = linesOf(text);
-  return lines.empty() ? "" : lines.back();
+/// The last message of the design tool, without the lines that show what it is about.
+std::string lastMessageIn(const std::string& output) {
+  const auto lines = linesOf(output);
+  const auto last = std::find_if(lines.rbegin(), lines.rend(),
+                                 [](const std::string& line) { return !line.empty() && line[0] != ' '; });
+  return last == lines.rend() ? "" : ": " + *last;
 }
 
 std::string whyNotReported(const HostRun& run) {
   if (run.toolRuns.empty()) {
-    return "whose answer is true, but which started no design tool";
+    return "whose send answered true, but which started no design tool";
   }
   const ToolRun& tool = run.toolRuns.back();
-  const std::string said = tool.output.empty() ? "" : ": " + lastLineOf(tool.output);
-  const int status = tool.status.value_or(0);
-  return "whose design tool ended with status " +
-         std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : status) + " and made no report" + said;
+  const std::string end =
+      tool.status ? " ended with " + statusText(*tool.status) + " and made no report" : " did not end";
+  return "whose design tool" + end + lastMessageIn(tool.output);
+}
+
+std::string outcomeOf(const HostRun& run) {
+  if (run.sends.empty()) {
+    return endOf(run) + " and called no send";
+  }
+  const Send& send = run.sends.back();
+  if (send.exception) {
+    return "whose send threw " + send.exception->type + " " + inQuotes(send.exception->text);
+  }
+  if (!send.answer) {
+    return endOf(run) + " before send returned";
+  }
+  return *send.answer ? whyNotReported(run) : whyNotStarted(run);
 }
 
 /// In how many places two keys differ: characters put in, left out or replaced.
@@ -125,6 +143,11 @@ std::string instead(const HostRun& run, const std::string& context, const std::s
 
 }  // namespace
 
+std::string statusText(int status) {
+  return WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
+                             : "status " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : status);
+}
+
 std::string endOf(const HostRun& run) {
   if (run.timedOut) {
     return "whose time was up";
@@ -144,14 +167,9 @@ std::string endOf(const HostRun& run) {
 }
 
 std::string whyNotSent(const HostRun& run) {
-  if (!run.endedWell()) {
-    return endOf(run);
-  }
-  if (!run.answer && run.sends.empty()) {
-    return endOf(run) + " and called no send";
-  }
-  const std::string reason = run.answer == true ? whyNotReported(run) : whyNotStarted(run);
-  return withoutGoneDirectory(reason, run.directory);
+  const std::string sent = run.reports.empty() ? "" : "which sent a report, but ";
+  const std::string reason = run.endedWell() ? outcomeOf(run) : endOf(run);
+  return withoutGoneDirectory(sent + reason, run.directory);
 }
 
 std::string whatIsThere(const HostRun& run, Oza::Vestra::SectionType section, const std::string& key) {

@@ -1,7 +1,10 @@
 #include "sandbox/results/run_reader.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <map>
 #include <tuple>
 #include <utility>
 
@@ -36,29 +39,59 @@ Number numberFrom(const std::string& text) {
   return static_cast<Number>(std::stoul(text));
 }
 
-std::vector<AddedItem> addedIn(const std::string& record) {
-  std::vector<AddedItem> added;
-  std::vector<std::string> fields = fieldsIn(bytesOf(record + "/added").value_or(""));
-  for (std::size_t i = 0; i + 3 <= fields.size(); i += 3) {
-    added.push_back({numberFrom<Oza::Vestra::SectionType>(fields[i]), std::move(fields[i + 1]),
-                     std::move(fields[i + 2])});
-  }
-  return added;
-}
+/// A number of the recorder, whose calls count on in each process.
+struct CallNumber {
+  explicit CallNumber(const std::string& text)
+      : process(text.substr(0, text.find('-'))), count(std::stoul(text.substr(process.size() + 1))) {}
 
-std::vector<Send> sendsIn(const std::string& record) {
+  std::string process;
+  unsigned long count;
+};
+
+/// What the host asked of the library.
+class Calls {
+ public:
+  explicit Calls(const std::string& record) {
+    readSends(fieldsIn(bytesOf(record + "/sends").value_or("")));
+    readAdded(fieldsIn(bytesOf(record + "/added").value_or("")));
+  }
+
+  std::vector<AddedItem> added;
   std::vector<Send> sends;
-  const std::vector<std::string> fields = fieldsIn(bytesOf(record + "/sends").value_or(""));
-  for (std::size_t i = 0; i + 3 <= fields.size(); i += 3) {
-    const std::string& outcome = fields[i + 2];
-    if (outcome == "begun") {
-      sends.push_back({fields[i], numberFrom<Oza::Vestra::ProductType>(fields[i + 1]), std::nullopt});
-    } else if (outcome != "threw") {
-      sends.back().answer = outcome == "true";
+
+ private:
+  // Processes and threads of the host may call `send` at the same time.
+  void readSends(const std::vector<std::string>& fields) {
+    constexpr std::size_t FIELDS = 5;
+    std::map<std::string, std::size_t> places;
+    for (std::size_t i = 0; i + FIELDS <= fields.size(); i += FIELDS) {
+      const auto [place, isNew] = places.emplace(fields[i], sends.size());
+      if (isNew) {
+        sends.push_back({fields[i + 1], numberFrom<Oza::Vestra::ProductType>(fields[i + 2]), std::nullopt});
+        const CallNumber number(fields[i]);
+        lastSends[number.process] = std::max(lastSends[number.process], number.count);
+      }
+      const std::string& outcome = fields[i + 3];
+      if (outcome == "threw") {
+        sends[place->second].exception = exceptionFrom(fieldsIn(fields[i + 4]));
+      } else if (outcome != "begun") {
+        sends[place->second].answer = outcome == "true";
+      }
     }
   }
-  return sends;
-}
+
+  void readAdded(std::vector<std::string> fields) {
+    constexpr std::size_t FIELDS = 4;
+    for (std::size_t i = 0; i + FIELDS <= fields.size(); i += FIELDS) {
+      const CallNumber number(fields[i]);
+      added.push_back({numberFrom<Oza::Vestra::SectionType>(fields[i + 1]), std::move(fields[i + 2]),
+                       std::move(fields[i + 3]), number.count < lastSends[number.process]});
+    }
+  }
+
+  /// By process.
+  std::map<std::string, unsigned long> lastSends;
+};
 
 /// Reads what one run left, part by part.
 class RunReader {
@@ -71,8 +104,8 @@ class RunReader {
     readShell();
     run.reports = reportsIn(place.outbox);
     run.supportCalls = linesOf(bytesOf(place.record + "/calls").value_or(""));
-    readScript();
     readFiles();
+    readScript();
     const auto items = itemsWrittenIn(run.script, run.added, deadline);
     run.timedOut = run.timedOut || !items;
     run.writtenItems = items.value_or(std::vector<Item>());
@@ -81,8 +114,9 @@ class RunReader {
 
  private:
   void readCalls() {
-    run.added = addedIn(place.record);
-    run.sends = sendsIn(place.record);
+    Calls calls(place.record);
+    run.added = std::move(calls.added);
+    run.sends = std::move(calls.sends);
   }
 
   void readOutcome() {
@@ -109,26 +143,34 @@ class RunReader {
            "/vestra/";
   }
 
+  std::string inVestraDirectory(const std::string& kelvos, const std::string& tavlos) const {
+    const bool isSimulator = run.sends.back().product <= Oza::Vestra::KELVO_ALT;
+    return vestraDirectory() + (isSimulator ? kelvos : tavlos);
+  }
+
   void readScript() {
     if (!run.toolRuns.empty()) {
       run.script = run.toolRuns.back().script;
       run.rulesFile = run.toolRuns.back().rulesFile;
-    } else {
-      run.script = newest({"kelvo_vestra.tcl", "tavlo_vestra.tcl"});
-      run.rulesFile = newest({"usage_statistics_ext_kelvo.wdm", "usage_statistics_ext_tavlo.wdm"});
+    } else if (!run.sends.empty()) {
+      run.script = scriptOfThisRun(inVestraDirectory("kelvo_vestra.tcl", "tavlo_vestra.tcl"));
+      run.rulesFile = rulesOfThisRun(
+          inVestraDirectory("usage_statistics_ext_kelvo.wdm", "usage_statistics_ext_tavlo.wdm"));
     }
   }
 
-  // What an earlier run left lies there still; this run may not have come so far.
-  std::string newest(const std::vector<std::string>& names) const {
-    std::string found;
-    for (const std::string& name : names) {
-      const std::string path = vestraDirectory() + name;
-      if (isNotOlder(path, found.empty() ? place.record + "/started" : found)) {
-        found = path;
-      }
-    }
-    return found.empty() ? "" : bytesOf(found).value_or("");
+  // An earlier run's script may still lie there. A `send` that gets as far as writing its own has
+  // asked for the registration identifier.
+  std::string scriptOfThisRun(const std::string& path) const {
+    const bool isWritten =
+        std::any_of(run.supportCalls.begin(), run.supportCalls.end(),
+                    [](const auto& call) { return call.rfind("oza_vestra_regid(", 0) == 0; });
+    return isWritten && isNotOlder(path, place.record + "/started") ? bytesOf(path).value_or("") : "";
+  }
+
+  // A `send` that can use the identity file leaves equal rules as they are, whatever their time.
+  std::string rulesOfThisRun(const std::string& path) const {
+    return access(run.identityFile.c_str(), R_OK | W_OK) == 0 ? bytesOf(path).value_or("") : "";
   }
 
   void readFiles() {

@@ -5,6 +5,7 @@
 #include <rapidcheck/gtest.h>
 #include <vestra/testkit/matchers.h>
 #include <vestra/testkit/sandbox.h>
+#include <boost/filesystem/operations.hpp>
 
 namespace {
 
@@ -39,41 +40,83 @@ std::vector<Item> usageIn(const std::vector<Item>& items) {
   return usage;
 }
 
-std::string onlyReason(const std::string& key, const std::string& value) {
-  const std::vector<Hazard> hazards = runWith({{key, value}}).hazards();
-  return hazards.size() == 1 ? hazards[0].reason : std::to_string(hazards.size()) + " hazards";
+std::string reasonsIn(const HostRun& run) {
+  std::string reasons;
+  for (const Hazard& hazard : run.hazards()) {
+    reasons += hazard.item.key + " = " + hazard.item.value + ": " + hazard.reason + "\n";
+  }
+  return reasons;
 }
 
 TEST(Hazards, HaveAReasonInWords) {
-  EXPECT_EQ(onlyReason("", "v"), "the key is empty");
-  EXPECT_EQ(onlyReason("two words", "v"), "the key holds white space, which ends it");
-  EXPECT_EQ(onlyReason("two\nlines", "v"), "the key holds white space, which ends it");
-  EXPECT_EQ(onlyReason("a;b", "v"), "the key holds a semicolon, which ends the command");
-  EXPECT_EQ(onlyReason("\"quoted\"", "v"), "the key begins with a double quote");
-  EXPECT_EQ(onlyReason("{braced}", "v"), "the key begins with a brace");
-  EXPECT_EQ(onlyReason("k[0]", "v"), "the key holds an opening bracket, which begins a command");
-  EXPECT_EQ(onlyReason("k$x", "v"), "the key holds a dollar sign, which begins a variable");
-  EXPECT_EQ(onlyReason("k\\n", "v"), "the key holds a backslash, which changes what follows it");
-  EXPECT_EQ(onlyReason("k", "say \"x\""), "the value holds a double quote, which ends it");
-  EXPECT_EQ(onlyReason("k", "[exit]"), "the value holds an opening bracket, which begins a command");
-  EXPECT_EQ(onlyReason("k", "$HOME"), "the value holds a dollar sign, which begins a variable");
-  EXPECT_EQ(onlyReason("k", "C:\\temp"), "the value holds a backslash, which changes what follows it");
-  EXPECT_EQ(
-      onlyReason("a b", "$x"),
-      "the key holds white space, which ends it, the value holds a dollar sign, which begins a variable");
+  struct Case {
+    const char* key;
+    const char* value;
+    const char* reason;
+  };
+  for (const auto& [key, value, reason] : std::vector<Case>{
+           {"", "v", "the key is empty"},
+           {"two words", "v", "the key holds white space, which ends it"},
+           {"two\nlines", "v", "the key holds white space, which ends it"},
+           {"a;b", "v", "the key holds a semicolon, which ends the command"},
+           {"\"quoted\"", "v", "the key begins with a double quote"},
+           {"{braced}", "v", "the key begins with a brace"},
+           {"k[0]", "v", "the key holds an opening bracket, which begins a command"},
+           {"k$x", "v", "the key holds a dollar sign, which begins a variable"},
+           {"k\\n", "v", "the key holds a backslash, which changes what follows it"},
+           {"k", "say \"x\"", "the value holds a double quote, which ends it"},
+           {"k", "[exit]", "the value holds an opening bracket, which begins a command"},
+           {"k", "$HOME", "the value holds a dollar sign, which begins a variable"},
+           {"k", "C:\\temp", "the value holds a backslash, which changes what follows it"},
+           {"a b", "$x",
+            "the key holds white space, which ends it, the value holds a dollar sign, which begins a "
+            "variable"},
+       }) {
+    EXPECT_EQ(reasonsIn(runWith({{key, value}})), std::string(key) + " = " + value + ": " + reason + "\n");
+  }
 }
 
-TEST(Hazards, CapitalIInAFactsKeyIsLostInSomeLocales) {
+TEST(Hazards, IncludeFactsThatTheReportLeavesOut) {
   Sandbox sandbox;
   const HostRun run = sandbox.run(Vestra::KELVO, [] {
-    Vestra::add("BUILD_VERSION", "1", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-    Vestra::add("Build_Version", "2", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    for (const auto& [key, value] :
+         std::vector<std::pair<const char*, const char*>>{{"BUILD_VERSION", "1"},
+                                                          {"Build_Version", "2"},
+                                                          {"traget_device", "x"},
+                                                          {"Target_Device", "y"}}) {
+      Vestra::add(key, value, Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+    }
     Vestra::add("ITEMS", "3", Vestra::KELVO_USAGE);
   });
-  const std::vector<Hazard> hazards = run.hazards();
-  ASSERT_THAT(hazards, SizeIs(1)) << run;
-  EXPECT_EQ(hazards[0].item.key, "BUILD_VERSION");
-  EXPECT_EQ(hazards[0].reason, "the key holds a capital I, which Turkish and Azeri locales do not make an i");
+  EXPECT_EQ(reasonsIn(run),
+            "BUILD_VERSION = 1: the key holds a capital I, which Turkish and Azeri locales do not make an i\n"
+            "Build_Version = 2: the report has \"1\" for this key instead\n"
+            "traget_device = x: the report leaves out the key, which is none of the project's facts\n");
+}
+
+TEST(Hazards, IncludeItemsThatNoSendFollows) {
+  Sandbox sandbox;
+  const HostRun run = sandbox.runProcess([&] {
+    Vestra::add("first", "1", Vestra::KELVO_USAGE);
+    Vestra::send(sandbox.project().c_str(), Vestra::KELVO);
+    Vestra::add("between", "2", Vestra::KELVO_USAGE);
+    Vestra::send(sandbox.project().c_str(), Vestra::KELVO_ALT);
+    Vestra::add("first", "1", Vestra::KELVO_USAGE);
+    return true;
+  });
+  EXPECT_EQ(reasonsIn(run), "first = 1: the report leaves out the item, which no send follows\n");
+}
+
+TEST(Hazards, IncludeProjectDirectoriesThatTheShellOrTheInterpreterReads) {
+  for (const char* name :
+       {"a b", "a\tb", "$HOME", "a;b", "a&b", "it's", "a[b", "a{b,c}", "a*", "a\\b", "a\nb"}) {
+    Sandbox sandbox;
+    const std::string directory = sandbox.project() + "/" + name;
+    boost::filesystem::create_directory(directory);
+    const HostRun run = sandbox.runProcess([&] { return Vestra::send(directory.c_str(), Vestra::KELVO); });
+    EXPECT_THAT(reasonsIn(run), testing::StartsWith("project directory = " + directory + ": it holds \""))
+        << run;
+  }
 }
 
 TEST(Hazards, DoNotIncludeWhatTclReadsAsItStands) {

@@ -1,6 +1,7 @@
-// What the matchers say of runs, and how runs print themselves.
+// What the matchers make of runs, and what they say of them.
 
 #include <csignal>
+#include <functional>
 #include <sstream>
 #include <stdexcept>
 
@@ -10,24 +11,45 @@ namespace {
 
 using Oza::Vestra;
 using testing::AllOf;
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Lt;
+using testing::IsEmpty;
 using testing::Not;
+using testing::Pair;
+using testing::SizeIs;
 using testing::StartsWith;
-using testing::StringMatchResultListener;
 using vestra::testkit::EndedQuietly;
 using vestra::testkit::Exception;
 using vestra::testkit::HasItem;
 using vestra::testkit::HasNoHazards;
+using vestra::testkit::HasNoSanitizerFindings;
+using vestra::testkit::HasNoWarnings;
 using vestra::testkit::HostRun;
 using vestra::testkit::Identity;
 using vestra::testkit::Item;
+using vestra::testkit::ItemsAre;
 using vestra::testkit::Report;
+using vestra::testkit::RunMatcher;
+using vestra::testkit::Send;
+using vestra::testkit::SendsAre;
 using vestra::testkit::Threw;
-using vestra::testkit::ToolRun;
+using vestra::testkit::Verdict;
 using vestra::testkit::WasSent;
 
+constexpr auto MATCHES = Verdict::MATCHES;
+constexpr auto DIFFERS = Verdict::DIFFERS;
+constexpr auto CANNOT_TELL = Verdict::CANNOT_TELL;
+
 const Item RUNS{"kelvo", "kelvo\\usage", "runs", "2"};
+
+/// A run with what the changes make of it.
+HostRun with(HostRun run, const std::function<void(HostRun&)>& change) {
+  change(run);
+  return run;
+}
 
 /// A run whose report holds one item of the simulator's usage.
 HostRun sentRun() {
@@ -47,7 +69,7 @@ HostRun sentRun() {
   return run;
 }
 
-/// A run that was answered false, for a reason that the test adds.
+/// A run whose `send` answered false, for a reason that the test adds.
 HostRun unsentRun() {
   HostRun run;
   run.answer = false;
@@ -57,10 +79,26 @@ HostRun unsentRun() {
   return run;
 }
 
+HostRun notDueRun() {
+  HostRun run = unsentRun();
+  run.script = "vestra_terminate\n";
+  run.writtenItems = {RUNS};
+  run.identity = Identity{"", 1600000000, 1700000000, 3, false, "p"};
+  return run;
+}
+
 HostRun crashedRun() {
   HostRun run;
   run.signal = SIGSEGV;
   return run;
+}
+
+HostRun crashedAfterSend() {
+  return with(sentRun(), [](HostRun& run) {
+    run.answer.reset();
+    run.exitStatus.reset();
+    run.signal = SIGSEGV;
+  });
 }
 
 HostRun throwingRun() {
@@ -70,18 +108,270 @@ HostRun throwingRun() {
   return run;
 }
 
+HostRun runThatWrote(const std::string& errors, int status = 0) {
+  return with(sentRun(), [&](HostRun& run) {
+    run.errorOutput = errors;
+    run.exitStatus = status;
+  });
+}
+
+template <typename Matched, typename Matcher>
+Verdict verdictOf(const Matched& matched, const Matcher& matcher) {
+  const bool matches = testing::Value(matched, matcher);
+  const bool differs = testing::Value(matched, Not(matcher));
+  EXPECT_FALSE(matches && differs);
+  return matches ? MATCHES : differs ? DIFFERS : CANNOT_TELL;
+}
+
+TEST(AMatcher, JudgesARunOrCannotTell) {
+  const auto unsound = with(sentRun(), [](HostRun& run) { run.unsoundness = {"it ran env -i"}; });
+  const auto left = with(sentRun(), [](HostRun& run) {
+    run.answer.reset();
+    run.exitStatus = 3;
+  });
+  const auto answeredFalse = with(sentRun(), [](HostRun& run) { run.answer = false; });
+  const auto sentTwice = with(sentRun(), [](HostRun& run) {
+    run.answer = false;
+    run.sends.push_back({"/project", Vestra::KELVO, false});
+  });
+  const auto unreported = with(sentRun(), [](HostRun& run) { run.reports.clear(); });
+  const auto threwInSend = with(sentRun(), [](HostRun& run) {
+    run.sends[0].answer.reset();
+    run.sends[0].exception = Exception{"std::logic_error", "null", {}};
+  });
+  const auto late = with(sentRun(), [](HostRun& run) { run.timedOut = true; });
+  const auto warned =
+      with(sentRun(), [](HostRun& run) { run.reports[0].warnings = {"s.tcl:1: warning: x"}; });
+  const auto noisy = with(sentRun(), [](HostRun& run) { run.output = "x"; });
+  const auto outlived = with(sentRun(), [](HostRun& run) { run.outlivingProcesses = {"sleep 600"}; });
+  const auto leaking = runThatWrote("==9==ERROR: LeakSanitizer: detected memory leaks\n", 1);
+  const auto corrupting = runThatWrote("==9==ERROR: AddressSanitizer: heap-use-after-free on address\n", 1);
+  const auto racing = runThatWrote("WARNING: ThreadSanitizer: data race (pid=9)\n", 66);
+  const auto undefined = runThatWrote("host.cpp:3:5: runtime error: signed integer overflow\n");
+  const RunMatcher runs = HasItem(Vestra::KELVO_USAGE, "runs", "2");
+  const RunMatcher walks = HasItem(Vestra::KELVO_USAGE, "walks", "2");
+  const RunMatcher threw = Threw<std::logic_error>();
+
+  struct Case {
+    const char* name;
+    HostRun run;
+    RunMatcher matcher;
+    Verdict verdict;
+  };
+  const std::vector<Case> cases{
+      {"sent", sentRun(), WasSent(), MATCHES},
+      {"the host's code gave false", answeredFalse, WasSent(), MATCHES},
+      {"the host left with a status", left, WasSent(), MATCHES},
+      {"a second send was not due", sentTwice, WasSent(), MATCHES},
+      {"found leaking at its end", leaking, WasSent(), MATCHES},
+      {"not due", notDueRun(), WasSent(), DIFFERS},
+      {"the tool made no report", unreported, WasSent(), DIFFERS},
+      {"a report, but no answer", threwInSend, WasSent(), CANNOT_TELL},
+      {"crashed", crashedRun(), WasSent(), CANNOT_TELL},
+      {"crashed after send", crashedAfterSend(), WasSent(), CANNOT_TELL},
+      {"ended by a sanitizer", corrupting, WasSent(), CANNOT_TELL},
+      {"threw", throwingRun(), WasSent(), CANNOT_TELL},
+      {"unsound", unsound, WasSent(), CANNOT_TELL},
+      {"item", sentRun(), runs, MATCHES},
+      {"item of a crashed host", crashedAfterSend(), runs, MATCHES},
+      {"no item", sentRun(), walks, DIFFERS},
+      {"no item of a crashed host", crashedAfterSend(), walks, CANNOT_TELL},
+      {"no script", unsentRun(), runs, CANNOT_TELL},
+      {"not read to its end", late, walks, CANNOT_TELL},
+      {"item, unsound", unsound, runs, CANNOT_TELL},
+      {"items", sentRun(), ItemsAre(Vestra::KELVO_USAGE, ElementsAre(Pair("runs", "2"))), MATCHES},
+      {"no items", sentRun(), ItemsAre(Vestra::TAVLO_USAGE, IsEmpty()), MATCHES},
+      {"other items", sentRun(), ItemsAre(Vestra::KELVO_USAGE, IsEmpty()), DIFFERS},
+      {"items without a script", unsentRun(), ItemsAre(Vestra::KELVO_USAGE, IsEmpty()), CANNOT_TELL},
+      {"sends", sentRun(), SendsAre(ElementsAre(Send{"/project", Vestra::KELVO, true})), MATCHES},
+      {"another product", sentRun(), SendsAre(Contains(Send{"/project", Vestra::TAVLO, true})), DIFFERS},
+      {"another directory", sentRun(), SendsAre(Contains(Send{"/other", Vestra::KELVO, true})), DIFFERS},
+      {"another answer", sentRun(), SendsAre(Contains(Send{"/project", Vestra::KELVO, false})), DIFFERS},
+      {"one send of two", sentTwice, SendsAre(SizeIs(1)), DIFFERS},
+      {"no hazards", sentRun(), HasNoHazards(), MATCHES},
+      {"no hazards of a crashed host", crashedAfterSend(), HasNoHazards(), CANNOT_TELL},
+      {"hazards without a script", unsentRun(), HasNoHazards(), CANNOT_TELL},
+      {"no warnings", sentRun(), HasNoWarnings(), MATCHES},
+      {"warnings", warned, HasNoWarnings(), DIFFERS},
+      {"warnings without a report", notDueRun(), HasNoWarnings(), CANNOT_TELL},
+      {"no findings", sentRun(), HasNoSanitizerFindings(), MATCHES},
+      {"a leak", leaking, HasNoSanitizerFindings(), DIFFERS},
+      {"a race", racing, HasNoSanitizerFindings(), DIFFERS},
+      {"an overflow", undefined, HasNoSanitizerFindings(), DIFFERS},
+      {"a host's own words", runThatWrote("parser: runtime error: 5\n"), HasNoSanitizerFindings(), MATCHES},
+      {"no findings of a crashed host", crashedRun(), HasNoSanitizerFindings(), CANNOT_TELL},
+      {"an exception", throwingRun(), threw, MATCHES},
+      {"no exception", sentRun(), threw, DIFFERS},
+      {"another exception", throwingRun(), Threw<std::runtime_error>(), DIFFERS},
+      {"an exception's text", throwingRun(), Threw("std::out_of_range", HasSubstr("far")), MATCHES},
+      {"another text", throwingRun(), Threw<std::out_of_range>("near"), DIFFERS},
+      {"no exception of a crashed host", crashedRun(), threw, CANNOT_TELL},
+      {"quiet", sentRun(), EndedQuietly(), MATCHES},
+      {"loud", noisy, EndedQuietly(), DIFFERS},
+      {"left with a status", left, EndedQuietly(), DIFFERS},
+      {"crashed loudly", crashedRun(), EndedQuietly(), DIFFERS},
+      {"outlived", outlived, EndedQuietly(), DIFFERS},
+      {"unsound and quiet", unsound, EndedQuietly(), CANNOT_TELL},
+      {"a quiet race", with(racing, [](HostRun& run) { run.exitStatus = 0; }), EndedQuietly(), DIFFERS},
+  };
+  for (const Case& each : cases) {
+    EXPECT_EQ(verdictOf(each.run, each.matcher), each.verdict) << each.name;
+  }
+}
+
+TEST(ANegation, MatchesNoHostThatCrashedHoweverItIsComposed) {
+  const testing::Matcher<HostRun> stored = WasSent();
+  const RunMatcher walks = HasItem(Vestra::KELVO_USAGE, "walks", "2");
+  const std::vector<testing::Matcher<const HostRun&>> matchers{
+      testing::SafeMatcherCast<const HostRun&>(stored),
+      Not(WasSent()),
+      AllOf(WasSent(), walks),
+      AllOf(EndedQuietly(), WasSent()),
+      AnyOf(WasSent(), walks),
+      walks};
+  for (const HostRun& run : {crashedRun(), crashedAfterSend()}) {
+    for (const auto& matcher : matchers) {
+      EXPECT_EQ(verdictOf(run, matcher), CANNOT_TELL) << testing::DescribeMatcher<const HostRun&>(matcher);
+    }
+    const std::vector<HostRun> runs{notDueRun(), run};
+    EXPECT_EQ(verdictOf(runs, Contains(WasSent())), CANNOT_TELL);
+    EXPECT_EQ(verdictOf(runs, Each(EndedQuietly())), CANNOT_TELL);
+    EXPECT_EQ(verdictOf(runs, ElementsAre(Not(WasSent()), WasSent())), CANNOT_TELL);
+  }
+}
+
+TEST(ANegation, IsOrdinaryOfOtherRuns) {
+  EXPECT_EQ(verdictOf(notDueRun(), AllOf(EndedQuietly(), WasSent())), DIFFERS);
+  EXPECT_EQ(verdictOf(sentRun(), AllOf(EndedQuietly(), WasSent())), MATCHES);
+  EXPECT_EQ(verdictOf(notDueRun(), testing::Matcher<HostRun>(WasSent())), DIFFERS);
+  EXPECT_EQ(verdictOf(notDueRun(), AllOf(Not(WasSent()), Not(EndedQuietly()))), DIFFERS);
+  EXPECT_EQ(verdictOf(sentRun(), AllOf(Not(WasSent()), EndedQuietly())), DIFFERS);
+  EXPECT_EQ(verdictOf(std::vector<HostRun>{notDueRun()}, Contains(WasSent())), DIFFERS);
+  EXPECT_EQ(verdictOf(crashedRun(), testing::Field(&HostRun::signal, SIGTERM)), DIFFERS);
+}
+
+TEST(HasItem, TakesNumbersAsHostsWriteThem) {
+  const auto wants = [](const std::string& text, const auto& value) {
+    const auto run = with(sentRun(), [&](HostRun& each) { each.reports[0].items[0].value = text; });
+    return testing::Value(run, HasItem(Vestra::KELVO_USAGE, "runs", value));
+  };
+  EXPECT_TRUE(wants("2", 2));
+  EXPECT_TRUE(wants("2", 2UL));
+  EXPECT_TRUE(wants("2", std::uint8_t{2}));
+  EXPECT_TRUE(wants("-2", std::int8_t{-2}));
+  EXPECT_TRUE(wants("x", 'x'));
+  EXPECT_TRUE(wants("1", true));
+  EXPECT_TRUE(wants("1.5", 1.5));
+  EXPECT_TRUE(wants("0.1", 0.1));
+  EXPECT_TRUE(wants("0.10000000000000001", 0.1));
+  EXPECT_TRUE(wants("0.1", 0.1F));
+  EXPECT_TRUE(wants("1234567.5", 1234567.5));
+  EXPECT_TRUE(wants("0.33333333333333331", 1.0 / 3));
+  EXPECT_TRUE(wants("1e+300", 1e300));
+  EXPECT_FALSE(wants("1.23457e+06", 1234567.5));
+  EXPECT_FALSE(wants("2", 3));
+}
+
+/// What the matcher says of a run that it does not match.
 template <typename Matcher>
 std::string explanation(const Matcher& matcher, const HostRun& run) {
-  StringMatchResultListener listener;
+  testing::StringMatchResultListener listener;
   testing::ExplainMatchResult(matcher, run, &listener);
   return listener.str();
 }
 
-/// The reason alone, without the account of the run behind it.
-template <typename Matcher>
-std::string reason(const Matcher& matcher, const HostRun& run) {
-  const std::string text = explanation(matcher, run);
-  return text.substr(0, text.find("\na run "));
+TEST(AReason, StandsBeforeTheRun) {
+  const auto toolFailed = with(sentRun(), [](HostRun& run) {
+    run.reports.clear();
+    run.toolRuns[0].status = 1 << 8;
+    run.toolRuns[0].output = "read 3 items\nkelvo_vestra.tcl:4: extra characters\n    \"a\"b\n       ^\n";
+  });
+  const auto otherProduct = with(notDueRun(), [](HostRun& run) { run.sends[0].product = Vestra::KELVO_ALT; });
+  const auto withoutLibrary = with(unsentRun(), [](HostRun& run) { run.rulesFile = "rules"; });
+  const auto gone = with(unsentRun(), [](HostRun& run) {
+    run.directory = "/nowhere/sandbox";
+    run.identityFile = "/nowhere/sandbox/project/vestra/.kelvo_vestrra.info";
+  });
+  const auto silent = with(unsentRun(), [](HostRun& run) { run.sends.clear(); });
+  const auto left = with(unsentRun(), [](HostRun& run) {
+    run.answer.reset();
+    run.sends[0].answer.reset();
+    run.exitStatus = 3;
+  });
+  const auto threwInSend = with(left, [](HostRun& run) { run.sends[0].exception = Exception{"E", "t", {}}; });
+  const auto leftAfterSend = with(sentRun(), [](HostRun& run) { run.exitStatus = 3; });
+  const auto late = with(crashedRun(), [](HostRun& run) { run.timedOut = true; });
+  const auto unsound = with(sentRun(), [](HostRun& run) { run.unsoundness = {"it ran env -i"}; });
+  const auto hazardous = with(sentRun(), [](HostRun& run) { run.writtenItems[0].value = "C:\\temp"; });
+
+  struct Case {
+    RunMatcher matcher;
+    HostRun run;
+    const char* reason;
+  };
+  const std::vector<Case> cases{
+      {WasSent(), notDueRun(),
+       "which was not due until 2020-09-14 12:26:41 UTC: /project/vestra/.kelvo_vestrra.info says that the "
+       "last "
+       "report went at 2020-09-13 12:26:40 UTC"},
+      {WasSent(), otherProduct,
+       "which was not due until 2023-11-15 22:13:21 UTC: /project/vestra/.kelvo_vestrra.info says that the "
+       "last "
+       "report went at 2023-11-14 22:13:20 UTC"},
+      {WasSent(), withoutLibrary, "which found no support library, libqvzcommonvestrasupport.so"},
+      {WasSent(), unsentRun(), "which could not use the identity file /project/vestra/.kelvo_vestrra.info"},
+      {WasSent(), gone, "which could not use the identity file SANDBOX/project/vestra/.kelvo_vestrra.info"},
+      {WasSent(), toolFailed,
+       "whose design tool ended with status 1 and made no report: kelvo_vestra.tcl:4: extra characters"},
+      {WasSent(), silent, "whose host answered false and called no send"},
+      {WasSent(), left, "whose host ended with status 3 before send returned"},
+      {WasSent(), threwInSend, "whose send threw E \"t\""},
+      {WasSent(), crashedRun(), "whose host was ended by signal 11 (Segmentation fault)"},
+      {WasSent(), crashedAfterSend(),
+       "which sent a report, but whose host was ended by signal 11 (Segmentation fault)"},
+      {WasSent(), throwingRun(), "whose host threw std::out_of_range \"too far\""},
+      {WasSent(), late, "whose time was up"},
+      {WasSent(), unsound, "which proves nothing, as it ran env -i"},
+      {HasItem(Vestra::KELVO_USAGE, "runs", "3"), sentRun(), "whose \"runs\" in kelvo\\usage is \"2\""},
+      {HasItem(Vestra::KELVO_USAGE, "rums", "2"), sentRun(),
+       "which has no key \"rums\" in kelvo\\usage; the nearest is \"runs\" = \"2\""},
+      {HasItem(Vestra::KELVO_USAGE, "elapsed", "2"), sentRun(),
+       "which has no key \"elapsed\" in kelvo\\usage"},
+      {HasItem(Vestra::TAVLO_USAGE, "runs", "2"), sentRun(),
+       "which has no key \"runs\" in tavlo\\usage; kelvo\\usage has it: \"2\""},
+      {HasItem(Vestra::TAVLO_USAGE, "runs", "2"), silent,
+       "which has no script to look into, whose host answered false and called no send"},
+      {ItemsAre(Vestra::KELVO_USAGE, IsEmpty()), sentRun(),
+       "whose items in kelvo\\usage are { (\"runs\", \"2\") }, whose size is 1"},
+      {SendsAre(IsEmpty()), sentRun(),
+       "whose sends are { send(\"/project\", KELVO): true }, whose size is 1"},
+      {HasNoHazards(), hazardous,
+       "with hazards:\n  kelvo\\usage: runs = \"C:\\temp\": the value holds a backslash, which changes what "
+       "follows it"},
+      {Threw<std::logic_error>(), sentRun(), "whose host answered true"},
+      {EndedQuietly(), runThatWrote("a.c:1:2: runtime error: x\n"),
+       "whose host answered true, in which a sanitizer found a.c:1:2: runtime error: x, and which printed"},
+  };
+  for (const Case& each : cases) {
+    EXPECT_THAT(explanation(each.matcher, each.run), StartsWith(std::string(each.reason) + "\na run whose "));
+  }
+  EXPECT_THAT(explanation(Not(WasSent()), leftAfterSend),
+              StartsWith("which sent 1 report(s), and whose host ended with status 3\na run "));
+}
+
+TEST(ADescription, SaysWhatIsWanted) {
+  const auto described = [](const testing::Matcher<HostRun>& matcher) {
+    return testing::DescribeMatcher<const HostRun&>(matcher);
+  };
+  EXPECT_EQ(described(HasItem(Vestra::KELVO_USAGE, "runs", 3)),
+            "has an item \"runs\" in kelvo\\usage whose value is equal to \"3\"");
+  EXPECT_EQ(described(Not(HasItem(Vestra::KELVO_USAGE, "runs", 3))),
+            "has no item \"runs\" in kelvo\\usage whose value is equal to \"3\"");
+  EXPECT_EQ(described(ItemsAre(Vestra::TAVLO_USAGE, IsEmpty())),
+            "has items in tavlo\\usage, a list that is empty");
+  EXPECT_EQ(described(SendsAre(ElementsAre(Send{"/p", Vestra::TAVLO, true}))),
+            "has sends, a list that has 1 element that is equal to send(\"/p\", TAVLO): true");
+  EXPECT_EQ(described(Not(AllOf(WasSent(), EndedQuietly()))), "(was not sent) or (did not end quietly)");
 }
 
 std::string accountOf(const HostRun& run) {
@@ -90,203 +380,41 @@ std::string accountOf(const HostRun& run) {
   return out.str();
 }
 
-TEST(WasSent, NeedsATrueAnswerAndAReport) {
-  HostRun run = sentRun();
-  EXPECT_THAT(run, WasSent());
-  run.answer = false;
-  EXPECT_THAT(run, Not(WasSent()));
-  run = sentRun();
-  run.reports.clear();
-  EXPECT_THAT(run, Not(WasSent()));
-}
-
-TEST(WasSent, SaysUntilWhenAReportIsNotDueAndWhichFileSaysSo) {
-  HostRun run = unsentRun();
-  run.script = "vestra_terminate\n";
-  run.identity = Identity{"", 1600000000, 1700000000, 3, false, "p"};
-  EXPECT_EQ(
-      reason(WasSent(), run),
-      "which was not due until 2020-09-14 12:26:41 UTC: /project/vestra/.kelvo_vestrra.info says that the "
-      "last report went at 2020-09-13 12:26:40 UTC");
-  run.sends[0].product = Vestra::KELVO_ALT;
-  EXPECT_THAT(reason(WasSent(), run), StartsWith("which was not due until 2023-11-15 22:13:21 UTC"));
-}
-
-TEST(WasSent, SaysThatThereWasNoSupportLibrary) {
-  HostRun run = unsentRun();
-  run.rulesFile = "rules";
-  EXPECT_EQ(reason(WasSent(), run), "which found no support library, libqvzcommonvestrasupport.so");
-}
-
-TEST(WasSent, SaysWhichIdentityFileCouldNotBeUsed) {
-  EXPECT_EQ(reason(WasSent(), unsentRun()),
-            "which could not use the identity file /project/vestra/.kelvo_vestrra.info");
-}
-
-TEST(WasSent, SaysWhatTheDesignToolSaidThatMadeNoReport) {
-  HostRun run = sentRun();
-  run.reports.clear();
-  run.toolRuns[0].status = 1 << 8;
-  run.toolRuns[0].output = "read 3 items\nkelvo_vestra.tcl:4: extra characters\n";
-  EXPECT_EQ(reason(WasSent(), run),
-            "whose design tool ended with status 1 and made no report: kelvo_vestra.tcl:4: extra characters");
-}
-
-TEST(WasSent, SaysThatSendWasNotCalled) {
-  HostRun run;
-  run.exitStatus = 0;
-  EXPECT_EQ(reason(WasSent(), run), "whose host gave no answer and called no send");
-}
-
-TEST(WasSent, SaysHowAHostEndedThatCannotTell) {
-  EXPECT_EQ(reason(WasSent(), crashedRun()), "whose host was ended by signal 11 (Segmentation fault)");
-  EXPECT_EQ(reason(WasSent(), throwingRun()), "whose host threw std::out_of_range \"too far\"");
-  HostRun late = crashedRun();
-  late.timedOut = true;
-  EXPECT_EQ(reason(WasSent(), late), "whose time was up");
-}
-
-TEST(WasSent, IsNeitherTrueNorFalseOfAHostThatCrashedOrThrew) {
-  for (const HostRun& run : {crashedRun(), throwingRun()}) {
-    EXPECT_FALSE(testing::Value(run, WasSent()));
-    EXPECT_FALSE(testing::Value(run, Not(WasSent())));
-  }
-}
-
-TEST(HasItem, LooksAtSectionKeyAndValue) {
-  const HostRun run = sentRun();
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", "2"));
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", std::string("2")));
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", StartsWith("2")));
-  EXPECT_THAT(run, Not(HasItem(Vestra::KELVO_USAGE, "runs", "3")));
-  EXPECT_THAT(run, Not(HasItem(Vestra::KELVO_USAGE, "walks", "2")));
-  EXPECT_THAT(run, Not(HasItem(Vestra::TAVLO_USAGE, "runs", "2")));
-}
-
-TEST(HasItem, TakesNumbersAsHostsWriteThem) {
-  HostRun run = sentRun();
-  run.reports[0].items.push_back({"kelvo", "kelvo\\usage", "hours", "1.5"});
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", 2));
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", 2UL));
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "hours", 1.5));
-  EXPECT_THAT(run, Not(HasItem(Vestra::KELVO_USAGE, "runs", 3)));
-}
-
-TEST(HasItem, SaysWhatItWants) {
-  EXPECT_EQ(testing::DescribeMatcher<HostRun>(HasItem(Vestra::KELVO_USAGE, "runs", "3")),
-            "has an item \"runs\" in kelvo\\usage whose value is equal to \"3\"");
-  EXPECT_EQ(testing::DescribeMatcher<HostRun>(Not(HasItem(Vestra::KELVO_USAGE, "runs", 3))),
-            "has no item \"runs\" in kelvo\\usage whose value is equal to \"3\"");
-}
-
-TEST(HasItem, SaysTheValueThatIsThereInstead) {
-  EXPECT_EQ(reason(HasItem(Vestra::KELVO_USAGE, "runs", "3"), sentRun()),
-            "whose \"runs\" in kelvo\\usage is \"2\"");
-}
-
-TEST(HasItem, NamesTheNearestKey) {
-  EXPECT_EQ(reason(HasItem(Vestra::KELVO_USAGE, "rums", "2"), sentRun()),
-            "which has no key \"rums\" in kelvo\\usage; the nearest is \"runs\" = \"2\"");
-  EXPECT_EQ(reason(HasItem(Vestra::KELVO_USAGE, "elapsed", "2"), sentRun()),
-            "which has no key \"elapsed\" in kelvo\\usage");
-}
-
-TEST(HasItem, NamesTheSectionThatHasTheKey) {
-  EXPECT_EQ(reason(HasItem(Vestra::TAVLO_USAGE, "runs", "2"), sentRun()),
-            "which has no key \"runs\" in tavlo\\usage; kelvo\\usage has it: \"2\"");
-}
-
-TEST(HasItem, PutsTheReasonBeforeTheRun) {
-  EXPECT_THAT(explanation(HasItem(Vestra::KELVO_USAGE, "runs", "3"), sentRun()),
-              StartsWith("whose \"runs\" in kelvo\\usage is \"2\"\na run whose host answered true\n"));
-}
-
-TEST(HasItem, LooksAtTheScriptWhenNothingWasReported) {
-  HostRun run;
-  run.writtenItems = {Item{"tavlo", "tavlo\\usage", "probes", "4"}};
-  EXPECT_THAT(run, HasItem(Vestra::TAVLO_USAGE, "probes", "4"));
-}
-
-TEST(HasNoHazards, ListsThem) {
-  HostRun run;
-  run.writtenItems = {Item{"kelvo", "kelvo\\usage", "path", "C:\\temp"}};
-  EXPECT_EQ(reason(HasNoHazards(), run),
-            "with hazards:\n  kelvo\\usage: path = \"C:\\temp\": the value holds a backslash, which changes "
-            "what follows it");
-  EXPECT_THAT(run, Not(HasNoHazards()));
-}
-
-TEST(HasNoHazards, ComparesWithWhatTheDesignToolReports) {
-  HostRun run = sentRun();
-  EXPECT_THAT(run, HasNoHazards());
-  run.reports[0].items[0].value = "3";
-  EXPECT_THAT(reason(HasNoHazards(), run), HasSubstr("the design tool reports something else in its place"));
-  run.reports[0].items.clear();
-  EXPECT_THAT(reason(HasNoHazards(), run), HasSubstr("the design tool does not report it"));
-}
-
-TEST(AMatcherOfTheScript, SaysThatThereIsNone) {
-  const HostRun run = unsentRun();
-  const auto hasItem = HasItem(Vestra::KELVO_USAGE, "runs", "2");
-  EXPECT_FALSE(testing::Value(run, HasNoHazards()));
-  EXPECT_FALSE(testing::Value(run, Not(HasNoHazards())));
-  EXPECT_FALSE(testing::Value(run, hasItem));
-  EXPECT_FALSE(testing::Value(run, Not(hasItem)));
-  EXPECT_EQ(reason(HasNoHazards(), run),
-            "which has no script to look into, which could not use the identity file "
-            "/project/vestra/.kelvo_vestrra.info");
-}
-
-TEST(Threw, ComparesTypeAndText) {
-  const HostRun run = throwingRun();
-  EXPECT_THAT(run, Threw("std::out_of_range", "too far"));
-  EXPECT_THAT(run, Threw("std::out_of_range", HasSubstr("far")));
-  EXPECT_THAT(run, Not(Threw("std::out_of_range", "near")));
-  EXPECT_THAT(run, Not(Threw("std::runtime_error", "too far")));
-  EXPECT_THAT(sentRun(), Not(Threw("std::out_of_range", "too far")));
-}
-
-TEST(Threw, TakesTheTypeItselfAndWhatItDerivesFrom) {
-  EXPECT_THAT(throwingRun(), Threw<std::out_of_range>("too far"));
-  EXPECT_THAT(throwingRun(), Threw<std::logic_error>(HasSubstr("far")));
-  EXPECT_THAT(throwingRun(), Threw<std::exception>());
-  EXPECT_THAT(throwingRun(), Not(Threw<std::runtime_error>()));
-  EXPECT_EQ(reason(Threw<std::logic_error>(), sentRun()), "whose host answered true");
-}
-
-TEST(EndedQuietly, NeedsStatusZeroAndNoOutput) {
-  EXPECT_THAT(sentRun(), EndedQuietly());
-  HostRun run = sentRun();
-  run.output = "x";
-  EXPECT_THAT(run, Not(EndedQuietly()));
-  run = sentRun();
-  run.errorOutput = "x";
-  EXPECT_THAT(run, Not(EndedQuietly()));
-  EXPECT_THAT(crashedRun(), Not(EndedQuietly()));
-}
-
-TEST(ARunsAccount, ShowsAllThatThereIs) {
+TEST(AnAccount, ShowsAllThatThereIsTheWorstFirst) {
   HostRun run = sentRun();
   run.output = "hello\n";
-  run.hostCommands = {{"ls", 0}};
+  run.errorOutput = "==9==ERROR: LeakSanitizer: leaks\n";
+  run.hostCommands = {{"ls", 1 << 8}};
   run.identity = Identity{"5\n0\n2\n0\np\n", 5, 0, 2, false, "p"};
   run.settings = vestra::testkit::Settings{"RandomID=r\n", "r"};
   run.failedAssertions = {{"host.cpp", 7, "Failed"}};
+  run.unsoundness = {"it ran env -i"};
+  run.outlivingProcesses = {"sleep 600"};
+  run.added = {{Vestra::KELVO_USAGE, "runs", "2"}};
   EXPECT_EQ(accountOf(run),
             "a run whose host answered true\n"
+            "it proves nothing:\n"
+            "  it ran env -i\n"
+            "sanitizers' findings:\n"
+            "  ==9==ERROR: LeakSanitizer: leaks\n"
             "failed assertions:\n"
             "  host.cpp:7: Failed\n"
-            "the host wrote:\n"
-            "  hello\n"
-            "the host's own commands:\n"
-            "  ls, status 0\n"
-            "asked for:\n"
+            "processes that outlived the host:\n"
+            "  sleep 600\n"
+            "sends:\n"
             "  send(\"/project\", KELVO): true\n"
             "started:\n"
             "  tool -mode batch, status 0\n"
-            "    done\n"
-            "report 17 of REG\n"
-            "items as the design tool read them:\n"
+            "      done\n"
+            "the host wrote on standard error:\n"
+            "  ==9==ERROR: LeakSanitizer: leaks\n"
+            "the host wrote:\n"
+            "  hello\n"
+            "the host's own commands:\n"
+            "  ls, status 1\n"
+            "added:\n"
+            "  kelvo\\usage: runs = \"2\"\n"
+            "report 17 of REG:\n"
             "  kelvo\\usage: runs = \"2\"\n"
             "script:\n"
             "  vestra_terminate\n"
@@ -296,40 +424,57 @@ TEST(ARunsAccount, ShowsAllThatThereIs) {
             "  RandomID=r\n");
 }
 
-TEST(ARunsAccount, ShowsHowTheHostEndedAndWhatItPrinted) {
+TEST(AnAccount, ShowsWhatWasWrittenWhereThereIsNoReport) {
   HostRun run = crashedRun();
-  run.errorOutput = "oops";
   run.writtenItems = {Item{"kelvo", "kelvo\\usage", "k\x01", "v"}};
   EXPECT_EQ(accountOf(run),
             "a run whose host was ended by signal 11 (Segmentation fault)\n"
-            "the host wrote on standard error:\n"
-            "  oops\n"
-            "the design tool was not started\n"
+            "started:\n"
+            "  no design tool\n"
             "items as they were written:\n"
             "  kelvo\\usage: k\\x01 = \"v\"\n");
 }
 
-TEST(ARunsAccount, NamesNoDirectoryThatIsGone) {
-  HostRun run = unsentRun();
-  run.directory = "/nowhere/sandbox";
-  run.identityFile = "/nowhere/sandbox/project/vestra/.kelvo_vestrra.info";
-  run.output = "in /nowhere/sandbox/project\n";
-  EXPECT_THAT(accountOf(run), AllOf(HasSubstr("in SANDBOX/project\n"), Not(HasSubstr("/nowhere/sandbox"))));
-  EXPECT_EQ(reason(WasSent(), run),
-            "which could not use the identity file SANDBOX/project/vestra/.kelvo_vestrra.info");
+TEST(AFailuresAccount, HasAtMost25LinesTheCauseFirst) {
+  HostRun run = runThatWrote("==9==ERROR: LeakSanitizer: leaks\n", 1);
+  for (int i = 0; i < 100; ++i) {
+    const std::string number = std::to_string(i);
+    run.errorOutput += "line " + number + "\n";
+    run.output += std::string(1000, 'x') + "\n";
+    run.toolRuns[0].output += "item " + number + "\n";
+    run.sends.push_back(run.sends[0]);
+    run.added.push_back({Vestra::KELVO_USAGE, "k" + number, "v"});
+    run.writtenItems.push_back({"kelvo", "kelvo\\usage", "k" + number, "C:\\"});
+    run.reports[0].warnings.push_back("warning " + number);
+  }
+  const auto failed = [&](const testing::Matcher<const HostRun&>& matcher) {
+    return std::string(testing::internal::MakePredicateFormatterFromMatcher(matcher)("run", run).message());
+  };
+  for (const testing::Matcher<const HostRun&>& matcher : std::vector<testing::Matcher<const HostRun&>>{
+           Not(WasSent()), HasNoHazards(), HasNoWarnings(), EndedQuietly(),
+           Not(AllOf(WasSent(), Not(EndedQuietly())))}) {
+    const std::string text = failed(matcher);
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 24) << text;
+    EXPECT_LE(text.size(), 6000U) << text;
+    EXPECT_LT(text.find("sanitizers' findings:\n"), text.find("sends:\n")) << text;
+    EXPECT_THAT(text, HasSubstr("and 98 more: print the run to see all\n"));
+  }
 }
 
 TEST(EachPartOfARun, PrintsItselfReadably) {
   using namespace vestra::testkit;
   EXPECT_EQ(testing::PrintToString(sentRun()), "a run whose host answered true");
   EXPECT_EQ(testing::PrintToString(AddedItem{Vestra::KELVO_USAGE, "k", "v"}), "kelvo\\usage: k = \"v\"");
+  EXPECT_EQ(testing::PrintToString(AddedItem{static_cast<Vestra::SectionType>(7), "k", "v"}),
+            "section 7: k = \"v\"");
   EXPECT_EQ(testing::PrintToString(Send{"/p", Vestra::KELVO_ALT, std::nullopt}),
             "send(\"/p\", KELVO_ALT): no answer");
-  EXPECT_EQ(testing::PrintToString(Send{"/p", Vestra::TAVLO, false}), "send(\"/p\", TAVLO): false");
   EXPECT_EQ(testing::PrintToString(Send{"/p", static_cast<Vestra::ProductType>(7), true}),
             "send(\"/p\", 7): true");
+  EXPECT_EQ(testing::PrintToString(Send{"/p", Vestra::TAVLO, std::nullopt, Exception{"E", "t", {}}}),
+            "send(\"/p\", TAVLO): E \"t\"");
   EXPECT_EQ(testing::PrintToString(HostCommand{"ls", std::nullopt}), "ls, not ended");
-  EXPECT_EQ(testing::PrintToString(Exception{"int", "", {}}), "int \"\"");
+  EXPECT_EQ(testing::PrintToString(HostCommand{"ls", SIGKILL}), "ls, signal 9");
   EXPECT_EQ(testing::PrintToString(Rule{"kelvo", "kelvo\\usage", "usage", "Usage", "FennoxStatsStyle"}),
             "kelvo kelvo\\usage: XML \"usage\", HTML \"Usage\" as FennoxStatsStyle");
   EXPECT_EQ(testing::PrintToString(Hazard{RUNS, "a reason"}), "kelvo\\usage: runs = \"2\": a reason");

@@ -24,8 +24,10 @@ using Oza::Vestra;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using vestra::testkit::HasItem;
+using vestra::testkit::HasNoHazards;
 using vestra::testkit::HostRun;
 using vestra::testkit::Sandbox;
 using vestra::testkit::SupportAnswers;
@@ -189,6 +191,7 @@ TEST(Sandbox, TellsWhatTheHostAskedOfTheLibrary) {
   EXPECT_EQ(run.sends[0].product, Vestra::KELVO_ALT);
   EXPECT_EQ(run.sends[0].answer, true);
   EXPECT_FALSE(run.sends[1].answer);
+  EXPECT_EQ(run.sends[1].exception->type, "std::logic_error");
 }
 
 // Twice the items take at most about twice the time; the square of it would be 400 s.
@@ -227,15 +230,29 @@ TEST(Sandbox, KeepsTheScriptOfAReportThatWasNotDue) {
   EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "again", "1"));
 }
 
-TEST(Sandbox, DoesNotTakeAnEarlierRunsScriptForThisOnes) {
+TEST(Sandbox, TakesNoEarlierRunsScriptForThisOnes) {
   Sandbox sandbox;
-  sandbox.run(Vestra::KELVO, [] {});
-  sandbox.run(Vestra::KELVO, [] {});
+  const auto host = [] { Vestra::add("password", "1", Vestra::KELVO_USAGE); };
+  sandbox.run(Vestra::KELVO, host);
+  sandbox.run(Vestra::KELVO, host);
   ASSERT_TRUE(exists(sandbox.project() + "/vestra/kelvo_vestra.tcl"));
-  usleep(20000);
-  const HostRun run = sandbox.runProcess([] { return true; });
-  EXPECT_EQ(run.script, "");
-  EXPECT_THAT(run.writtenItems, IsEmpty());
+  const auto isUnknown = [](const HostRun& run) {
+    const auto password = HasItem(Vestra::KELVO_USAGE, "password", testing::_);
+    return run.script.empty() && run.writtenItems.empty() && !testing::Value(run, password) &&
+           !testing::Value(run, Not(password)) && !testing::Value(run, HasNoHazards());
+  };
+  const HostRun silent = sandbox.runProcess([] { return true; });
+  EXPECT_TRUE(isUnknown(silent)) << silent;
+  SupportAnswers answers;
+  answers.missing = {"library"};
+  sandbox.setSupportAnswers(answers);
+  const HostRun unanswered = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_TRUE(isUnknown(unanswered)) << unanswered;
+  EXPECT_EQ(whyNotSent(unanswered), "which found no support library, libqvzcommonvestrasupport.so");
+  writeFile(sandbox.identityFile(), "words\n");
+  const HostRun refused = sandbox.run(Vestra::KELVO, [] {});
+  EXPECT_TRUE(isUnknown(refused)) << refused;
+  EXPECT_EQ(whyNotSent(refused), "which could not use the identity file " + sandbox.identityFile());
 }
 
 TEST(Sandbox, KeepsRealNeighboursOutOfReach) {

@@ -1,6 +1,7 @@
 #ifndef VESTRA_TESTKIT_HOST_RUN_H
 #define VESTRA_TESTKIT_HOST_RUN_H
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <iosfwd>
@@ -49,9 +50,10 @@ struct Rule {
   std::string htmlFormat;
 };
 
-/// An item that the design tool would not read as it was written, and why.
+/// What does not reach the design tool as the host handed it over, and why.
 struct Hazard {
-  /// The item as it was written.
+  /// The item as the host handed it over or the library wrote it. For a project directory, its
+  /// context is "send", its key "project directory" and its value the directory.
   Item item;
   /// In words.
   std::string reason;
@@ -92,7 +94,25 @@ struct AddedItem {
   std::string key;
   /// Byte for byte.
   std::string value;
+  /// Whether `send` was called later in the same process: other items are in no report.
+  bool precedesSend = true;
 };
+
+/// An exception that left the host's code or `Vestra::send`.
+struct Exception {
+  /// The type's name as C++ writes it, "std::logic_error".
+  std::string type;
+  /// What it says of itself; empty when it is no `std::exception`.
+  std::string text;
+  /// The names of the classes that it derives from in public, directly or not.
+  std::vector<std::string> bases = {};
+};
+
+/// Whether type and text are the same.
+VESTRA_TESTKIT_EXPORT bool operator==(const Exception& a, const Exception& b);
+
+/// The name that an exception of this type has in a run.
+VESTRA_TESTKIT_EXPORT std::string nameOf(const std::type_info& type);
 
 /// One call of `Vestra::send`.
 struct Send {
@@ -100,9 +120,14 @@ struct Send {
   std::string projectDirectory;
   /// As it was given.
   Oza::Vestra::ProductType product = Oza::Vestra::KELVO;
-  /// Nothing when the call let an exception out, or the host ended in it.
+  /// Nothing when the call threw, or the host ended in it.
   std::optional<bool> answer;
+  /// What the call threw.
+  std::optional<Exception> exception = std::nullopt;
 };
+
+/// Whether directory, product and outcome are the same.
+VESTRA_TESTKIT_EXPORT bool operator==(const Send& a, const Send& b);
 
 /// A command line of the host's own that it gave to the shell.
 struct HostCommand {
@@ -136,19 +161,6 @@ struct ToolRun {
   /// The rules file at the same moment.
   std::string rulesFile;
 };
-
-/// An exception that left the host's code.
-struct Exception {
-  /// The type's name as C++ writes it, "std::logic_error".
-  std::string type;
-  /// What it says of itself; empty when it is no `std::exception`.
-  std::string text;
-  /// The names of the classes that it derives from in public, directly or not.
-  std::vector<std::string> bases = {};
-};
-
-/// The name that an exception of this type has in a run.
-VESTRA_TESTKIT_EXPORT std::string nameOf(const std::type_info& type);
 
 /// The per-user settings file.
 struct Settings {
@@ -242,19 +254,31 @@ struct HostRun {
   /// The last report's; nothing when none was made.
   VESTRA_TESTKIT_EXPORT const Report* report() const;
 
+  /// A section's items as the design tool read them or, when there is no report, as they were written.
+  VESTRA_TESTKIT_EXPORT std::vector<Item> items(Oza::Vestra::SectionType section) const;
+
   /// The values of a section's key as the design tool read them or, when there is
   /// no report, as they were written.
   VESTRA_TESTKIT_EXPORT std::vector<std::string> values(Oza::Vestra::SectionType section,
                                                         const std::string& key) const;
 
-  /// The items that the design tool does not read as the host handed them over, or that
-  /// some locales lose, each with the reason in words.
+  /// What the design tool does not read as the host handed it over, each with the reason in words:
+  /// items that the interpreter changes, that the report leaves out or that some locales lose, and
+  /// project directories that the shell or the interpreter changes.
   VESTRA_TESTKIT_EXPORT std::vector<Hazard> hazards() const;
 
   /// Whether there is a script or a report to say something about.
   VESTRA_TESTKIT_EXPORT bool hasScript() const;
 
-  /// Whether the host came to its end: no signal, no exception, no time-out.
+  /// What sanitizers found in the host, the first line of each report: memory errors, leaks, races,
+  /// undefined behaviour.
+  VESTRA_TESTKIT_EXPORT std::vector<std::string> sanitizerFindings() const;
+
+  /// Whether a signal, the time limit or a sanitizer's error ended the host. A leak, which is found
+  /// at the host's end, does not count.
+  VESTRA_TESTKIT_EXPORT bool crashed() const;
+
+  /// Whether the host came to its end: it did not crash, and no exception left it.
   VESTRA_TESTKIT_EXPORT bool endedWell() const;
 };
 
@@ -269,6 +293,10 @@ VESTRA_TESTKIT_EXPORT std::string whyNotSent(const HostRun& run);
 /// missing, with the nearest key and the same key's place in other sections.
 VESTRA_TESTKIT_EXPORT std::string whatIsThere(const HostRun& run, Oza::Vestra::SectionType section,
                                               const std::string& key);
+
+/// What may be wrong with the run, the cause first, in no more than `lineLimit` lines, of which
+/// there must be one or more.
+VESTRA_TESTKIT_EXPORT std::string summaryOf(const HostRun& run, std::size_t lineLimit);
 
 /// A readable account of the run: how it ended, what was run, what was reported, the
 /// script, and the files at its end. Names no path that is gone.
