@@ -65,11 +65,8 @@ std::string scriptOf(const std::vector<Item>& items, const std::string& environm
 }
 
 std::optional<vestra::design_tool::Report> reportOf(const std::string& script) {
-  vestra::design_tool::Limits limits;
-  limits.commands = 100'000;
-  limits.processorTime = std::chrono::seconds(2);
   try {
-    return vestra::design_tool::evaluateScript("script", script, limits);
+    return vestra::design_tool::evaluateScript("script", script, 100'000);
   } catch (const vestra::design_tool::DiagnosedError&) {
     return std::nullopt;
   }

@@ -1,21 +1,21 @@
 #include "design_tool/command_line.h"
 
+#include <algorithm>
 #include <map>
-#include <optional>
 
 #include <fmt/format.h>
 
 #include "reading/visible_text.h"
 
 namespace vestra::design_tool {
+namespace {
 
 using reading::inQuotes;
-
-namespace {
+using Values = std::map<std::string, std::string>;
 
 constexpr const char* USAGE =
     "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
-    "       vestra-design-tool --show FILE\n";
+    "       vestra-design-tool --show FILE | --json FILE\n";
 
 constexpr const char* HELP = R"(
 Stands in for the main design tool while you develop a host: runs the report
@@ -27,6 +27,7 @@ reports it asks for. Nothing is transmitted.
   -notrace         accepted; commands are never echoed
   --outbox DIR     keep a copy of each report in a folder of its own in DIR
   --show FILE      print what the script FILE reports, and write nothing
+  --json FILE      print the report.json of the script FILE, and write nothing
   --help           print this and exit
   --version        print the version and exit
 
@@ -34,85 +35,63 @@ Environment:
   VESTRA_OUTBOX    the outbox when --outbox is not given
 
 Exit status: 0 when the reports were written, 1 when the script, its rules or
-a file is at fault, 2 when the command line is.
+a file is at fault, 2 when the command line is invalid.
 )";
 
-struct Arguments {
-  std::map<std::string, std::string> values;
-  bool wantsHelp = false;
-  bool wantsVersion = false;
-  std::optional<UsageError> error;
-};
-
-bool takesValue(const std::string& argument) {
-  return argument == "-mode" || argument == "-source" || argument == "--outbox" || argument == "--show";
+bool takesValue(const std::string& option) {
+  const auto known = {"-mode", "-source", "--outbox", "--show", "--json"};
+  return std::find(known.begin(), known.end(), option) != known.end();
 }
 
-Arguments sortOut(const std::vector<std::string>& words) {
-  Arguments sorted;
-  for (std::size_t i = 0; i < words.size() && !sorted.error; ++i) {
-    const std::string& word = words[i];
-    if (word == "--help") {
-      sorted.wantsHelp = true;
-    } else if (word == "--version") {
-      sorted.wantsVersion = true;
-    } else if (word == "-notrace") {
+Values valuesIn(const std::vector<std::string>& arguments) {
+  Values values;
+  for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+    if (*argument == "-notrace") {
       continue;
-    } else if (!takesValue(word)) {
-      sorted.error = UsageError{fmt::format("unexpected argument {}", inQuotes(word))};
-    } else if (i + 1 == words.size()) {
-      sorted.error = UsageError{fmt::format("{} needs a value", word)};
-    } else if (!sorted.values.emplace(word, words[i + 1]).second) {
-      sorted.error = UsageError{fmt::format("{} is given twice", word)};
-    } else {
-      ++i;
+    }
+    const std::string& option = *argument;
+    if (!takesValue(option)) {
+      throw UsageError(fmt::format("unexpected argument {}", inQuotes(option)));
+    }
+    if (++argument == arguments.end()) {
+      throw UsageError(option + " needs a value");
+    }
+    if (!values.emplace(option, *argument).second) {
+      throw UsageError(option + " is given twice");
     }
   }
-  return sorted;
+  return values;
 }
 
-std::string outboxOf(const Arguments& arguments, const char* defaultOutbox) {
-  const auto given = arguments.values.find("--outbox");
-  if (given != arguments.values.end()) {
-    return given->second;
+const std::string& valueOf(const Values& values, const std::string& option) {
+  const auto value = values.find(option);
+  if (value == values.end()) {
+    throw UsageError(option + " is missing");
   }
-  return defaultOutbox == nullptr ? "" : defaultOutbox;
-}
-
-Request runRequest(const Arguments& arguments, const char* defaultOutbox) {
-  const auto mode = arguments.values.find("-mode");
-  if (mode == arguments.values.end()) {
-    return UsageError{"-mode is missing"};
-  }
-  if (mode->second != "batch") {
-    return UsageError{fmt::format("there is no mode {}, only \"batch\"", inQuotes(mode->second))};
-  }
-  const auto source = arguments.values.find("-source");
-  if (source == arguments.values.end()) {
-    return UsageError{"-source is missing"};
-  }
-  return RunRequest{source->second, outboxOf(arguments, defaultOutbox)};
+  return value->second;
 }
 
 }  // namespace
 
 Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox) {
-  const Arguments sorted = sortOut(arguments);
-  if (sorted.wantsHelp) {
-    return HelpRequest{};
+  for (const auto& [option, action] : {std::pair("--help", Action::Help), {"--version", Action::Version}}) {
+    if (std::find(arguments.begin(), arguments.end(), option) != arguments.end()) {
+      return {action};
+    }
   }
-  if (sorted.wantsVersion) {
-    return VersionRequest{};
+  const Values values = valuesIn(arguments);
+  for (const auto& [option, action] : {std::pair("--show", Action::Show), {"--json", Action::PrintRecord}}) {
+    if (values.count(option) != 0) {
+      return values.size() == 1 ? Request{action, values.at(option)}
+                                : throw UsageError(fmt::format("{} goes with nothing else", option));
+    }
   }
-  if (sorted.error) {
-    return *sorted.error;
+  if (valueOf(values, "-mode") != "batch") {
+    throw UsageError(fmt::format("there is no mode {}, only \"batch\"", inQuotes(values.at("-mode"))));
   }
-  const auto shown = sorted.values.find("--show");
-  if (shown != sorted.values.end()) {
-    return sorted.values.size() == 1 ? Request(ShowRequest{shown->second})
-                                     : UsageError{"--show goes with nothing else"};
-  }
-  return runRequest(sorted, defaultOutbox);
+  const char* const outbox = defaultOutbox == nullptr ? "" : defaultOutbox;
+  return {Action::Run, valueOf(values, "-source"),
+          values.count("--outbox") == 0 ? outbox : values.at("--outbox")};
 }
 
 std::string helpText() { return std::string(USAGE) + HELP; }
@@ -122,7 +101,7 @@ std::string versionText() {
 }
 
 std::string usageText(const UsageError& error) {
-  return fmt::format("vestra-design-tool: {}\n{}Try --help.\n", error.message, USAGE);
+  return fmt::format("vestra-design-tool: {}\n{}Try --help.\n", error.what(), USAGE);
 }
 
 }  // namespace vestra::design_tool

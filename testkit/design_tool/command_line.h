@@ -1,38 +1,33 @@
 #ifndef VESTRA_DESIGN_TOOL_COMMAND_LINE_H
 #define VESTRA_DESIGN_TOOL_COMMAND_LINE_H
 
+#include <stdexcept>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace vestra::design_tool {
 
-/// A run as it was asked for.
-struct RunRequest {
-  std::string source;
-  /// Empty when no copy is to be kept.
-  std::string outbox;
-  /// Where the page about privacy is installed; empty where it is not.
-  std::string privacyPage = {};
-};
-/// A script to be shown as a text, without its rules and without any report being written.
-struct ShowRequest {
-  std::string script;
-};
-struct HelpRequest {};
-struct VersionRequest {};
-/// A command line that asks for nothing the tool can do; the message says why.
-struct UsageError {
-  std::string message;
+enum class Action { Run, Show, PrintRecord, Help, Version };
+
+/// What the command line asks for.
+struct Request {
+  Action action;
+  std::string script = {};
+  /// For a run; empty when no copy is to be kept.
+  std::string outbox = {};
 };
 
-using Request = std::variant<RunRequest, ShowRequest, HelpRequest, VersionRequest, UsageError>;
+/// An invalid command line; `what` says why.
+class UsageError : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
-/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show SCRIPT`, or `--help`,
-/// or `--version`.
+/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show FILE`, `--json FILE`,
+/// `--help` or `--version`.
 ///
 /// @param arguments     without the program's own name
 /// @param defaultOutbox the outbox where the command line names none; may be null or empty
+/// @throws UsageError
 Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox);
 
 /// What `--help` prints.
@@ -41,7 +36,7 @@ std::string helpText();
 /// What `--version` prints.
 std::string versionText();
 
-/// What is printed when the command line is wrong.
+/// What is printed when the command line is invalid.
 std::string usageText(const UsageError& error);
 
 }  // namespace vestra::design_tool

@@ -1,17 +1,19 @@
 #include "design_tool/design_tool.h"
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <ostream>
+
+#include <sys/stat.h>
 
 #include <fmt/format.h>
 
 #include "design_tool/diagnosis/diagnostic.h"
 #include "design_tool/files/input_file.h"
 #include "design_tool/files/outbox.h"
-#include "design_tool/files/output_place.h"
-#include "design_tool/files/pending_file.h"
+#include "design_tool/files/output_file.h"
 #include "design_tool/pages/html_page.h"
 #include "design_tool/pages/report_record.h"
 #include "design_tool/pages/text_report.h"
@@ -19,6 +21,7 @@
 #include "design_tool/report/checksum.h"
 #include "design_tool/report/suspicions.h"
 #include "design_tool/rules/rules.h"
+#include "design_tool/script/script_evaluation.h"
 #include "reading/hazard.h"
 #include "reading/visible_text.h"
 #include "reading/written_items.h"
@@ -30,6 +33,8 @@ using reading::WrittenItem;
 
 namespace {
 
+constexpr std::size_t MOST_WARNINGS = 20;
+
 struct Run {
   std::string script;
   Report report;
@@ -38,33 +43,33 @@ struct Run {
   std::vector<std::string> warnings;
 };
 
-constexpr std::size_t MOST_WARNINGS = 20;
-
 std::vector<std::string> warningLines(const std::string& file, const std::vector<Warning>& warnings) {
+  const std::string name = forTerminal(file);
   std::vector<std::string> lines;
   for (std::size_t i = 0; i < std::min(warnings.size(), MOST_WARNINGS); ++i) {
-    lines.push_back(
-        fmt::format("{}:{}: warning: {}", forTerminal(file), warnings[i].line, warnings[i].message));
+    lines.push_back(fmt::format("{}:{}: warning: {}", name, warnings[i].line, warnings[i].message));
   }
   if (warnings.size() > MOST_WARNINGS) {
-    lines.push_back(
-        fmt::format("{}: warning: and {} more", forTerminal(file), warnings.size() - MOST_WARNINGS));
+    lines.push_back(fmt::format("{}: warning: and {} more", name, warnings.size() - MOST_WARNINGS));
   }
   return lines;
 }
 
-void append(std::vector<Warning>& warnings, const std::vector<Warning>& others) {
-  warnings.insert(warnings.end(), others.begin(), others.end());
+std::time_t modificationTimeOf(const std::string& path) {
+  struct stat status = {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mtime : std::time(nullptr);
 }
 
-Run read(const RunRequest& request, LineObserver observer) {
+Run read(const std::string& source) {
   Run run;
-  run.script = readRegularFile(request.source);
-  run.report = evaluateScript(request.source, run.script, {}, observer);
-  append(run.report.warnings, checksumWarnings(run.report, run.script, modificationTimeOf(request.source)));
+  run.script = readRegularFile(source);
+  run.report = evaluateScript(source, run.script);
+  for (Warning& warning : checksumWarnings(run.report, run.script, modificationTimeOf(source))) {
+    run.report.warnings.push_back(std::move(warning));
+  }
   run.rulesText = readRegularFile(run.report.transmission.wdm);
   run.rules = parseRules(run.report.transmission.wdm, run.rulesText);
-  run.warnings = warningLines(request.source, suspicionsAbout(run.report, run.rules));
+  run.warnings = warningLines(source, suspicionsAbout(run.report, run.rules));
   return run;
 }
 
@@ -74,77 +79,45 @@ std::string counted(std::size_t count, const std::string& what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-void sayWhatWasRead(const RunRequest& request, const Run& run, std::ostream& out) {
-  const Transmission& transmission = run.report.transmission;
-  say(out,
-      fmt::format("read {} from {}", counted(run.report.items.size(), "item"), forTerminal(request.source)));
-  say(out, fmt::format("read {} from {}", counted(run.rules.size(), "rule"), forTerminal(transmission.wdm)));
-}
-
 std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
-/// The two reports' places; neither may be a file that the run reads, or the other.
-struct Places {
-  OutputPlace xml;
-  OutputPlace html;
-};
-
-[[noreturn]] void failAt(const OutputPlace& place, const std::string& message) {
-  throw DiagnosedError({place.path(), 0, message, "", 0, 0});
-}
-
-void refuseInputs(const OutputPlace& place, const RunRequest& request, const Run& run) {
-  if (place.isSameAs(identityOf(request.source))) {
-    failAt(place, "is the script itself");
+void checkOutputs(const std::string& source, const Report& report) {
+  const std::string& html = report.transmission.html;
+  for (const std::string& output : {report.transmission.xml, html}) {
+    checkOutput(output, report.vestraDir);
+    if (isSameFile(output, source)) {
+      throw DiagnosedError(output, "is the script itself");
+    }
+    if (isSameFile(output, report.transmission.wdm)) {
+      throw DiagnosedError(output, "is the rules file");
+    }
   }
-  if (place.isSameAs(identityOf(run.report.transmission.wdm))) {
-    failAt(place, "is the rules file");
+  if (isSameFile(html, report.transmission.xml)) {
+    throw DiagnosedError(html, "is the XML report as well");
   }
 }
 
-Places placesFor(const RunRequest& request, const Run& run) {
+void write(const std::string& source, const std::string& outbox, const std::string& privacyPage,
+           const Run& run, std::ostream& out) {
   const Transmission& transmission = run.report.transmission;
-  Places places{OutputPlace(transmission.xml, run.report.vestraDir),
-                OutputPlace(transmission.html, run.report.vestraDir)};
-  refuseInputs(places.xml, request, run);
-  refuseInputs(places.html, request, run);
-  if (places.xml.isSameAs(places.html)) {
-    failAt(places.html, "is the XML report as well");
-  }
-  return places;
-}
-
-std::unique_ptr<PendingCopy> prepareCopy(const RunRequest& request, const Run& run, const std::string& xml,
-                                         const std::string& html) {
-  if (request.outbox.empty()) {
-    return nullptr;
-  }
-  const Transmission& transmission = run.report.transmission;
-  return Outbox(request.outbox)
-      .prepare(productOf(run.report), {{fileName(request.source), run.script},
-                                       {fileName(transmission.wdm), run.rulesText},
-                                       {fileName(transmission.xml), xml},
-                                       {fileName(transmission.html), html},
-                                       {"report.json", renderRecord(run.report, run.rules, run.warnings)}});
-}
-
-void write(const RunRequest& request, const Run& run, std::ostream& out) {
-  const Places places = placesFor(request, run);
+  checkOutputs(source, run.report);
   const std::string xml = renderXml(run.report, run.rules);
-  const std::string html = renderHtml(run.report, run.rules, request.privacyPage);
-  PendingFile xmlFile(places.xml, xml);
-  PendingFile htmlFile(places.html, html);
-  const std::unique_ptr<PendingCopy> copy = prepareCopy(request, run, xml, html);
-  xmlFile.commit();
-  htmlFile.commit();
-  if (copy) {
-    say(out, fmt::format("kept a copy in {}", forTerminal(copy->publish().string())));
+  const std::string html = renderHtml(run.report, run.rules, privacyPage);
+  const std::optional<Outbox> copies = outbox.empty() ? std::nullopt : std::optional<Outbox>(outbox);
+  replaceFile(transmission.xml, xml);
+  replaceFile(transmission.html, html);
+  if (copies) {
+    const auto folder = copies->keep(productOf(run.report),
+                                     {{"report.json", renderRecord(run.report, run.rules, run.warnings)},
+                                      {fileName(source), run.script},
+                                      {fileName(transmission.wdm), run.rulesText},
+                                      {fileName(transmission.xml), xml},
+                                      {fileName(transmission.html), html}});
+    say(out, "kept a copy in " + forTerminal(folder.string()));
   }
-  xmlFile.keep();
-  htmlFile.keep();
-  say(out, "wrote " + forTerminal(places.xml.path()));
-  say(out, "wrote " + forTerminal(places.html.path()));
-  say(out, fmt::format("report {} is complete; nothing was transmitted", run.report.transmission.clientId));
+  say(out, "wrote " + forTerminal(transmission.xml));
+  say(out, "wrote " + forTerminal(transmission.html));
+  say(out, fmt::format("report {} is complete; nothing was transmitted", transmission.clientId));
 }
 
 /// What is to be said of single items: hazards, and items that a value has added.
@@ -162,15 +135,15 @@ std::size_t sectionOf(const WrittenItem& item, std::vector<Section>& sections) {
   const auto known = std::find_if(sections.begin(), sections.end(), [&](const Section& section) {
     return section.client == item.client && section.context == item.context;
   });
-  if (known != sections.end()) {
-    return static_cast<std::size_t>(known - sections.begin());
+  const auto position = static_cast<std::size_t>(known - sections.begin());
+  if (known == sections.end()) {
+    sections.push_back({item.client, item.context, item.line});
   }
-  sections.push_back({item.client, item.context});
-  return sections.size() - 1;
+  return position;
 }
 
 /// The items from this line on, as they were written.
-void addItemsBehind(std::size_t line, const std::vector<WrittenItem>& written, Report& report) {
+void addItemsAfter(std::size_t line, const std::vector<WrittenItem>& written, Report& report) {
   const std::size_t lastRead = report.items.empty() ? 0 : report.items.back().line;
   for (const WrittenItem& item : written) {
     if (item.line >= line && item.line > lastRead) {
@@ -179,41 +152,57 @@ void addItemsBehind(std::size_t line, const std::vector<WrittenItem>& written, R
   }
 }
 
-}  // namespace
-
-int showReport(const ShowRequest& request, std::ostream& out, std::ostream& err, LineObserver observer) {
+/// The action's status; 1 where it throws an error, which is printed.
+template <typename Action>
+int diagnosed(std::ostream& err, Action action) {
   try {
-    const std::string script = readRegularFile(request.script);
-    PartialReport evaluated = evaluateAsFarAsPossible(request.script, script, {}, observer);
-    const std::vector<WrittenItem> written = reading::itemsWrittenIn(script);
-    const std::vector<Warning> marks = marksOn(evaluated.report, written);
-    if (evaluated.error) {
-      addItemsBehind(evaluated.error->line, written, evaluated.report);
-    }
-    out << renderText(evaluated.report, marks, evaluated.error.has_value()) << std::flush;
-    if (evaluated.error) {
-      err << format(*evaluated.error);
-    }
-    return evaluated.error ? 1 : 0;
+    return action();
   } catch (const DiagnosedError& error) {
     err << format(error.diagnostic());
     return 1;
   }
 }
 
-int runDesignTool(const RunRequest& request, std::ostream& out, std::ostream& err, LineObserver observer) {
-  try {
-    const Run run = read(request, observer);
+}  // namespace
+
+int runDesignTool(const std::string& source, const std::string& outbox, const std::string& privacyPage,
+                  std::ostream& out, std::ostream& err) {
+  return diagnosed(err, [&] {
+    const Run run = read(source);
     for (const std::string& warning : run.warnings) {
       err << warning << '\n';
     }
-    sayWhatWasRead(request, run, out);
-    write(request, run, out);
+    say(out, fmt::format("read {} from {}", counted(run.report.items.size(), "item"), forTerminal(source)));
+    say(out, fmt::format("read {} from {}", counted(run.rules.size(), "rule"),
+                         forTerminal(run.report.transmission.wdm)));
+    write(source, outbox, privacyPage, run, out);
     return 0;
-  } catch (const DiagnosedError& error) {
-    err << format(error.diagnostic());
-    return 1;
-  }
+  });
+}
+
+int showReport(const std::string& source, std::ostream& out, std::ostream& err) {
+  return diagnosed(err, [&] {
+    const std::string script = readRegularFile(source);
+    PartialReport evaluated = evaluateAsFarAsPossible(source, script);
+    const std::vector<WrittenItem> written = reading::itemsWrittenIn(script);
+    const std::vector<Warning> marks = marksOn(evaluated.report, written);
+    if (evaluated.error) {
+      addItemsAfter(evaluated.error->line, written, evaluated.report);
+    }
+    out << renderText(evaluated.report, marks, evaluated.error.has_value()) << std::flush;
+    if (evaluated.error) {
+      throw DiagnosedError(*evaluated.error);
+    }
+    return 0;
+  });
+}
+
+int printRecord(const std::string& source, std::ostream& out, std::ostream& err) {
+  return diagnosed(err, [&] {
+    const Run run = read(source);
+    out << renderRecord(run.report, run.rules, run.warnings);
+    return 0;
+  });
 }
 
 }  // namespace vestra::design_tool

@@ -6,21 +6,25 @@
 #include <system_error>
 #include <vector>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "design_tool/command_line.h"
 #include "design_tool/design_tool.h"
-#include "design_tool/guard.h"
+#include "design_tool/limits.h"
 
 namespace {
 
 using namespace vestra::design_tool;
 
-/// A reader behind a full disk or a closed pipe gets no status that says all is well.
-int checked(int status) {
-  if (std::cout.flush()) {
-    return status;
-  }
-  std::cerr << "vestra-design-tool: standard output cannot be written\n";
-  return 1;
+/// A closed standard descriptor would be given to the next file that is opened. Writing to what stands there
+/// instead fails.
+void occupyStandardDescriptors() {
+  int opened = 0;
+  do {
+    opened = ::open("/dev/null", O_RDONLY);
+  } while (opened >= 0 && opened <= 2);
+  ::close(opened);
 }
 
 std::string privacyPage() {
@@ -30,39 +34,41 @@ std::string privacyPage() {
   return std::filesystem::is_regular_file(page, error) ? page.string() : "";
 }
 
-struct Perform {
-  int operator()(const HelpRequest&) const {
-    std::cout << helpText();
-    return checked(0);
+int perform(const Request& request) {
+  limitResources(request.script);
+  switch (request.action) {
+    case Action::Run:
+      return runDesignTool(request.script, request.outbox, privacyPage(), std::cout, std::cerr);
+    case Action::Show:
+      return showReport(request.script, std::cout, std::cerr);
+    case Action::PrintRecord:
+      return printRecord(request.script, std::cout, std::cerr);
+    case Action::Help:
+      std::cout << helpText();
+      return 0;
+    case Action::Version:
+      break;
   }
-  int operator()(const VersionRequest&) const {
-    std::cout << versionText();
-    return checked(0);
-  }
-  int operator()(const UsageError& error) const {
-    std::cerr << usageText(error);
-    return 2;
-  }
-  int operator()(const ShowRequest& request) const {
-    return runGuarded(
-        request.script, [&] { return checked(showReport(request, std::cout, std::cerr, &noteLine)); },
-        std::cerr);
-  }
-  int operator()(RunRequest request) const {
-    request.privacyPage = privacyPage();
-    return runGuarded(
-        request.source, [&] { return runDesignTool(request, std::cout, std::cerr, &noteLine); }, std::cerr);
-  }
-};
+  std::cout << versionText();
+  return 0;
+}
 
 }  // namespace
 
 int main(int count, char** words) {
+  occupyStandardDescriptors();
   try {
     const std::vector<std::string> arguments(words + 1, words + count);
-    return std::visit(Perform(), readCommandLine(arguments, std::getenv("VESTRA_OUTBOX")));
+    const int status = perform(readCommandLine(arguments, std::getenv("VESTRA_OUTBOX")));
+    if (std::cout.flush()) {
+      return status;
+    }
+    std::cerr << "vestra-design-tool: standard output cannot be written\n";
+  } catch (const UsageError& error) {
+    std::cerr << usageText(error);
+    return 2;
   } catch (const std::exception& error) {
     std::cerr << "vestra-design-tool: " << error.what() << '\n';
-    return 1;
   }
+  return 1;
 }

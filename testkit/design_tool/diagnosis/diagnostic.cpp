@@ -1,7 +1,6 @@
 #include "design_tool/diagnosis/diagnostic.h"
 
 #include <algorithm>
-#include <utility>
 
 #include <fmt/format.h>
 
@@ -71,7 +70,5 @@ std::string format(const Diagnostic& diagnostic) {
   return fmt::format("{}{}{}{}{}\n{}{}{}\n", headline, INDENT, window.before, window.marked, window.after,
                      INDENT, std::string(charactersIn(window.before), ' '), markerFor(window.marked));
 }
-
-DiagnosedError::DiagnosedError(Diagnostic diagnostic) : details(std::move(diagnostic)) {}
 
 }  // namespace vestra::design_tool

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace vestra::design_tool {
 
@@ -28,7 +29,10 @@ std::string format(const Diagnostic& diagnostic);
 /// Thrown where the run cannot go on.
 class DiagnosedError : public std::exception {
  public:
-  explicit DiagnosedError(Diagnostic diagnostic);
+  explicit DiagnosedError(Diagnostic diagnostic) : details(std::move(diagnostic)) {}
+  /// About a file as a whole.
+  DiagnosedError(std::string file, std::string message)
+      : details{std::move(file), 0, std::move(message), "", 0, 0} {}
 
   const Diagnostic& diagnostic() const noexcept { return details; }
   const char* what() const noexcept override { return details.message.c_str(); }

@@ -2,64 +2,31 @@
 
 #include <cerrno>
 #include <cstring>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
 
 #include "design_tool/diagnosis/diagnostic.h"
-#include "design_tool/files/descriptor.h"
 
 namespace vestra::design_tool {
-namespace {
-
-[[noreturn]] void fail(const std::string& path, const std::string& message) {
-  throw DiagnosedError({path, 0, message, "", 0, 0});
-}
-
-[[noreturn]] void failToRead(const std::string& path) {
-  fail(path, std::string("cannot be read: ") + std::strerror(errno));
-}
-
-void checkIsRegular(const Descriptor& file, const std::string& path) {
-  struct stat status = {};
-  if (::fstat(file.get(), &status) != 0) {
-    failToRead(path);
-  }
-  if (S_ISDIR(status.st_mode)) {
-    fail(path, "is a directory, not a file");
-  }
-  if (!S_ISREG(status.st_mode)) {
-    fail(path, "is not a regular file");
-  }
-}
-
-}  // namespace
 
 std::string readRegularFile(const std::string& path) {
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (file.get() < 0) {
-    failToRead(path);
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  if (is_directory(status)) {
+    throw DiagnosedError(path, "is a directory, not a file");
   }
-  checkIsRegular(file, path);
-  std::string bytes;
-  char buffer[65536];
-  for (;;) {
-    const ssize_t count = ::read(file.get(), buffer, sizeof buffer);
-    if (count == 0) {
-      return bytes;
-    }
-    if (count > 0) {
-      bytes.append(buffer, static_cast<std::size_t>(count));
-    } else if (errno != EINTR) {
-      failToRead(path);
-    }
+  if (exists(status) && !is_regular_file(status)) {
+    throw DiagnosedError(path, "is not a regular file");
   }
-}
-
-std::time_t modificationTimeOf(const std::string& path) {
-  struct stat status = {};
-  return ::stat(path.c_str(), &status) == 0 ? status.st_mtime : std::time(nullptr);
+  errno = 0;
+  std::ifstream file(path, std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  if (errno != 0) {
+    throw DiagnosedError(path, std::string("cannot be read: ") + std::strerror(errno));
+  }
+  return bytes;
 }
 
 }  // namespace vestra::design_tool

@@ -1,7 +1,6 @@
-#ifndef VESTRA_DESIGN_TOOL_INPUT_FILE_H
-#define VESTRA_DESIGN_TOOL_INPUT_FILE_H
+#ifndef VESTRA_DESIGN_TOOL_FILES_INPUT_FILE_H
+#define VESTRA_DESIGN_TOOL_FILES_INPUT_FILE_H
 
-#include <ctime>
 #include <string>
 
 namespace vestra::design_tool {
@@ -9,9 +8,6 @@ namespace vestra::design_tool {
 /// The whole content of a regular file, any bytes.
 /// @throws DiagnosedError when it cannot be read or is no regular file; never waits for a pipe or a device
 std::string readRegularFile(const std::string& path);
-
-/// When the file was written last; now where that is not known.
-std::time_t modificationTimeOf(const std::string& path);
 
 }  // namespace vestra::design_tool
 

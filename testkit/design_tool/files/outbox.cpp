@@ -1,37 +1,28 @@
 #include "design_tool/files/outbox.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
-#include <cstring>
-#include <set>
+#include <exception>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <fmt/format.h>
 
 #include "design_tool/diagnosis/diagnostic.h"
-#include "design_tool/files/descriptor.h"
-#include "design_tool/files/new_file.h"
-#include "reading/visible_text.h"
+#include "design_tool/files/output_file.h"
 
 namespace vestra::design_tool {
 
-using reading::inQuotes;
 namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void fail(const fs::path& place, const std::string& message) {
-  throw DiagnosedError({place.string(), 0, message, "", 0, 0});
-}
-
-[[noreturn]] void failToWrite(const fs::path& outbox, const std::error_code& error) {
-  fail(outbox, "the outbox cannot be written: " + error.message());
-}
+constexpr int HIGHEST_NUMBER = 999'999'999;
 
 bool isForFileName(char letter) {
   return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
@@ -44,13 +35,13 @@ std::string plainName(const std::string& name) {
   return plain.empty() ? "report" : plain;
 }
 
-/// The number that a folder of the outbox takes, finished (`0007-kelvo`) or still hidden (`.0007`); 0 for
-/// other names.
+/// Of a complete folder (`0007-kelvo`) or a hidden one (`.0007-kelvo`); 0 for other names and for numbers
+/// that could overflow.
 int numberOf(const std::string& entry) {
   const char* const begin = entry.data() + (entry.rfind('.', 0) == 0 ? 1 : 0);
   int number = 0;
   std::from_chars(begin, entry.data() + entry.size(), number);
-  return std::max(number, 0);
+  return number < 0 || number >= HIGHEST_NUMBER ? 0 : number;
 }
 
 int lastNumber(const fs::path& directory) {
@@ -61,96 +52,49 @@ int lastNumber(const fs::path& directory) {
   return last;
 }
 
-bool isTaken(const fs::path& directory, int number) {
-  const fs::directory_iterator entries(directory);
-  return std::any_of(begin(entries), end(entries), [&](const fs::directory_entry& entry) {
-    const std::string name = entry.path().filename().string();
-    return name.rfind('.', 0) != 0 && numberOf(name) == number;
-  });
-}
-
-void refuseSharedNames(const fs::path& directory, const std::vector<KeptFile>& files) {
-  std::set<std::string> names;
-  for (const KeptFile& file : files) {
-    if (names.insert(file.name).second) {
-      continue;
-    }
-    fail(directory, fmt::format("the outbox cannot keep two files named {}", inQuotes(file.name)));
+/// An exclusive flock on a directory, so that no other tool takes the same number.
+class DirectoryLock {
+ public:
+  explicit DirectoryLock(const fs::path& directory)
+      : descriptor(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    ::flock(descriptor, LOCK_EX);
   }
-}
+  DirectoryLock(const DirectoryLock&) = delete;
+  DirectoryLock& operator=(const DirectoryLock&) = delete;
+  ~DirectoryLock() { ::close(descriptor); }
+
+ private:
+  int descriptor;
+};
 
 }  // namespace
-
-/// The hidden folder holds the number: making it fails for all but one.
-PendingCopy::PendingCopy(fs::path outbox, std::string wanted)
-    : directory(std::move(outbox)), name(std::move(wanted)), number(lastNumber(directory) + 1) {
-  while (!take()) {
-    ++number;
-  }
-}
-
-PendingCopy::~PendingCopy() {
-  std::error_code ignored;
-  if (!isPublished) {
-    fs::remove_all(folder(), ignored);
-  }
-}
-
-void PendingCopy::add(const KeptFile& file) const {
-  const Descriptor place(::open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  const int error = place.isOpen() ? writeNewFile(place.get(), file.name, file.content) : errno;
-  if (error != 0) {
-    fail(folder() / file.name, std::string("cannot be written: ") + std::strerror(error));
-  }
-}
-
-fs::path PendingCopy::publish() {
-  fs::path place = directory / fmt::format("{:04}-{}", number, name);
-  std::error_code error;
-  fs::rename(folder(), place, error);
-  if (error) {
-    failToWrite(directory, error);
-  }
-  isPublished = true;
-  return place;
-}
-
-fs::path PendingCopy::folder() const { return directory / fmt::format(".{:04}", number); }
-
-/// A report that was published since the numbers were read no longer holds its hidden folder.
-bool PendingCopy::take() {
-  if (::mkdir(folder().c_str(), 0777) != 0) {
-    if (errno == EEXIST) {
-      return false;
-    }
-    failToWrite(directory, std::error_code(errno, std::generic_category()));
-  }
-  if (!isTaken(directory, number)) {
-    return true;
-  }
-  fs::remove(folder());
-  return false;
-}
 
 Outbox::Outbox(fs::path place) : directory(std::move(place)) {
   std::error_code error;
   fs::create_directories(directory, error);
   if (error) {
-    fail(directory, "the outbox cannot be made: " + error.message());
+    throw DiagnosedError(directory.string(), "the outbox cannot be created: " + error.message());
   }
 }
 
-std::unique_ptr<PendingCopy> Outbox::prepare(const std::string& name,
-                                             const std::vector<KeptFile>& files) const {
-  refuseSharedNames(directory, files);
+fs::path Outbox::keep(const std::string& name, const std::map<std::string, std::string>& files) const {
+  const DirectoryLock lock(directory);
+  fs::path hidden;
   try {
-    auto copy = std::make_unique<PendingCopy>(directory, plainName(name));
-    for (const KeptFile& file : files) {
-      copy->add(file);
+    const std::string folder = fmt::format("{:04}-{}", lastNumber(directory) + 1, plainName(name));
+    hidden = directory / ("." + folder);
+    fs::create_directory(hidden);
+    for (const auto& [file, content] : files) {
+      replaceFile(hidden / file, content);
     }
-    return copy;
-  } catch (const fs::filesystem_error& error) {
-    failToWrite(directory, error.code());
+    fs::rename(hidden, directory / folder);
+    return directory / folder;
+  } catch (const std::exception& error) {
+    std::error_code ignored;
+    fs::remove_all(hidden, ignored);
+    const auto* const system = dynamic_cast<const fs::filesystem_error*>(&error);
+    throw DiagnosedError(directory.string(), std::string("the outbox cannot be written: ") +
+                                                 (system ? system->code().message() : error.what()));
   }
 }
 

@@ -1,65 +1,28 @@
-#ifndef VESTRA_DESIGN_TOOL_OUTBOX_H
-#define VESTRA_DESIGN_TOOL_OUTBOX_H
+#ifndef VESTRA_DESIGN_TOOL_FILES_OUTBOX_H
+#define VESTRA_DESIGN_TOOL_FILES_OUTBOX_H
 
 #include <filesystem>
-#include <memory>
+#include <map>
 #include <string>
-#include <vector>
 
 namespace vestra::design_tool {
-
-/// One file of a report that is kept.
-struct KeptFile {
-  std::string name;
-  std::string content;
-};
-
-/// A report's folder in an outbox, hidden until it is published. It goes away unless that happens.
-class PendingCopy {
- public:
-  /// Takes the next number that nobody else has taken.
-  ///
-  /// @param outbox  an existing directory
-  /// @param wanted  the name that stands after the number
-  PendingCopy(std::filesystem::path outbox, std::string wanted);
-  PendingCopy(const PendingCopy&) = delete;
-  PendingCopy& operator=(const PendingCopy&) = delete;
-  ~PendingCopy();
-
-  /// Writes a file into the folder.
-  /// @throws DiagnosedError where that fails
-  void add(const KeptFile& file) const;
-
-  /// Gives the folder its name, so that it appears all at once.
-  /// @return the folder
-  /// @throws DiagnosedError where that fails
-  std::filesystem::path publish();
-
- private:
-  std::filesystem::path folder() const;
-  bool take();
-
-  std::filesystem::path directory;
-  std::string name;
-  int number = 0;
-  bool isPublished = false;
-};
 
 /// Where a copy of each report is kept: one folder for each, `NNNN-NAME`, counting up from 0001. Several
 /// tools may use one outbox at once; each report gets a number of its own.
 class Outbox {
  public:
-  /// Makes the folder, with all that is missing above it, when there is none.
-  /// @throws DiagnosedError when that fails
+  /// Creates the folder, with all that is missing above it.
+  /// @throws DiagnosedError
   explicit Outbox(std::filesystem::path place);
 
-  /// Writes the files into a hidden folder.
+  /// Writes the files into a hidden folder and renames it when it is complete.
   ///
-  /// @param name  stands after the number; characters besides letters, digits, `-` and `_` are left out, and
+  /// @param name  follows the number; characters besides letters, digits, `-` and `_` are left out, and
   ///              "report" stands in where that leaves nothing
-  /// @param files each has a name of its own
-  /// @throws DiagnosedError where two files have one name or writing fails; no folder is left then
-  std::unique_ptr<PendingCopy> prepare(const std::string& name, const std::vector<KeptFile>& files) const;
+  /// @param files contents by file name
+  /// @return      the folder
+  /// @throws DiagnosedError; no folder is left then
+  std::filesystem::path keep(const std::string& name, const std::map<std::string, std::string>& files) const;
 
  private:
   std::filesystem::path directory;

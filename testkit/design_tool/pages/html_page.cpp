@@ -1,12 +1,12 @@
 #include "design_tool/pages/html_page.h"
 
 #include <algorithm>
+#include <cctype>
+#include <map>
 #include <string_view>
 
 #include <fmt/format.h>
 
-#include "design_tool/pages/headings.h"
-#include "design_tool/pages/intro.h"
 #include "design_tool/pages/page_style.h"
 #include "design_tool/report/sections.h"
 #include "reading/html_text.h"
@@ -54,17 +54,45 @@ std::string keyHtml(const std::string& key) {
   return html;
 }
 
-std::size_t notApplicableIn(const MappedSection& section) {
-  return static_cast<std::size_t>(
-      std::count_if(section.items.begin(), section.items.end(),
-                    [](const Item* item) { return item->value == NOT_APPLICABLE; }));
-}
-
 std::string countOf(const MappedSection& section) {
   const std::size_t items = section.items.size();
   const std::string count = items == 1 ? "1 item" : fmt::format("{} items", items);
-  const std::size_t notApplicable = notApplicableIn(section);
+  const auto notApplicable = std::count_if(section.items.begin(), section.items.end(),
+                                           [](const Item* item) { return item->value == NOT_APPLICABLE; });
   return notApplicable == 0 ? count : fmt::format("{}, {} not applicable", count, notApplicable);
+}
+
+std::string asWords(std::string text) {
+  std::replace(text.begin(), text.end(), '_', ' ');
+  if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') {
+    text[0] = static_cast<char>(text[0] - 'a' + 'A');
+  }
+  return text;
+}
+
+/// A heading for each section, no two alike: the last part of its path as words, so that
+/// "kelvo\command_line_options" becomes "Command line options". Where that is ambiguous, the whole path with
+/// client and context.
+std::vector<std::string> headingsOf(const std::vector<MappedSection>& sections) {
+  std::vector<std::string> headings;
+  std::map<std::string, int> uses;
+  for (const MappedSection& section : sections) {
+    const std::string& path = section.path();
+    headings.push_back(asWords(path.substr(path.find_last_of('\\') + 1)));
+    ++uses[headings.back()];
+  }
+  for (std::size_t i = 0; i < headings.size(); ++i) {
+    if (uses[headings[i]] > 1) {
+      headings[i] =
+          fmt::format("{} ({}, {})", asWords(sections[i].path()), sections[i].client, sections[i].context);
+    }
+  }
+  return headings;
+}
+
+std::string titleOrDefault(const Report& report) {
+  const std::string title = titleOf(report);
+  return title.empty() || reading::isBlank(title) ? "Usage Report" : title;
 }
 
 void addHead(std::string& html, const Report& report) {
@@ -75,7 +103,7 @@ void addHead(std::string& html, const Report& report) {
   html += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
   html += "<meta name=\"color-scheme\" content=\"light dark\">\n";
   html += fmt::format("<title>{}</title>\n<style>\n{}</style>\n</head>\n",
-                      escapedForHtml(forTerminal(titleOf(report.transmission.intro))), PAGE_STYLE);
+                      escapedForHtml(forTerminal(titleOrDefault(report))), PAGE_STYLE);
 }
 
 void addFact(std::string& html, std::string_view name, const std::string& value, const std::string& note) {
@@ -104,11 +132,10 @@ std::string pathHtml(const std::string& path) {
 
 std::string linkTo(const std::string& path) {
   std::string url = "file://";
-  for (const char byte : path) {
-    const bool isPlain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                         (byte >= '0' && byte <= '9') ||
-                         std::string_view("/-._~").find(byte) != std::string_view::npos;
-    url += isPlain ? std::string(1, byte) : fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+  for (const unsigned char byte : path) {
+    const bool isPlain = std::isalnum(byte) != 0 ||
+                         std::string_view("/-._~").find(static_cast<char>(byte)) != std::string_view::npos;
+    url += isPlain ? std::string(1, static_cast<char>(byte)) : fmt::format("%{:02X}", byte);
   }
   return fmt::format(" <a href=\"{}\">What is reported about you</a> tells more.", url);
 }
@@ -170,30 +197,16 @@ void addEnvironmentList(std::string& html, const MappedSection& section) {
   html += "</dl>\n";
 }
 
-bool areFigures(const MappedSection& section) {
-  return std::all_of(section.items.begin(), section.items.end(),
-                     [](const Item* item) { return isFigure(item->value); });
-}
-
 void addStatisticsTable(std::string& html, const MappedSection& section) {
-  html += fmt::format("<table class=\"{}\">\n", areFigures(section) ? "statistics figures" : "statistics");
+  const bool areFigures = std::all_of(section.items.begin(), section.items.end(),
+                                      [](const Item* item) { return isFigure(item->value); });
+  html += fmt::format("<table class=\"{}\">\n", areFigures ? "statistics figures" : "statistics");
   html += "<thead><tr><th scope=\"col\">Key</th><th scope=\"col\">Value</th></tr></thead>\n<tbody>\n";
   for (const Item* item : section.items) {
     html += fmt::format("<tr><th scope=\"row\" class=\"key\">{}</th><td class=\"value\">{}</td></tr>\n",
                         keyHtml(item->key), valueHtml(item->value));
   }
   html += "</tbody>\n</table>\n";
-}
-
-void addItems(std::string& html, const MappedSection& section) {
-  const bool isEnvironment = section.rule != nullptr && section.rule->htmlStyle == HtmlStyle::UserEnvironment;
-  if (section.items.empty()) {
-    html += "<p class=\"none\">Nothing was reported here.</p>\n";
-  } else if (isEnvironment) {
-    addEnvironmentList(html, section);
-  } else {
-    addStatisticsTable(html, section);
-  }
 }
 
 void addSection(std::string& html, const MappedSection& section, const std::string& heading) {
@@ -203,15 +216,14 @@ void addSection(std::string& html, const MappedSection& section, const std::stri
     html += "<span class=\"test\"><span class=\"chip\">no rule</span></span>";
   }
   html += fmt::format("<span class=\"count\">{}</span></div>\n", countOf(section));
-  addItems(html, section);
+  if (section.items.empty()) {
+    html += "<p class=\"none\">Nothing was reported here.</p>\n";
+  } else if (section.rule != nullptr && section.rule->htmlStyle == HtmlStyle::UserEnvironment) {
+    addEnvironmentList(html, section);
+  } else {
+    addStatisticsTable(html, section);
+  }
   html += "</section>\n";
-}
-
-void addFooter(std::string& html, const Report& report) {
-  html += fmt::format(
-      "<footer>Report <span class=\"value\">{}</span>. Written by the stand-in design tool; "
-      "nothing was transmitted.</footer>\n",
-      report.transmission.clientId);
 }
 
 }  // namespace
@@ -219,8 +231,8 @@ void addFooter(std::string& html, const Report& report) {
 std::string renderHtml(const Report& report, const std::vector<Rule>& rules, const std::string& privacyPage) {
   std::string html;
   addHead(html, report);
-  html += fmt::format("<body>\n<main>\n<header class=\"intro\">{}</header>\n",
-                      renderIntro(report.transmission.intro));
+  html += fmt::format("<body>\n<main>\n<header class=\"intro\"><h1>{}</h1></header>\n",
+                      escapedForHtml(titleOrDefault(report)));
   addTestMark(html, report);
   addAbout(html, privacyPage);
   addOrigin(html, report);
@@ -229,9 +241,10 @@ std::string renderHtml(const Report& report, const std::vector<Rule>& rules, con
   for (std::size_t i = 0; i < sections.size(); ++i) {
     addSection(html, sections[i], headings[i]);
   }
-  addFooter(html, report);
-  html += "</main>\n</body>\n</html>\n";
-  return html;
+  return html + fmt::format(
+                    "<footer>Report <span class=\"value\">{}</span>. Written by the stand-in design tool; "
+                    "nothing was transmitted.</footer>\n</main>\n</body>\n</html>\n",
+                    report.transmission.clientId);
 }
 
 }  // namespace vestra::design_tool

@@ -14,14 +14,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json clientsOf(const Report& report) {
-  Json clients = Json::array();
-  for (const Registration& registration : report.registrations) {
-    clients.push_back(byteText(registration.client));
-  }
-  return clients;
-}
-
 Json itemsOf(const Report& report, const std::vector<Rule>& rules) {
   std::vector<bool> hasRule;
   for (const Section& section : report.sections) {
@@ -52,10 +44,11 @@ Json rulesOf(const std::vector<Rule>& rules) {
   return list;
 }
 
-Json warningsOf(const std::vector<std::string>& warnings) {
+template <typename Entries, typename TextOf>
+Json textsOf(const Entries& entries, TextOf textOf) {
   Json list = Json::array();
-  for (const std::string& warning : warnings) {
-    list.push_back(byteText(warning));
+  for (const auto& entry : entries) {
+    list.push_back(byteText(textOf(entry)));
   }
   return list;
 }
@@ -65,17 +58,18 @@ Json warningsOf(const std::vector<std::string>& warnings) {
 std::string renderRecord(const Report& report, const std::vector<Rule>& rules,
                          const std::vector<std::string>& warnings) {
   const Transmission& transmission = report.transmission;
-  const Json record = {{"client_id", fmt::format("{}", transmission.clientId)},
-                       {"registration_id", byteText(transmission.registrationId)},
-                       {"intro", byteText(transmission.intro)},
-                       {"vestra_dir", byteText(report.vestraDir)},
-                       {"xml", byteText(transmission.xml)},
-                       {"html", byteText(transmission.html)},
-                       {"wdm", byteText(transmission.wdm)},
-                       {"clients", clientsOf(report)},
-                       {"items", itemsOf(report, rules)},
-                       {"rules", rulesOf(rules)},
-                       {"warnings", warningsOf(warnings)}};
+  const Json record = {
+      {"client_id", fmt::format("{}", transmission.clientId)},
+      {"registration_id", byteText(transmission.registrationId)},
+      {"intro", byteText(transmission.intro)},
+      {"vestra_dir", byteText(report.vestraDir)},
+      {"xml", byteText(transmission.xml)},
+      {"html", byteText(transmission.html)},
+      {"wdm", byteText(transmission.wdm)},
+      {"clients", textsOf(report.registrations, [](const auto& entry) { return entry.client; })},
+      {"items", itemsOf(report, rules)},
+      {"rules", rulesOf(rules)},
+      {"warnings", textsOf(warnings, [](const auto& entry) { return entry; })}};
   return record.dump(2) + "\n";
 }
 

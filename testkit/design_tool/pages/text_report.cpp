@@ -52,18 +52,18 @@ std::string itemText(const Item& item, std::size_t column, const Marks& marks) {
   return text;
 }
 
-std::string headOf(const Report& report, bool isDamaged) {
-  return isDamaged ? std::string("Damaged script; what can be read of it:\n")
+std::string headOf(const Report& report, bool isCorrupt) {
+  return isCorrupt ? std::string("Corrupt script; what can be read of it:\n")
                    : fmt::format("Report {}, registration {}\n", report.transmission.clientId,
                                  inQuotes(report.transmission.registrationId));
 }
 
 }  // namespace
 
-std::string renderText(const Report& report, const std::vector<Warning>& marks, bool isDamaged) {
+std::string renderText(const Report& report, const std::vector<Warning>& marks, bool isCorrupt) {
   const std::size_t column = keyColumn(report);
   const Marks marked = byLine(marks);
-  std::string text = headOf(report, isDamaged);
+  std::string text = headOf(report, isCorrupt);
   for (std::size_t section = 0; section < report.sections.size(); ++section) {
     text += sectionTitle(report.sections[section]);
     for (const Item& item : report.items) {

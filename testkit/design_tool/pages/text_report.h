@@ -12,8 +12,8 @@ namespace vestra::design_tool {
 ///
 /// @param marks     what is to be said of items, by their lines: each such item gets a `!` and the words
 ///                  below it
-/// @param isDamaged whether the script ended in an error, so that its number is not known
-std::string renderText(const Report& report, const std::vector<Warning>& marks = {}, bool isDamaged = false);
+/// @param isCorrupt whether the script ended in an error, so that its number is not known
+std::string renderText(const Report& report, const std::vector<Warning>& marks = {}, bool isCorrupt = false);
 
 }  // namespace vestra::design_tool
 

@@ -10,21 +10,18 @@
 
 namespace vestra::design_tool {
 
-/// What the number in -clientid tells of a report. The number is the CRC-32 of the hour in which the script
-/// was written and of all that it reports, so a text that was changed since, or that a value has added, does
-/// not agree with it.
-///
-/// - The number agrees for an hour around the script's own, or for an earlier one since 1970: no warning,
-/// since
-///   scripts are kept.
-/// - It agrees when a value is taken together with the items behind it: the value has added these items.
-/// - Otherwise the number for the script's own hour is named.
+/// Compares -clientid with the checksum of the report. The library computes it, a CRC-32, from the local hour
+/// in which it writes the script and from all that it reports. A text that was changed since, or that a value
+/// has added, does not agree with it.
 ///
 /// @param script  the script's bytes
-/// @param written when the script was written: its hour is the local one
+/// @param written when the script was written; any hour from a day before to a day after agrees, which allows
+/// for
+///                every time zone
+/// @return        at most one warning, which names the number for the hour of `written`
 std::vector<Warning> checksumWarnings(const Report& report, std::string_view script, std::time_t written);
 
-/// Values that end their own command and begin others on the same line, by the interpreter's reading.
+/// Values that end their own command and begin others on the same line, as the interpreter reads them.
 std::vector<Warning> injectedItems(const Report& report, const std::vector<reading::WrittenItem>& written);
 
 }  // namespace vestra::design_tool

@@ -1,32 +1,12 @@
 #include "design_tool/report/report.h"
 
 #include <algorithm>
+#include <cctype>
 
 namespace vestra::design_tool {
 namespace {
 
 constexpr const char* SHARED_CLIENT = "project";
-
-template <typename Entries>
-std::string firstProductAmong(const Entries& entries) {
-  const auto product = std::find_if(entries.begin(), entries.end(),
-                                    [](const auto& entry) { return entry.client != SHARED_CLIENT; });
-  return product == entries.end() ? "" : product->client;
-}
-
-/// The word before " Usage Report".
-std::string productNamedIn(const std::string& intro) {
-  const std::size_t end = intro.find(" Usage Report");
-  if (end == std::string::npos) {
-    return "";
-  }
-  const std::string head = intro.substr(0, end);
-  std::string word = head.substr(head.find_last_of("> ") + 1);
-  for (char& letter : word) {
-    letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  }
-  return word;
-}
 
 }  // namespace
 
@@ -37,13 +17,27 @@ std::string projectValue(const Report& report, const std::string& key) {
   return item == report.items.end() ? "" : item->value;
 }
 
+std::string titleOf(const Report& report) {
+  const std::string& intro = report.transmission.intro;
+  const std::string begin = "<H3>";
+  const std::string end = "</H3><BR>";
+  const bool isFramed = intro.size() > begin.size() + end.size() && intro.rfind(begin, 0) == 0 &&
+                        intro.find(end) == intro.size() - end.size();
+  return isFramed ? intro.substr(begin.size(), intro.size() - begin.size() - end.size()) : intro;
+}
+
 std::string productOf(const Report& report) {
-  const std::string named = productNamedIn(report.transmission.intro);
-  if (!named.empty()) {
-    return named;
+  const std::string title = titleOf(report);
+  std::string product = title.substr(0, std::min(title.find(" Usage Report"), title.size()));
+  if (!product.empty() && product != title) {
+    std::transform(product.begin(), product.end(), product.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return product;
   }
-  const std::string registered = firstProductAmong(report.registrations);
-  return registered.empty() ? firstProductAmong(report.sections) : registered;
+  const auto registered =
+      std::find_if(report.registrations.begin(), report.registrations.end(),
+                   [](const Registration& registration) { return registration.client != SHARED_CLIENT; });
+  return registered == report.registrations.end() ? "" : registered->client;
 }
 
 }  // namespace vestra::design_tool

@@ -24,6 +24,8 @@ struct Registration {
 struct Section {
   std::string client;
   std::string context;
+  /// Where its first item stands.
+  std::size_t line = 0;
 };
 
 /// One item of data. A script may hold a million of them, so the texts that repeat stand in the section.
@@ -63,9 +65,12 @@ struct Report {
 /// The first value that client "project" reported for `key`, an empty text where there is none.
 std::string projectValue(const Report& report, const std::string& key);
 
-/// The client that the report is about: the product of "KELVO Usage Report" in its intro, in lower case.
-/// Where the intro names none: the first client besides "project" that was registered, or else that has data.
-/// Empty where there is none.
+/// What stands between `<H3>` and `</H3><BR>`, which the library's intro consists of. Any other intro is a
+/// title as a whole, tags included.
+std::string titleOf(const Report& report);
+
+/// The word before " Usage Report" in the title, in lower case: "kelvo" or "tavlo". Where the title has none,
+/// the first registered client besides "project"; empty without one.
 std::string productOf(const Report& report);
 
 }  // namespace vestra::design_tool

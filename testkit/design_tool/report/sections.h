@@ -15,6 +15,9 @@ struct MappedSection {
   std::string client;
   std::string context;
   std::vector<const Item*> items;
+
+  /// Where the section belongs on the HTML page.
+  const std::string& path() const { return rule == nullptr ? context : rule->htmlMap; }
 };
 
 /// The rule for a client's context; null where there is none.

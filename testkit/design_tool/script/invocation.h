@@ -1,18 +1,16 @@
-#ifndef VESTRA_DESIGN_TOOL_INVOCATION_H
-#define VESTRA_DESIGN_TOOL_INVOCATION_H
+#ifndef VESTRA_DESIGN_TOOL_SCRIPT_INVOCATION_H
+#define VESTRA_DESIGN_TOOL_SCRIPT_INVOCATION_H
 
 #include <cstddef>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "design_tool/script/script.h"
 
 namespace vestra::design_tool {
 
-/// One word of a command, as the interpreter handed it over and, where the command stands in the script
-/// itself, as it is spelled there.
+/// One argument of a command: its value, as the interpreter passed it, and its spelling in the script.
 struct Word {
   std::string text;
   /// Bytes of the script, quotes included; meaningful only in an Invocation that is `spelled`.
@@ -30,17 +28,17 @@ struct Invocation {
   Span span;
   /// Whether the words' spellings and places are known: not in a loop, a procedure or a nested command.
   bool spelled = false;
+
+  Span placeOf(const Word& word) const { return spelled ? word.span : span; }
 };
 
-/// A call that the protocol does not allow, with the place to point at.
+/// A call that the protocol does not allow.
 class ProtocolError : public std::runtime_error {
  public:
-  ProtocolError(const std::string& message, Span where) : std::runtime_error(message), place(where) {}
+  ProtocolError(const std::string& message, Span where) : std::runtime_error(message), span(where) {}
 
-  Span span() const noexcept { return place; }
-
- private:
-  Span place;
+  /// The place to mark.
+  const Span span;
 };
 
 }  // namespace vestra::design_tool

@@ -1,5 +1,5 @@
-#ifndef VESTRA_DESIGN_TOOL_SCRIPT_EVALUATION_H
-#define VESTRA_DESIGN_TOOL_SCRIPT_EVALUATION_H
+#ifndef VESTRA_DESIGN_TOOL_SCRIPT_SCRIPT_EVALUATION_H
+#define VESTRA_DESIGN_TOOL_SCRIPT_SCRIPT_EVALUATION_H
 
 #include <optional>
 #include <string>
@@ -7,24 +7,20 @@
 
 #include "design_tool/diagnosis/diagnostic.h"
 #include "design_tool/report/report.h"
-#include "design_tool/script/script_limits.h"
 
 namespace vestra::design_tool {
 
-/// Called with the number of each line on which a command is about to run, and with 0 when none will run any
-/// more, for a process that outlives the interpreter.
-using LineObserver = void (*)(std::size_t line);
+/// More than a report of a million items needs.
+constexpr int MOST_COMMANDS = 20'000'000;
 
-/// Runs a report script and gives back what it said.
+/// Runs a report script.
 ///
-/// @param file     the script's name, for messages
-/// @param bytes    its content, read as bytes: the report gets them unchanged, NUL included
-/// @param limits   end a script that goes on for ever
-/// @param observer may be null
+/// @param file         the script's name, for messages
+/// @param bytes        its content, read as bytes: the report gets them unchanged, NUL included
+/// @param mostCommands stops an endless loop
 /// @throws DiagnosedError for all that the interpreter or the protocol refuses. The first error ends the
-///                        run; an error against the protocol cannot be caught by the script.
-Report evaluateScript(const std::string& file, std::string_view bytes, const Limits& limits = {},
-                      LineObserver observer = nullptr);
+///                        run; the script cannot catch an error against the protocol.
+Report evaluateScript(const std::string& file, std::string_view bytes, int mostCommands = MOST_COMMANDS);
 
 /// A report up to the error that ended the script, if there was one.
 struct PartialReport {
@@ -32,9 +28,9 @@ struct PartialReport {
   std::optional<Diagnostic> error;
 };
 
-/// As evaluateScript, for a reader who wants to see the rest of a damaged script.
+/// As evaluateScript, for a reader who wants to see the rest of a corrupt script.
 PartialReport evaluateAsFarAsPossible(const std::string& file, std::string_view bytes,
-                                      const Limits& limits = {}, LineObserver observer = nullptr);
+                                      int mostCommands = MOST_COMMANDS);
 
 }  // namespace vestra::design_tool
 

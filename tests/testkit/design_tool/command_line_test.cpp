@@ -5,65 +5,54 @@
 namespace vestra::design_tool {
 namespace {
 
-RunRequest runRequest(const std::vector<std::string>& arguments, const char* defaultOutbox = nullptr) {
-  const Request request = readCommandLine(arguments, defaultOutbox);
-  EXPECT_TRUE(std::holds_alternative<RunRequest>(request));
-  const RunRequest* const run = std::get_if<RunRequest>(&request);
-  return run == nullptr ? RunRequest{} : *run;
+using Words = std::vector<std::string>;
+
+struct Valid {
+  Words arguments;
+  const char* defaultOutbox;
+  Request request;
+};
+
+TEST(CommandLine, NamesTheActionItsScriptAndItsOutbox) {
+  const Valid rows[] = {
+      {{"-mode", "batch", "-source", "/p/s.tcl", "-notrace"}, nullptr, {Action::Run, "/p/s.tcl", ""}},
+      {{"-source", "s", "-mode", "batch"}, "/env", {Action::Run, "s", "/env"}},
+      {{"-mode", "batch", "-source", "s"}, "", {Action::Run, "s", ""}},
+      {{"-mode", "batch", "-source", "s", "--outbox", "/given"}, "/env", {Action::Run, "s", "/given"}},
+      {{"-mode", "batch", "-source", "-notrace"}, nullptr, {Action::Run, "-notrace", ""}},
+      {{"-mode", "batch", "--help"}, nullptr, {Action::Help, "", ""}},
+      {{"--version"}, nullptr, {Action::Version, "", ""}},
+      {{"--show", "s.tcl"}, "/env", {Action::Show, "s.tcl", ""}},
+      {{"--json", "s.tcl"}, "/env", {Action::PrintRecord, "s.tcl", ""}},
+  };
+  for (const Valid& row : rows) {
+    SCOPED_TRACE(testing::PrintToString(row.arguments));
+    const Request request = readCommandLine(row.arguments, row.defaultOutbox);
+    EXPECT_EQ(request.action, row.request.action);
+    EXPECT_EQ(request.script, row.request.script);
+    EXPECT_EQ(request.outbox, row.request.outbox);
+  }
 }
 
-std::string errorFor(const std::vector<std::string>& arguments) {
-  const Request request = readCommandLine(arguments, nullptr);
-  const UsageError* const error = std::get_if<UsageError>(&request);
-  return error == nullptr ? "no error" : error->message;
-}
-
-TEST(CommandLine, TheRealToolsWordsAreUnderstood) {
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "/p/vestra/s.tcl", "-notrace"}).source,
-            "/p/vestra/s.tcl");
-}
-
-TEST(CommandLine, TheOrderIsFreeAndNotraceMayBeLeftOut) {
-  EXPECT_EQ(runRequest({"-source", "s.tcl", "-mode", "batch"}).source, "s.tcl");
-}
-
-TEST(CommandLine, TheOutboxComesFromTheCommandLineOrElseFromTheEnvironment) {
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "s"}).outbox, "");
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "s"}, "/env").outbox, "/env");
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "s"}, "").outbox, "");
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "s", "--outbox", "/given"}, "/env").outbox, "/given");
-}
-
-TEST(CommandLine, AValueMayLookLikeAnOption) {
-  EXPECT_EQ(runRequest({"-mode", "batch", "-source", "-notrace"}).source, "-notrace");
-}
-
-TEST(CommandLine, HelpAndVersionWinOverWhatIsMissing) {
-  EXPECT_TRUE(std::holds_alternative<HelpRequest>(readCommandLine({"-mode", "batch", "--help"}, nullptr)));
-  EXPECT_TRUE(std::holds_alternative<VersionRequest>(readCommandLine({"--version"}, nullptr)));
-}
-
-TEST(CommandLine, AScriptIsShownByItself) {
-  EXPECT_EQ(std::get<ShowRequest>(readCommandLine({"--show", "s.tcl"}, "/env")).script, "s.tcl");
-  EXPECT_EQ(errorFor({"--show", "s.tcl", "-mode", "batch"}), "--show goes with nothing else");
-}
-
-TEST(CommandLine, AnErrorOfTheCommandLineIsNamed) {
-  EXPECT_EQ(errorFor({}), "-mode is missing");
-  EXPECT_EQ(errorFor({"-mode", "batch"}), "-source is missing");
-  EXPECT_EQ(errorFor({"-mode", "gui", "-source", "s"}), "there is no mode \"gui\", only \"batch\"");
-  EXPECT_EQ(errorFor({"-mode", "batch", "-source"}), "-source needs a value");
-  EXPECT_EQ(errorFor({"-mode", "batch", "-mode", "batch", "-source", "s"}), "-mode is given twice");
-  EXPECT_EQ(errorFor({"-mode", "batch", "-source", "/home/u/my", "project/s.tcl"}),
-            "unexpected argument \"project/s.tcl\"");
-}
-
-TEST(CommandLine, AUsageErrorShowsTheUsage) {
-  EXPECT_EQ(usageText({"-mode is missing"}),
-            "vestra-design-tool: -mode is missing\n"
-            "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
-            "       vestra-design-tool --show FILE\n"
-            "Try --help.\n");
+TEST(CommandLine, NamesItsError) {
+  const std::pair<Words, const char*> rows[] = {
+      {{}, "-mode is missing"},
+      {{"-mode", "batch"}, "-source is missing"},
+      {{"-mode", "gui", "-source", "s"}, "there is no mode \"gui\", only \"batch\""},
+      {{"-mode", "batch", "-source"}, "-source needs a value"},
+      {{"-mode", "batch", "-mode", "batch", "-source", "s"}, "-mode is given twice"},
+      {{"-mode", "batch", "-source", "my", "project/s.tcl"}, "unexpected argument \"project/s.tcl\""},
+      {{"--show", "s.tcl", "-mode", "batch"}, "--show goes with nothing else"},
+      {{"--json", "s.tcl", "--show", "s.tcl"}, "--show goes with nothing else"},
+  };
+  for (const auto& [arguments, message] : rows) {
+    try {
+      readCommandLine(arguments, nullptr);
+      ADD_FAILURE() << "no error: " << testing::PrintToString(arguments);
+    } catch (const UsageError& error) {
+      EXPECT_STREQ(error.what(), message);
+    }
+  }
 }
 
 }  // namespace

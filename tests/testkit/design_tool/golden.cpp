@@ -4,12 +4,16 @@
 
 #include <boost/filesystem/operations.hpp>
 
+#include "design_tool/pages/page_style.h"
 #include "support/files.h"
 
 namespace vestra::design_tool {
 
 std::string golden(const std::string& name) {
-  return vestra_test::readFile(std::string(VESTRA_GOLDEN_DIRECTORY "/") + name);
+  std::string text = vestra_test::readFile(std::string(VESTRA_GOLDEN_DIRECTORY "/") + name);
+  const std::string mark = "@PAGE_STYLE@";
+  const std::size_t at = text.find(mark);
+  return at == std::string::npos ? text : text.replace(at, mark.size(), PAGE_STYLE);
 }
 
 std::string goldenIn(const std::string& directory, const std::string& name) {

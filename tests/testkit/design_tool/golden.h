@@ -5,7 +5,8 @@
 
 namespace vestra::design_tool {
 
-/// A file of the golden directory: what the library writes for a report, and what the tool makes of it.
+/// A file of the golden directory: what the library writes for a report, and what the tool makes of it. The
+/// page's style sheet is put in place of `@PAGE_STYLE@`.
 std::string golden(const std::string& name);
 
 /// The same with another project directory in place of `/home/u/demo`.

@@ -10,9 +10,7 @@
 namespace {
 
 using Oza::Vestra;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using vestra::testkit::HasNoHazards;
@@ -148,7 +146,7 @@ TEST(Hazards, IncludeAValueThatAddsAnItemOfItsOwn) {
     const HostRun run = runWith({{"runs", value}, {"good", "1"}});
     ASSERT_THAT(run.reports, SizeIs(1)) << run;
     EXPECT_THAT(run.values(Vestra::KELVO_USAGE, "stolen"), ElementsAre("2"));
-    EXPECT_THAT(run.report()->warnings, Contains(HasSubstr("\"runs\""))) << "the tool does not warn";
+    EXPECT_THAT(run.report()->warnings, SizeIs(1)) << "the tool does not warn";
     const auto hazards = run.hazards();
     ASSERT_THAT(hazards, SizeIs(1)) << run;
     EXPECT_EQ(hazards[0].item.key, "runs");

@@ -4,40 +4,31 @@
 
 #include <sys/stat.h>
 
-#include "design_tool/diagnosis/diagnostic.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
+#include "testkit/design_tool/scripts.h"
 
 namespace vestra::design_tool {
 namespace {
 
 std::string errorAt(const std::string& path) {
-  try {
-    readRegularFile(path);
-    return "no error";
-  } catch (const DiagnosedError& error) {
-    return error.diagnostic().message;
-  }
+  return diagnosisOf([&] { readRegularFile(path); });
 }
 
-TEST(InputFile, AllBytesOfAnInputFileAreRead) {
+TEST(InputFile, IsReadWithAllItsBytes) {
   const vestra_test::TemporaryDirectory directory;
   const std::string bytes = std::string(200'000, 'a') + std::string("\0\xFF\r\n\x1A", 5) + "end";
   vestra_test::writeFile(directory / "f", bytes);
   EXPECT_EQ(readRegularFile(directory / "f"), bytes);
 }
 
-TEST(InputFile, AnInputThatIsNoRegularFileIsRefusedAtOnce) {
+TEST(InputFile, IsRefusedUnlessItIsRegular) {
   const vestra_test::TemporaryDirectory directory;
   ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
-  EXPECT_EQ(errorAt(directory / "pipe"), "is not a regular file");
-  EXPECT_EQ(errorAt("/dev/zero"), "is not a regular file");
-  EXPECT_EQ(errorAt(directory.path()), "is a directory, not a file");
-}
-
-TEST(InputFile, AMissingInputFileIsNamedSo) {
-  const vestra_test::TemporaryDirectory directory;
-  EXPECT_EQ(errorAt(directory / "none"), "cannot be read: No such file or directory");
+  EXPECT_EQ(errorAt(directory / "pipe"), "0: is not a regular file");
+  EXPECT_EQ(errorAt("/dev/zero"), "0: is not a regular file");
+  EXPECT_EQ(errorAt(directory.path()), "0: is a directory, not a file");
+  EXPECT_EQ(errorAt(directory / "none"), "0: cannot be read: No such file or directory");
 }
 
 }  // namespace

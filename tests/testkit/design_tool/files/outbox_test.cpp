@@ -3,15 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <set>
 #include <thread>
 
 #include <boost/filesystem/operations.hpp>
 
-#include "design_tool/diagnosis/diagnostic.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
+#include "testkit/design_tool/scripts.h"
 
 namespace vestra::design_tool {
 namespace {
@@ -21,103 +20,71 @@ using testing::IsEmpty;
 using vestra_test::namesIn;
 using vestra_test::readFile;
 
-std::string kept(const Outbox& outbox, const std::string& name, const std::vector<KeptFile>& files) {
-  return outbox.prepare(name, files)->publish().string();
-}
+class OutboxTest : public testing::Test {
+ protected:
+  std::string keep(const std::string& name) const {
+    return Outbox(directory.path()).keep(name, {{"f", ""}}).filename().string();
+  }
 
-TEST(Outbox, EachReportHasAFolderThatCountsUp) {
   const vestra_test::TemporaryDirectory directory;
+};
+
+TEST_F(OutboxTest, HasAFolderForEachReport) {
   const Outbox outbox(directory / "deep/outbox");
-  EXPECT_EQ(kept(outbox, "kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}}),
-            directory / "deep/outbox/0001-kelvo");
-  EXPECT_EQ(kept(outbox, "tavlo", {{"a", "2"}}), directory / "deep/outbox/0002-tavlo");
+  outbox.keep("kelvo", {{"a", "1"}, {"b", std::string("\0", 1)}});
+  EXPECT_EQ(outbox.keep("tavlo", {{"a", "2"}}), directory / "deep/outbox/0002-tavlo");
   EXPECT_THAT(namesIn(directory / "deep/outbox"), ElementsAre("0001-kelvo", "0002-tavlo"));
+  EXPECT_THAT(namesIn(directory / "deep/outbox/0001-kelvo"), ElementsAre("a", "b"));
   EXPECT_EQ(readFile(directory / "deep/outbox/0001-kelvo/b"), std::string("\0", 1));
   EXPECT_EQ(readFile(directory / "deep/outbox/0002-tavlo/a"), "2");
 }
 
-TEST(Outbox, AReportsNumberFollowsTheHighestThereIs) {
-  const vestra_test::TemporaryDirectory directory;
-  for (const char* name : {"0007-kelvo/x", "12-by-hand/x", ".0020/x", "notes/x", "-5/x"}) {
-    vestra_test::writeFile(directory / name, "");
-  }
-  EXPECT_EQ(kept(Outbox(directory.path()), "kelvo", {}), directory / "0021-kelvo");
-}
-
-TEST(Outbox, ReportNumbersMayOutgrowFourDigits) {
-  const vestra_test::TemporaryDirectory directory;
-  vestra_test::writeFile(directory / "9999-kelvo/x", "");
-  const Outbox outbox(directory.path());
-  EXPECT_EQ(kept(outbox, "kelvo", {}), directory / "10000-kelvo");
-  EXPECT_EQ(kept(outbox, "kelvo", {}), directory / "10001-kelvo");
-}
-
-TEST(Outbox, AFolderNameIsMadeAPlainWord) {
-  const vestra_test::TemporaryDirectory directory;
-  const Outbox outbox(directory.path());
-  EXPECT_EQ(kept(outbox, "", {}), directory / "0001-report");
-  EXPECT_EQ(kept(outbox, "../\n", {}), directory / "0002-report");
-  EXPECT_EQ(kept(outbox, "../My_tool-2", {}), directory / "0003-My_tool-2");
-}
-
-TEST(Outbox, ACopyThatIsNotPublishedLeavesNothing) {
-  const vestra_test::TemporaryDirectory directory;
-  Outbox(directory.path()).prepare("kelvo", {{"a", "1"}});
-  EXPECT_THAT(namesIn(directory.path()), IsEmpty());
-}
-
-/// The error that this ends with, as the tool prints it; "no error" when it does not.
-std::string errorFrom(const std::function<void()>& action) {
-  try {
-    action();
-    return "no error";
-  } catch (const DiagnosedError& error) {
-    return format(error.diagnostic());
+TEST_F(OutboxTest, CountsOnFromTheHighestNumber) {
+  const std::pair<const char*, const char*> rows[] = {{"0007-kelvo", "0008-n"},
+                                                      {"notes", "0009-n"},
+                                                      {"-50", "0010-n"},
+                                                      {".0020-x", "0021-n"},
+                                                      {"9998-by-hand", "9999-n"},
+                                                      {"2147483647-x", "10000-n"},
+                                                      {"99999999999999999999-x", "10001-n"}};
+  for (const auto& [planted, next] : rows) {
+    boost::filesystem::create_directory(directory / planted);
+    EXPECT_EQ(keep("n"), next) << planted;
   }
 }
 
-TEST(Outbox, TwoFilesOfOneNameAreNotKept) {
-  const vestra_test::TemporaryDirectory directory;
-  EXPECT_EQ(errorFrom([&] {
-              kept(Outbox(directory.path()), "kelvo", {{"r", "1"}, {"r", "2"}});
-            }),
-            directory.path() + ": the outbox cannot keep two files named \"r\"\n");
+TEST_F(OutboxTest, MakesItsNamesPlainWords) {
+  EXPECT_EQ(keep(""), "0001-report");
+  EXPECT_EQ(keep("../\n"), "0002-report");
+  EXPECT_EQ(keep("../My_tool-2"), "0003-My_tool-2");
+}
+
+TEST_F(OutboxTest, HasNoFolderOfAReportThatCannotBeWritten) {
+  const std::string error = diagnosisOf([&] {
+    Outbox(directory.path()).keep("kelvo", {{"a", "1"}, {"missing/b", "2"}});
+  });
+  EXPECT_EQ(error, "0: the outbox cannot be written: cannot be written: No such file or directory");
   EXPECT_THAT(namesIn(directory.path()), IsEmpty());
 }
 
-TEST(Outbox, AFolderThatCannotBeWrittenLeavesNothing) {
-  const vestra_test::TemporaryDirectory directory;
-  EXPECT_EQ(errorFrom([&] {
-              kept(Outbox(directory.path()), "kelvo", {{"a", "1"}, {"missing/b", "2"}});
-            }),
-            directory / ".0001/missing/b: cannot be written: No such file or directory\n");
-  EXPECT_THAT(namesIn(directory.path()), IsEmpty());
-}
-
-TEST(Outbox, AFileInTheOutboxsPlaceIsAnError) {
-  const vestra_test::TemporaryDirectory directory;
+TEST_F(OutboxTest, IsADirectoryThatStays) {
   vestra_test::writeFile(directory / "file", "");
-  EXPECT_EQ(errorFrom([&] { Outbox(directory / "file"); }),
-            directory / "file: the outbox cannot be made: Not a directory\n");
-}
-
-TEST(Outbox, AnOutboxThatHasGoneIsAnError) {
-  const vestra_test::TemporaryDirectory directory;
+  EXPECT_EQ(diagnosisOf([&] { Outbox(directory / "file"); }),
+            "0: the outbox cannot be created: Not a directory");
   const Outbox outbox(directory / "outbox");
   boost::filesystem::remove(directory / "outbox");
-  EXPECT_EQ(errorFrom([&] { kept(outbox, "kelvo", {}); }),
-            directory / "outbox: the outbox cannot be written: No such file or directory\n");
+  EXPECT_EQ(diagnosisOf([&] { outbox.keep("kelvo", {}); }),
+            "0: the outbox cannot be written: No such file or directory");
 }
 
-TEST(Outbox, ManyReportsAtOnceGetANumberEach) {
+TEST_F(OutboxTest, GivesEachOfManyReportsAtOnceItsNumber) {
   constexpr std::size_t WRITERS = 8;
   constexpr std::size_t REPORTS = 25;
-  const vestra_test::TemporaryDirectory directory;
   std::vector<std::thread> writers;
   for (std::size_t writer = 0; writer < WRITERS; ++writer) {
     writers.emplace_back([&, writer] {
       for (std::size_t i = 0; i < REPORTS; ++i) {
-        kept(Outbox(directory.path()), writer % 2 == 0 ? "kelvo" : "tavlo", {{"f", std::to_string(writer)}});
+        keep(writer % 2 == 0 ? "kelvo" : "tavlo");
       }
     });
   }

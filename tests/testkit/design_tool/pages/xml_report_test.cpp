@@ -8,7 +8,7 @@
 #include "support/files.h"
 #include "support/process.h"
 #include "support/temporary_directory.h"
-#include "testkit/design_tool/script/script_text.h"
+#include "testkit/design_tool/scripts.h"
 
 namespace vestra::design_tool {
 namespace {

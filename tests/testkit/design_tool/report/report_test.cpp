@@ -2,24 +2,29 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace vestra::design_tool {
 namespace {
 
-Report reportWithIntro(const std::string& intro) {
-  Report report;
-  report.transmission.intro = intro;
-  report.registrations = {{"project", 2}, {"kelvo", 3}};
-  return report;
-}
-
-TEST(ReportProduct, AnIntroNamesTheProductWhateverItsClientsAre) {
-  EXPECT_EQ(productOf(reportWithIntro("<H3>TAVLO Usage Report</H3><BR>")), "tavlo");
-  EXPECT_EQ(productOf(reportWithIntro("KELVO Usage Report")), "kelvo");
-}
-
-TEST(ReportProduct, ClientsNameTheProductWhereTheIntroDoesNot) {
-  for (const char* intro : {"", "<H3>I</H3>", " Usage Report", "<H3> Usage Report"}) {
-    EXPECT_EQ(productOf(reportWithIntro(intro)), "kelvo");
+TEST(Report, HasTheTitleAndTheProductOfItsIntro) {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"<H3>TAVLO Usage Report</H3><BR>", "TAVLO Usage Report", "tavlo"},
+      {"KELVO Usage Report", "KELVO Usage Report", "kelvo"},
+      // Without a product, the first client that is not "project".
+      {"", "", "client"},
+      {"<H3>I</H3><BR>", "I", "client"},
+      {" Usage Report", " Usage Report", "client"},
+      // Another frame is no frame.
+      {"<H3>open", "<H3>open", "client"},
+      {"<H3>a</H3><BR></H3><BR>", "<H3>a</H3><BR></H3><BR>", "client"},
+  };
+  for (const auto& [intro, title, product] : rows) {
+    Report report;
+    report.transmission.intro = intro;
+    report.registrations = {{"project", 2}, {"client", 3}};
+    EXPECT_EQ(titleOf(report), title);
+    EXPECT_EQ(productOf(report), product) << intro;
   }
   EXPECT_EQ(productOf(Report()), "");
 }

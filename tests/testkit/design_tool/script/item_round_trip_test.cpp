@@ -4,7 +4,7 @@
 #include <tuple>
 
 #include "design_tool/script/script_evaluation.h"
-#include "testkit/design_tool/script/script_text.h"
+#include "testkit/design_tool/scripts.h"
 
 namespace vestra::design_tool {
 namespace {
