@@ -8,8 +8,6 @@
 namespace Oza {
 namespace {
 
-constexpr mode_t READ_AND_WRITE_FOR_ALL = 0666;
-
 /// Repeats a system call that a signal has interrupted.
 template <typename Call>
 auto uninterrupted(Call call) {
@@ -22,10 +20,9 @@ auto uninterrupted(Call call) {
 
 }  // namespace
 
-Descriptor::Descriptor(const std::string& path, int flags)
-    : number(uninterrupted([&] {
-        return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, READ_AND_WRITE_FOR_ALL);
-      })) {
+Descriptor::Descriptor(const std::string& path, int flags, mode_t mode)
+    : number(uninterrupted(
+          [&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); })) {
   if (isOpen() && fstat(number, &statusAtOpening) != 0) {
     statusAtOpening = {};
   }

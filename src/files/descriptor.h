@@ -13,9 +13,9 @@ namespace Oza {
 /// it, and opening it never blocks on a named pipe.
 class Descriptor {
  public:
-  /// @param flags  Those of open(2). A file that is made gets the permissions that a
-  ///               file stream would give it.
-  Descriptor(const std::string& path, int flags);
+  /// @param flags  Those of open(2).
+  /// @param mode   The permissions of a file that is made, less the process's umask.
+  Descriptor(const std::string& path, int flags, mode_t mode = 0666);
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor();

@@ -6,4 +6,6 @@ std::string directoryOf(const std::string& path, std::size_t nameLength) {
   return path.size() < nameLength ? path : path.substr(0, path.size() - nameLength);
 }
 
+std::string directoryOfFile(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
+
 }  // namespace Oza

@@ -11,6 +11,9 @@ namespace Oza {
 /// that is returned whole.
 std::string directoryOf(const std::string& path, std::size_t nameLength);
 
+/// The directory part of a path whose file name holds no slash, the final slash kept.
+std::string directoryOfFile(const std::string& path);
+
 }  // namespace Oza
 
 #endif

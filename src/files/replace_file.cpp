@@ -5,52 +5,50 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <optional>
 
-#include "files/access_rights.h"
 #include "files/descriptor.h"
 #include "files/file_size_signal.h"
-#include "files/neighbour.h"
 #include "files/open_file.h"
+#include "files/path_text.h"
+#include "files/permissions.h"
+#include "files/temporary_file.h"
 
 namespace Oza {
 namespace {
 
-enum class Replacement { DONE, LOST, IMPOSSIBLE };
+constexpr mode_t PRIVATE = 0600;
+constexpr mode_t READ_AND_WRITE_FOR_ALL = 0666;
 
-/// Whether a file can give its name to another one: it is regular, and has no further
-/// name that would keep the old text. It has none at all once another host has replaced it.
-bool canBeReplaced(const Descriptor& file) { return file.isRegular() && file.status().st_nlink <= 1; }
+bool isOwn(const struct stat& status) { return status.st_uid == geteuid(); }
 
-/// @param old  The file that stands there, open for writing; not open for none.
-Replacement replaceByNeighbour(const std::string& path, const Descriptor& old, const std::string& text) {
-  Neighbour neighbour(path);
-  if (!neighbour.file().isOpen() || (old.isOpen() && !takeAccessRights(old, neighbour.file())) ||
-      neighbour.file().write(text) != text.size()) {
-    return Replacement::IMPOSSIBLE;
+/// Whether a file may be renamed over. One of another owner always may, so that what the
+/// design tool executes stays out of that owner's hands. One of our own has to be such that
+/// writing in place would give the same: regular, without hard links, not read-only.
+bool mayBeReplaced(const struct stat& old) {
+  if (!isOwn(old)) {
+    return !S_ISLNK(old.st_mode);
   }
-  if (neighbour.rename()) {
-    return Replacement::DONE;
-  }
-  return errno == ENOENT ? Replacement::LOST : Replacement::IMPOSSIBLE;
+  return S_ISREG(old.st_mode) && old.st_nlink <= 1 && (old.st_mode & S_IWUSR) != 0;
 }
 
-// Another host may take a neighbour for a killed one's before it is locked. It hardly does
-// so five times.
-Replacement tryToReplace(const std::string& path, const std::string& text) {
-  const Descriptor old(path, O_WRONLY | O_NOFOLLOW);
-  if (!old.isOpen() && errno != ENOENT) {
-    return Replacement::IMPOSSIBLE;
+// A file that is to get an old one's permissions is private until then: nobody opens it by
+// permissions that it inherits from the directory. The new file's date, not the system
+// clock, is compared with those of stale ones, since a file server may have another clock.
+bool replaceByRename(const std::string& path, const std::string& text) {
+  struct stat old {};
+  const bool exists = lstat(path.c_str(), &old) == 0;
+  if (exists ? !mayBeReplaced(old) : errno != ENOENT) {
+    return false;
   }
-  if (old.isOpen() && !canBeReplaced(old)) {
-    return Replacement::IMPOSSIBLE;
+  const bool keepsPermissions = exists && isOwn(old);
+  TemporaryFile temporary(path, keepsPermissions ? PRIVATE : READ_AND_WRITE_FOR_ALL);
+  if (!temporary.file().isOpen()) {
+    return false;
   }
-  Replacement result = Replacement::LOST;
-  for (int tries = 0; result == Replacement::LOST && tries < 5; ++tries) {
-    result = replaceByNeighbour(path, old, text);
-  }
-  return result;
+  const bool isReplaced = (!keepsPermissions || copyPermissions(path, old, temporary.file())) &&
+                          temporary.file().write(text) == text.size() && temporary.renameToTarget();
+  removeStaleTemporaryFiles(directoryOfFile(path), temporary.file().status().st_mtime);
+  return isReplaced;
 }
 
 void writeInPlace(const std::string& path, const std::string& text) {
@@ -63,7 +61,7 @@ void writeInPlace(const std::string& path, const std::string& text) {
 
 void replaceFile(const std::string& path, const std::string& text) {
   FileSizeSignalHold hold;
-  if (tryToReplace(path, text) == Replacement::DONE) {
+  if (replaceByRename(path, text)) {
     hold.endWithoutSignal();
   } else {
     writeInPlace(path, text);
@@ -71,7 +69,8 @@ void replaceFile(const std::string& path, const std::string& text) {
 }
 
 bool fileHolds(const std::string& path, const std::string& text) {
-  return Descriptor(path, O_RDONLY).read() == text;
+  const Descriptor file(path, O_RDONLY);
+  return file.status().st_size == static_cast<off_t>(text.size()) && file.read() == text;
 }
 
 }  // namespace Oza

@@ -5,14 +5,14 @@
 
 namespace Oza {
 
-/// Makes a text the content of a file, so that a reader finds the old or the new text
-/// whole: it is written to a neighbour with a name of its own, which is then renamed.
-/// What killed processes left of neighbours in the directory is removed before.
+/// Replaces a file's text atomically: the text is written to a temporary file, which is
+/// renamed over it, so that a reader finds the old or the new text whole. The file's owner,
+/// permissions and ACL stay, but for a file of another owner, which becomes ours.
 ///
-/// Where the file is a symbolic link, has further names or an owner or permissions that
-/// a neighbour cannot have, or the directory lets no neighbour be made, it is written in
-/// place. A failure is not noticed; nothing is written to a named pipe. The file's
-/// owner and permissions stay.
+/// A file is written in place instead when it is a symbolic link, not a regular file,
+/// read-only or has hard links; when the new file cannot get its group, permissions and
+/// ACL; and when the temporary file cannot be made, written or renamed. A failure is not
+/// noticed; nothing is written to a named pipe.
 void replaceFile(const std::string& path, const std::string& text);
 
 /// Whether a file that can be read holds this text.

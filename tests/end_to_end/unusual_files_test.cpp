@@ -3,6 +3,8 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
+
 #include <boost/filesystem.hpp>
 
 #include "support/files.h"
@@ -125,6 +127,16 @@ TEST_F(UnusualFile, APipeInTheRulesPlaceIsNotOpened) {
   makePipe(inVestraDirectory("usage_statistics_ext_kelvo.wdm"));
   answers.execPath = "true";
   sandbox.setSupportAnswers(answers);
+  const HostRun run = send();
+  EXPECT_EQ(run.answer, true) << run;
+  EXPECT_THAT(run, EndedQuietly());
+}
+
+// More than there is memory.
+TEST_F(UnusualFile, AHugeSparseFileInTheRulesPlaceIsReplacedUnread) {
+  const std::string rules = inVestraDirectory("usage_statistics_ext_kelvo.wdm");
+  writeFile(rules, "");
+  fs::resize_file(rules, std::uintmax_t{1} << 40U);
   const HostRun run = send();
   EXPECT_EQ(run.answer, true) << run;
   EXPECT_THAT(run, EndedQuietly());

@@ -141,8 +141,7 @@ TEST_P(TwoHosts, NeitherWritesIntoTheOthersReport) {
   }
 }
 
-// As long as it is locked. Otherwise the second host would take it for a killed one's.
-TEST_P(TwoHosts, FileThatIsBeingWrittenIsNotTakenForALeftover) {
+TEST_P(TwoHosts, TemporaryFileOfALiveHostStays) {
   const std::vector<SystemCall> calls = callsOfARun();
   int writes = 0;
   for (std::size_t place = 0; place < calls.size(); ++place) {
