@@ -69,7 +69,7 @@ class FailingCall : public WatchedHost {
         holds(call.subject, "libqvzcommonvestrasupport.so")) {
       return AnyOf("answer true", "answer false");
     }
-    if (isReportFile(call.subject) && (call.number == SYS_unlink || asksForStatus(call.number))) {
+    if (isReportFile(call.subject) && (removes(call.number) || asksForStatus(call.number))) {
       return AnyOf("answer true", FILE_ERROR);
     }
     return "answer true";

@@ -30,7 +30,7 @@ const std::map<long, Known>& knownCalls() {
       {SYS_mkdir, {"mkdir", Subject::PATH_FIRST, {EACCES, ENOENT, ENOSPC, EROFS, EIO, ENOMEM, EMLINK}}},
       {SYS_unlink, {"unlink", Subject::PATH_FIRST, {EACCES, EPERM, ENOENT, EROFS, EBUSY, EIO, ENOMEM}}},
       {SYS_rmdir, {"rmdir", Subject::PATH_FIRST, {EACCES, EPERM, EROFS, EBUSY, EIO, ENOMEM}}},
-      {SYS_unlinkat, {"unlinkat", Subject::PATH_SECOND, {EACCES, EPERM, EROFS, EBUSY, EIO, ENOMEM}}},
+      {SYS_unlinkat, {"unlinkat", Subject::PATH_SECOND, {EACCES, EPERM, ENOENT, EROFS, EBUSY, EIO, ENOMEM}}},
       {SYS_rename,
        {"rename", Subject::PATH_SECOND, {EACCES, EPERM, ENOENT, ENOSPC, EROFS, EBUSY, EIO, ENOMEM}}},
       {SYS_getcwd, {"getcwd", Subject::NONE, {ENOENT, EACCES, ENOMEM}}},
@@ -110,6 +110,8 @@ bool asksForStatus(long number) {
   return number == SYS_newfstatat || number == SYS_stat || number == SYS_lstat || number == SYS_statx ||
          number == SYS_fstat;
 }
+
+bool removes(long number) { return number == SYS_unlink || number == SYS_unlinkat || number == SYS_rmdir; }
 
 const std::vector<int>& errorsOf(long number) { return lookUp(number).errors; }
 

@@ -21,9 +21,10 @@ bool isKnown(long number);
 /// Whether it manages memory. A sanitizer ends the process when one of those fails.
 bool managesMemory(long number);
 
-/// Whether it asks for a file's status: which of several calls does is the C library's
-/// choice and Boost's.
+/// Whether it asks for a file's status, or removes a file: which of several calls does is the
+/// C library's choice and Boost's.
 bool asksForStatus(long number);
+bool removes(long number);
 
 /// The errors to expect of a machine in trouble, as errno values. None for calls that
 /// fail only when they are used wrongly.
