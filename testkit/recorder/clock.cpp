@@ -4,8 +4,6 @@
 #include <dlfcn.h>
 #include <sys/time.h>
 
-#include <vestra/testkit/host_run.h>
-
 #include "recorder/recording.h"
 
 namespace {
@@ -14,7 +12,7 @@ using vestra::testkit::heldClock;
 
 template <typename Function>
 Function nextOf(const char* name) {
-  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+  return reinterpret_cast<Function>(vestra::intercept::lookUp(RTLD_NEXT, name));
 }
 
 }  // namespace
@@ -22,7 +20,7 @@ Function nextOf(const char* name) {
 // The C library's names of parameters are reserved.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 
-extern "C" VESTRA_TESTKIT_EXPORT std::time_t time(std::time_t* out) noexcept {
+extern "C" VESTRA_INTERPOSED std::time_t time(std::time_t* out) noexcept {
   static const auto next = nextOf<std::time_t (*)(std::time_t*)>("time");
   const auto held = heldClock();
   if (!held) {
@@ -34,7 +32,7 @@ extern "C" VESTRA_TESTKIT_EXPORT std::time_t time(std::time_t* out) noexcept {
   return *held;
 }
 
-extern "C" VESTRA_TESTKIT_EXPORT int clock_gettime(clockid_t clock, timespec* out) noexcept {
+extern "C" VESTRA_INTERPOSED int clock_gettime(clockid_t clock, timespec* out) noexcept {
   static const auto next = nextOf<int (*)(clockid_t, timespec*)>("clock_gettime");
   const auto held = heldClock();
   if (!held || (clock != CLOCK_REALTIME && clock != CLOCK_REALTIME_COARSE)) {
@@ -44,7 +42,7 @@ extern "C" VESTRA_TESTKIT_EXPORT int clock_gettime(clockid_t clock, timespec* ou
   return 0;
 }
 
-extern "C" VESTRA_TESTKIT_EXPORT int gettimeofday(timeval* out, void* zone) noexcept {
+extern "C" VESTRA_INTERPOSED int gettimeofday(timeval* out, void* zone) noexcept {
   static const auto next = nextOf<int (*)(timeval*, void*)>("gettimeofday");
   const auto held = heldClock();
   if (!held) {

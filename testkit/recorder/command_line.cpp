@@ -1,61 +1,83 @@
 #include "recorder/command_line.h"
 
+#include <cstdio>
+#include <cstring>
+
 namespace vestra::testkit {
 namespace {
 
-bool endsWith(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+using std::string_view;
+
+// The members of string_view that cut and compare parts can throw, which needs the C++ library.
+
+string_view part(string_view text, std::size_t begin, std::size_t length) {
+  return {text.data() + begin, length};
 }
 
-/// The text without its end; nothing when it ends otherwise.
-std::optional<std::string> without(const std::string& end, const std::string& text) {
-  return endsWith(text, end) ? std::optional(text.substr(0, text.size() - end.size())) : std::nullopt;
+bool endsWith(string_view text, string_view end) {
+  return text.size() >= end.size() && part(text, text.size() - end.size(), end.size()) == end;
 }
 
-/// The script's path, which stands last in the text.
-std::optional<std::string> scriptAtEndOf(const std::string& text) {
-  const std::string source = " -mode batch -source ";
-  const std::size_t begin = text.find(source);
-  return begin == std::string::npos ? std::nullopt : std::optional(text.substr(begin + source.size()));
+/// The text without its end; empty when it ends otherwise.
+string_view without(string_view end, string_view text) {
+  return endsWith(text, end) ? part(text, 0, text.size() - end.size()) : string_view();
 }
 
-std::optional<ToolCommandLine> simulators(const std::string& commandLine) {
-  const auto begin = without(" -notrace ", commandLine);
-  const auto script = scriptAtEndOf(begin.value_or(""));
-  return script && endsWith(*script, "/vestra/kelvo_vestra.tcl") ? std::optional(ToolCommandLine{*script, ""})
-                                                                 : std::nullopt;
+/// The script's path, which stands last in the text; empty without one.
+string_view scriptAtEndOf(string_view text) {
+  constexpr string_view source = " -mode batch -source ";
+  const std::size_t found = text.find(source);
+  const std::size_t begin = found + source.size();
+  return found == string_view::npos ? string_view() : part(text, begin, text.size() - begin);
 }
 
-std::optional<ToolCommandLine> labTools(const std::string& commandLine) {
-  const auto beforeEnd = without("/vestra/tavlo_vestra.log 2>&1", commandLine);
-  if (!beforeEnd) {
+std::optional<ToolCommandLine> simulators(string_view commandLine) {
+  const string_view script = scriptAtEndOf(without(" -notrace ", commandLine));
+  return endsWith(script, "/vestra/kelvo_vestra.tcl") ? std::optional(ToolCommandLine{script, ""})
+                                                      : std::nullopt;
+}
+
+std::optional<ToolCommandLine> labTools(string_view commandLine) {
+  constexpr string_view SCRIPT = "/vestra/tavlo_vestra.tcl";
+  constexpr string_view MIDDLE = "/vestra/tavlo_vestra.tcl -notrace  > ";
+  constexpr string_view LOG = "/vestra/tavlo_vestra.log";
+  const string_view beforeEnd = without(" 2>&1", commandLine);
+  // The directory stands there twice, so what precedes its second mention ends with the first.
+  const std::size_t at = beforeEnd.rfind(MIDDLE);
+  if (!endsWith(beforeEnd, LOG) || at == string_view::npos) {
     return std::nullopt;
   }
-  // The directory stands there twice, so what precedes its second mention ends with the
-  // first.
-  const std::string middle = "/vestra/tavlo_vestra.tcl -notrace  > ";
-  const std::size_t at = beforeEnd->rfind(middle);
-  if (at == std::string::npos) {
-    return std::nullopt;
-  }
-  const std::string directory = beforeEnd->substr(at + middle.size());
-  const auto script = scriptAtEndOf(beforeEnd->substr(0, at));
-  return script == directory ? std::optional(ToolCommandLine{directory + "/vestra/tavlo_vestra.tcl",
-                                                             directory + "/vestra/tavlo_vestra.log"})
-                             : std::nullopt;
+  const std::size_t second = at + MIDDLE.size();
+  const string_view log = part(beforeEnd, second, beforeEnd.size() - second);
+  const string_view script = scriptAtEndOf(part(beforeEnd, 0, at + SCRIPT.size()));
+  const bool isSame = without(SCRIPT, script) == without(LOG, log);
+  return isSame && !script.empty() ? std::optional(ToolCommandLine{script, log}) : std::nullopt;
 }
 
 }  // namespace
 
-std::optional<ToolCommandLine> toolCommandLine(const std::string& commandLine) {
+std::optional<ToolCommandLine> toolCommandLine(string_view commandLine) {
   const auto simulator = simulators(commandLine);
   return simulator ? simulator : labTools(commandLine);
 }
 
-std::string rulesFileBeside(const std::string& script) {
+Path pathFrom(string_view text) {
+  Path path;
+  if (text.size() < sizeof path.text) {
+    std::memcpy(path.text, text.data(), text.size());
+  }
+  return path;
+}
+
+Path rulesFileBeside(string_view script) {
   const std::size_t name = script.rfind('/') + 1;
-  const std::string product = script.substr(name, script.find('_', name) - name);
-  return script.substr(0, name) + "usage_statistics_ext_" + product + ".wdm";
+  const std::size_t product = script.find('_', name);
+  Path rules;
+  if (product != string_view::npos) {
+    std::snprintf(rules.text, sizeof rules.text, "%.*susage_statistics_ext_%.*s.wdm", static_cast<int>(name),
+                  script.data(), static_cast<int>(product - name), script.data() + name);
+  }
+  return rules;
 }
 
 }  // namespace vestra::testkit

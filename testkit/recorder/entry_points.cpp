@@ -1,76 +1,95 @@
 // The library's entry points stand before its own, which do the work: what the host
 // hands over is known byte for byte, whatever the script makes of it.
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <string>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
 
 #include <vestra/vestra.h>
 
-#include "recorder/exception.h"
-#include "recorder/fields.h"
 #include "recorder/recording.h"
+#include "recorder/send_call.h"
 
 namespace vestra::testkit {
 namespace {
 
+using intercept::note;
+
+constexpr char ADD[] = "_ZN3Oza6Vestra3addEPKcS2_NS0_11SectionTypeE";
+constexpr char SEND[] = "_ZN3Oza6Vestra4sendEPKcNS0_11ProductTypeE";
+constexpr char INTERNAL[] = "_ZN3Oza6Vestra8internalEv";
+#define LOG_FILE_NAME "_ZN3Oza6Vestra14getLogFileNameB5cxx11Ev"
+
 std::atomic<bool> calledUnrecorded{false};
 
-/// The library's own entry point. A library that was opened by name, as plug-ins are,
-/// does not stand behind this one, and is asked itself.
-template <typename Function>
-Function ownOf(const char* symbol) {
-  void* found = dlsym(RTLD_NEXT, symbol);
-  if (found == nullptr) {
-    if (void* library = dlopen("libvestra.so.1", RTLD_LAZY | RTLD_NOLOAD)) {
-      found = dlsym(library, symbol);
-    }
-  }
-  return reinterpret_cast<Function>(found);
-}
-
 bool isRecording() {
-  if (recordDirectory().empty()) {
+  if (intercept::recordDirectory() == nullptr) {
     calledUnrecorded = true;
     return false;
   }
   return true;
 }
 
-std::string absolute(const std::string& path) {
-  if (path.rfind('/', 0) == 0) {
-    return path;
-  }
-  char* here = getcwd(nullptr, 0);
-  const std::string directory = here != nullptr ? here : "";
-  std::free(here);
-  return directory + "/" + path;
+template <typename Function>
+Function own(const char* symbol) {
+  return reinterpret_cast<Function>(intercept::ownOf(symbol));
 }
 
-/// One call of `send`, from its beginning.
+/// A number's text.
+struct Digits {
+  explicit Digits(unsigned int number) { std::snprintf(text, sizeof text, "%u", number); }
+  operator std::string_view() const { return text; }
+
+  char text[16];
+};
+
+/// One call of `send`, from its beginning. Without an outcome, the process ended in it.
 class NotedSend {
  public:
-  NotedSend(const char* projectDir, Oza::Vestra::ProductType productType)
-      : directory(projectDir != nullptr ? absolute(projectDir) : ""), product(std::to_string(productType)) {
+  NotedSend(const char* projectDir, Oza::Vestra::ProductType productType) : product(productType) {
+    char here[PATH_MAX] = "";
+    const bool isRelative = projectDir != nullptr && *projectDir != '/';
+    if (isRelative && getcwd(here, sizeof here) == nullptr) {
+      *here = '\0';
+    }
+    std::snprintf(directory, sizeof directory, "%s%s%s", here, isRelative ? "/" : "",
+                  projectDir != nullptr ? projectDir : "");
     noteOutcome("begun");
   }
 
-  /// @param details  of the exception that is its outcome
-  void noteOutcome(const char* outcome, const std::string& details = {}) const {
+  /// @param details  joined fields of the exception that is the outcome
+  void noteOutcome(const char* outcome, std::string_view details = "") const {
     if (isRecording()) {
       note("sends", {number, directory, product, outcome, details});
     }
   }
 
+  static void noteThrown(const void* call, const std::string_view* fields, std::size_t count) {
+    const std::size_t size = intercept::sizeOfJoined(fields, count);
+    auto* details = static_cast<char*>(std::malloc(size));
+    intercept::joinFields(fields, count, details);
+    static_cast<const NotedSend*>(call)->noteOutcome("threw", {details, size});
+    std::free(details);
+  }
+
  private:
-  std::string number = nextNumber();
-  std::string directory;
-  std::string product;
+  NumberText number = nextNumber();
+  char directory[2 * PATH_MAX];
+  Digits product;
 };
 
 }  // namespace
+
+// Takes and returns the place of the string, as the compiler passes it: the class would need the
+// C++ library here.
+VESTRA_INTERPOSED void* logFileName(void* result) asm(LOG_FILE_NAME);
+void* logFileName(void* result) {
+  isRecording();
+  return own<void* (*)(void*)>(LOG_FILE_NAME)(result);
+}
 
 bool wasCalledUnrecorded() { return calledUnrecorded; }
 
@@ -80,39 +99,43 @@ namespace Oza {
 
 using namespace vestra::testkit;
 
-VESTRA_EXPORT void Vestra::add(const char* key, const char* value, SectionType section) {
-  using Add = void (*)(const char*, const char*, SectionType);
-  static const auto own = ownOf<Add>("_ZN3Oza6Vestra3addEPKcS2_NS0_11SectionTypeE");
-  own(key, value, section);
+VESTRA_INTERPOSED void Vestra::add(const char* key, const char* value, SectionType section) {
+  own<void (*)(const char*, const char*, SectionType)>(ADD)(key, value, section);
   if (isRecording()) {
-    note("added", {nextNumber(), std::to_string(section), key, value});
+    vestra::intercept::note("added", {nextNumber(), Digits(section), key, value});
   }
 }
 
-VESTRA_EXPORT bool Vestra::send(const char* projectDir, ProductType product) {
-  using Send = bool (*)(const char*, ProductType);
-  static const auto own = ownOf<Send>("_ZN3Oza6Vestra4sendEPKcNS0_11ProductTypeE");
+VESTRA_INTERPOSED bool Vestra::send(const char* projectDir, ProductType product) {
   const NotedSend noted(projectDir, product);
-  try {
-    const bool answer = own(projectDir, product);
-    noted.noteOutcome(answer ? "true" : "false");
-    return answer;
-  } catch (...) {
-    noted.noteOutcome("threw", joinedFields(fieldsOf(caughtException())));
-    throw;
-  }
+  const bool answer = sendCall()(own<SendFunction>(SEND), projectDir, product, NotedSend::noteThrown, &noted);
+  noted.noteOutcome(answer ? "true" : "false");
+  return answer;
 }
 
-VESTRA_EXPORT bool Vestra::internal() {
-  static const auto own = ownOf<bool (*)()>("_ZN3Oza6Vestra8internalEv");
+VESTRA_INTERPOSED bool Vestra::internal() {
   isRecording();
-  return own();
-}
-
-VESTRA_EXPORT std::string Vestra::getLogFileName() {
-  static const auto own = ownOf<std::string (*)()>("_ZN3Oza6Vestra14getLogFileNameB5cxx11Ev");
-  isRecording();
-  return own();
+  return own<bool (*)()>(INTERNAL)();
 }
 
 }  // namespace Oza
+
+namespace vestra::intercept {
+
+EntryPoint entryPoints[] = {
+    {testkit::ADD, reinterpret_cast<void*>(&Oza::Vestra::add), nullptr},
+    {testkit::SEND, reinterpret_cast<void*>(&Oza::Vestra::send), nullptr},
+    {testkit::INTERNAL, reinterpret_cast<void*>(&Oza::Vestra::internal), nullptr},
+    {LOG_FILE_NAME, reinterpret_cast<void*>(&testkit::logFileName), nullptr},
+    {nullptr, nullptr, nullptr},
+};
+
+// A library that lacks entry points is a file of its own.
+bool isMissing(const char*) { return false; }
+
+const char* supportLibraryFor(const void*) {
+  const char* path = carried("SUPPORT");
+  return path == nullptr || *path != '\0' ? path : nullptr;
+}
+
+}  // namespace vestra::intercept

@@ -1,64 +1,89 @@
-// The call that starts a shell stands before the C library's own for everything in the
-// process.
+// The command lines that hosts and the library give to the shell.
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
-#include <string>
+#include <cstdlib>
 
-#include <vestra/testkit/host_run.h>
-
-#include "recorder/bytes.h"
 #include "recorder/command_line.h"
 #include "recorder/recording.h"
 
 namespace vestra::testkit {
 namespace {
 
-std::string sizeOf(int descriptor) {
+/// A number, or two, as text.
+struct Text {
+  char bytes[48];
+  operator std::string_view() const { return bytes; }
+};
+
+template <typename... Numbers>
+Text text(const char* format, Numbers... numbers) {
+  Text made{};
+  std::snprintf(made.bytes, sizeof made.bytes, format, numbers...);
+  return made;
+}
+
+Text sizeOf(int descriptor) {
   struct stat status {};
-  return fstat(descriptor, &status) == 0 ? std::to_string(status.st_size) : "0";
+  return text("%lld", fstat(descriptor, &status) == 0 ? static_cast<long long>(status.st_size) : 0LL);
 }
 
-std::string bytesIfThere(const std::string& path) { return bytesOf(path).value_or(""); }
+/// The bytes of a regular file; none where there is no such file.
+class FileBytes {
+ public:
+  explicit FileBytes(const Path& path) {
+    const int file = open(path.text, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    struct stat status {};
+    if (file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
+      readAll(file, static_cast<std::size_t>(status.st_size));
+    }
+    close(file);
+  }
+  FileBytes(const FileBytes&) = delete;
+  FileBytes& operator=(const FileBytes&) = delete;
+  ~FileBytes() { std::free(bytes); }
 
-std::string rulesFor(const ToolCommandLine& tool) {
-  return tool.script.empty() ? "" : bytesIfThere(rulesFileBeside(tool.script));
-}
+  operator std::string_view() const { return {bytes, length}; }
+
+ private:
+  void readAll(int file, std::size_t size) {
+    bytes = static_cast<char*>(std::malloc(size));
+    ssize_t read = 1;
+    while (bytes != nullptr && length < size && read > 0) {
+      read = ::read(file, bytes + length, size - length);
+      length += read > 0 ? static_cast<std::size_t>(read) : 0;
+    }
+  }
+
+  char* bytes = nullptr;
+  std::size_t length = 0;
+};
 
 // The design tool takes the script's time for the hour that the report's number is made of.
-void holdTimeOf(const std::string& script) {
+void holdTimeOf(const Path& script) {
   if (const auto now = heldClock()) {
-    const timespec held{*now, 0};
-    const std::array<timespec, 2> times{held, held};
-    utimensat(AT_FDCWD, script.c_str(), times.data(), 0);
+    const timespec held[] = {{*now, 0}, {*now, 0}};
+    utimensat(AT_FDCWD, script.text, held, 0);
   }
-}
-
-using System = int (*)(const char*);
-
-int runRecorded(const char* command, System run) {
-  const std::string number = nextNumber();
-  const ToolCommandLine tool = toolCommandLine(command).value_or(ToolCommandLine());
-  holdTimeOf(tool.script);
-  std::fflush(nullptr);
-  note(SHELL_RECORD, {BEGUN, number, command, bytesIfThere(tool.script), rulesFor(tool),
-                      sizeOf(STDOUT_FILENO), sizeOf(STDERR_FILENO)});
-  const int status = run(command);
-  note(SHELL_RECORD, {ENDED, number, std::to_string(status), bytesIfThere(tool.log), sizeOf(STDOUT_FILENO),
-                      sizeOf(STDERR_FILENO)});
-  return status;
 }
 
 }  // namespace
 }  // namespace vestra::testkit
 
-extern "C" VESTRA_TESTKIT_EXPORT int system(const char* command) {
+int vestra::intercept::runCommand(const char* command, int (*next)(const char*)) {
   using namespace vestra::testkit;
-  static const auto next = reinterpret_cast<System>(dlsym(RTLD_NEXT, "system"));
-  return command == nullptr || recordDirectory().empty() ? next(command) : runRecorded(command, next);
+  const NumberText number = nextNumber();
+  const ToolCommandLine tool = toolCommandLine(command).value_or(ToolCommandLine());
+  const Path script = pathFrom(tool.script);
+  holdTimeOf(script);
+  std::fflush(nullptr);
+  note(SHELL_RECORD, {BEGUN, number, command, FileBytes(script), FileBytes(rulesFileBeside(tool.script)),
+                      sizeOf(STDOUT_FILENO), sizeOf(STDERR_FILENO)});
+  const int status = next(command);
+  note(SHELL_RECORD, {ENDED, number, text("%d", status), FileBytes(pathFrom(tool.log)), sizeOf(STDOUT_FILENO),
+                      sizeOf(STDERR_FILENO)});
+  return status;
 }

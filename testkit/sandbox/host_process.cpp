@@ -13,6 +13,7 @@
 #include "recorder/bytes.h"
 #include "recorder/exception.h"
 #include "recorder/recording.h"
+#include "recorder/send_call.h"
 #include "sandbox/assertions.h"
 #include "sandbox/support_setup.h"
 
@@ -41,6 +42,17 @@ std::string joined(const std::vector<std::string>& names) {
   return text;
 }
 
+/// What the programs of a run are told by: see recording.h. A program with the address sanitizer's
+/// run time would refuse anything that the loader puts before that.
+void setRecordingVariables(const RunSetup& setup, const RunPlace& place) {
+  setOrUnset(RECORD_VARIABLE, place.record);
+  setOrUnset(PRELOAD_VARIABLE, preloadPath());
+  setOrUnset(SUPPORT_VARIABLE, supportLibraryFor(setup.answers, place.record + "/support"));
+  setOrUnset(NOW_VARIABLE, setup.now ? std::optional(std::to_string(*setup.now)) : std::nullopt);
+  prepend("LD_PRELOAD", preloadPath(), ":");
+  prepend("ASAN_OPTIONS", "verify_asan_link_order=0", ":");
+}
+
 void setVariables(const RunSetup& setup, const RunPlace& place) {
   setOrUnset("CALVIX_VESTRA_DEBUG_EXT", std::nullopt);
   setOrUnset("CALVIX_VESTRA_INTERNAL_TRANSMIT", std::nullopt);
@@ -58,23 +70,12 @@ void setVariables(const RunSetup& setup, const RunPlace& place) {
   for (const auto& [variable, value] : setup.environment) {
     setOrUnset(variable, value);
   }
+  setRecordingVariables(setup, place);
 }
 
-/// @return The support library.
-std::string settleIn(const RunSetup& setup, const RunPlace& place) {
+void settleIn(const RunSetup& setup, const RunPlace& place) {
   setVariables(setup, place);
   fs::current_path(place.directory);
-  return supportLibraryFor(setup.answers, place.record + "/support");
-}
-
-// A program with the address sanitizer's run time would refuse anything that the loader
-// puts before that.
-void beginRecordingIn(const RunSetup& setup, const RunPlace& place, const std::string& supportLibrary) {
-  prepend("LD_LIBRARY_PATH", fs::path(supportLibrary).parent_path().string(), ":");
-  prepend("LD_PRELOAD", preloadPath(), ":");
-  prepend("ASAN_OPTIONS", "verify_asan_link_order=0", ":");
-  setOrUnset(RECORD_VARIABLE, place.record);
-  setOrUnset(NOW_VARIABLE, setup.now ? std::optional(std::to_string(*setup.now)) : std::nullopt);
 }
 
 void execute(std::vector<std::string> words) {
@@ -93,19 +94,19 @@ void recordFailure(const RunPlace& place, const std::exception& failure) {
 
 }  // namespace
 
+SendCall sendCall() { return vestra_testkit_call_send; }
+
 void beAHost(const RunSetup& setup, const RunPlace& place, StartingGate& gate,
              const std::function<bool()>& code) {
   try {
-    openSupportLibrary(setup.answers, settleIn(setup, place));
+    settleIn(setup, place);
+    openSupportLibrary(std::getenv(SUPPORT_VARIABLE));
   } catch (const std::exception& failure) {
     recordFailure(place, failure);
     return;
   }
   watchAssertions();
-  beginRecording(place.record);
-  if (setup.now) {
-    holdClock(*setup.now);
-  }
+  beginRecording();
   gate.await();
   try {
     writeBytes(place.record + "/answer", code() ? "true" : "false");
@@ -116,7 +117,8 @@ void beAHost(const RunSetup& setup, const RunPlace& place, StartingGate& gate,
 
 void beAProgram(const RunSetup& setup, const RunPlace& place, const std::vector<std::string>& words) {
   try {
-    beginRecordingIn(setup, place, settleIn(setup, place));
+    settleIn(setup, place);
+    beginRecording();
     execute(words);
   } catch (const std::exception& failure) {
     recordFailure(place, failure);

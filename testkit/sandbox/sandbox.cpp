@@ -107,8 +107,8 @@ class Sandbox::Implementation {
     return places;
   }
 
-  static std::unique_ptr<ForkedProcess> start(const RunPlace& place, const std::function<void()>& body) {
-    return std::make_unique<ForkedProcess>(place.record + "/printed", body);
+  std::unique_ptr<ForkedProcess> start(const RunPlace& place, const std::function<void()>& body) const {
+    return std::make_unique<ForkedProcess>(place.record + "/printed", setup.timeLimit, body);
   }
 
   std::vector<HostRun> finish(const std::vector<RunPlace>& places,
@@ -116,7 +116,7 @@ class Sandbox::Implementation {
     const auto deadline = std::chrono::steady_clock::now() + setup.timeLimit;
     std::vector<ProcessEnd> ends;
     for (const auto& process : processes) {
-      ends.push_back(process->wait(deadline));
+      ends.push_back(process->wait());
     }
     std::vector<HostRun> runs;
     for (std::size_t i = 0; i < places.size(); ++i) {

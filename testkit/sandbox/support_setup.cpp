@@ -1,7 +1,6 @@
 #include "sandbox/support_setup.h"
 
 #include <dlfcn.h>
-#include <link.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -50,15 +49,6 @@ std::string libraryWithout(const std::vector<std::string>& missing) {
   return library;
 }
 
-void refuseLibraryInReach() {
-  if (void* library = dlopen(FILE_NAME, RTLD_LAZY)) {
-    link_map* found = nullptr;
-    dlinfo(library, RTLD_DI_LINKMAP, &found);
-    throw std::runtime_error("a support library is to be missing, but the loader finds " +
-                             std::string(found->l_name) + "; take its directory out of LD_LIBRARY_PATH");
-  }
-}
-
 }  // namespace
 
 bool isMissing(const SupportAnswers& answers, const std::string& what) {
@@ -77,24 +67,24 @@ std::string toolFor(const SupportAnswers& answers) {
   return delay > 0 ? "sleep " + std::to_string(delay) + "; " + tool : tool;
 }
 
-// The loader gives up at a file of the right name that is no library.
 std::string supportLibraryFor(const SupportAnswers& answers, const std::string& directory) {
   refuseUnknown(answers);
+  if (isMissing(answers, "library")) {
+    return "";
+  }
   const bool isStandIn = std::all_of(answers.missing.begin(), answers.missing.end(),
                                      [](const std::string& what) { return what == "tool"; });
   if (isStandIn) {
     return supportLibraryPath();
   }
   boost::filesystem::create_directory(directory);
-  const std::string path = directory + "/" + FILE_NAME;
-  writeBytes(path, isMissing(answers, "library") ? "" : libraryWithout(answers.missing));
+  std::string path = directory + "/" + FILE_NAME;
+  writeBytes(path, libraryWithout(answers.missing));
   return path;
 }
 
-void openSupportLibrary(const SupportAnswers& answers, const std::string& path) {
-  if (isMissing(answers, "library")) {
-    refuseLibraryInReach();
-  } else if (dlopen(path.c_str(), RTLD_LAZY) == nullptr) {
+void openSupportLibrary(const std::string& path) {
+  if (!path.empty() && dlopen(path.c_str(), RTLD_LAZY) == nullptr) {
     throw std::runtime_error(dlerror());
   }
 }

@@ -14,19 +14,19 @@ bool isMissing(const SupportAnswers& answers, const std::string& what);
 std::string toolFor(const SupportAnswers& answers);
 
 /// Makes the support library of one run where the stand-in does not do: one that lacks
-/// entry points, or a file that is no library where there is to be none.
+/// entry points.
 ///
 /// @param directory  which it is made in
-/// @return The library's path.
+/// @return The library's path; empty where there is to be none.
 /// @throws std::runtime_error when the answers name as missing what is unknown
 std::string supportLibraryFor(const SupportAnswers& answers, const std::string& directory);
 
-/// Opens the support library in the host's process, so that the host finds it by its name.
+/// Loads the run's support library into the host's process, so that whatever searches for it by
+/// its name (SONAME) finds this one.
 ///
 /// @param path  as supportLibraryFor gave it
-/// @throws std::runtime_error when it cannot be opened or, where none is to be there,
-///                            another one is in the loader's reach
-void openSupportLibrary(const SupportAnswers& answers, const std::string& path);
+/// @throws std::runtime_error when it cannot be opened
+void openSupportLibrary(const std::string& path);
 
 }  // namespace vestra::testkit
 

@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "recorder/bytes.h"
-#include "recorder/command_line.h"
 #include "recorder/exception.h"
 #include "recorder/fields.h"
+#include "recorder/recording.h"
 #include "sandbox/assertions.h"
 #include "sandbox/host_process.h"
 #include "sandbox/results/files_left.h"
@@ -92,6 +92,15 @@ class Calls {
   /// By process.
   std::map<std::string, unsigned long> lastSends;
 };
+
+std::vector<std::string> unsoundnessIn(const std::string& record) {
+  std::vector<std::string> sentences;
+  const auto fields = fieldsIn(bytesOf(record + "/" + intercept::UNOBSERVED_RECORD).value_or(""));
+  for (std::size_t i = 0; i + 2 <= fields.size(); i += 2) {
+    sentences.push_back(fields[i] + " " + fields[i + 1]);
+  }
+  return sentences;
+}
 
 /// Reads what one run left, part by part.
 class RunReader {
@@ -204,6 +213,8 @@ HostRun runIn(const RunPlace& place, const ProcessEnd& end, std::chrono::steady_
   run.signal = end.signal;
   run.exitStatus = end.exitStatus;
   run.timedOut = end.timedOut;
+  run.unsoundness = unsoundnessIn(place.record);
+  run.outlivingProcesses = end.outliving;
   RunReader(place, run).readAll(deadline);
   return run;
 }

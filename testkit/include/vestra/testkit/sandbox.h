@@ -36,7 +36,7 @@ struct SupportAnswers {
 
 /// A home, a project and an outbox of their own in a temporary directory, with the
 /// stand-ins for the support library and the main design tool. The real ones are
-/// out of reach from inside.
+/// out of reach from inside, for whatever a run starts too.
 ///
 /// The library keeps one state for each process. So each run forks a process of its
 /// own, executes the host's code there and brings back what it left. The process that
@@ -73,9 +73,10 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   std::vector<HostRun> runTogether(int count, const std::function<bool(int)>& code);
 
   /// Executes a program, the shipped host for example, in the sandbox's environment and
-  /// with `directory()` as its current directory. What it asks of the library and of the
-  /// shell is recorded by an object that the loader puts before the others, so the
-  /// program must load the library from a file of its own and must not be set-user-ID.
+  /// with `directory()` as its current directory. An object that is preloaded into it and into
+  /// all that it starts records it, so it must load the library from a file of its own. A
+  /// process that cannot be recorded makes the run unsound: one that is set-user-ID or static, or
+  /// that was started with an environment of its own.
   ///
   /// @param words  the program and its arguments. A name with a slash in it is looked up
   ///               from the current directory of the caller, any other in PATH.
