@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace Oza {
@@ -18,14 +19,28 @@ auto uninterrupted(Call call) {
   return result;
 }
 
+/// @return How much of the text was written.
+template <typename Write>
+std::size_t writeAll(const std::string& text, Write write) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t count = uninterrupted([&] { return write(text.data() + written, text.size() - written); });
+    if (count <= 0) {
+      break;
+    }
+    written += static_cast<std::size_t>(count);
+  }
+  return written;
+}
+
 }  // namespace
 
-Descriptor::Descriptor(const std::string& path, int flags, mode_t mode)
-    : number(uninterrupted(
-          [&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); })) {
-  if (isOpen() && fstat(number, &statusAtOpening) != 0) {
-    statusAtOpening = {};
-  }
+Descriptor::Descriptor(const std::string& path, int flags, mode_t mode) { open(path, flags, mode); }
+
+Descriptor::Descriptor(const std::string& path, int flags, TimeBudget& timeBudget) {
+  do {
+    open(path, flags, DEFAULT_MODE);
+  } while (errorAtOpening == EAGAIN && timeBudget.pause());
 }
 
 Descriptor::~Descriptor() {
@@ -39,7 +54,7 @@ std::optional<std::string> Descriptor::read() const {
   if (!isRegular()) {
     return std::nullopt;
   }
-  std::string text(static_cast<std::size_t>(statusAtOpening.st_size) + 1, '\0');
+  std::string text(std::min(static_cast<std::size_t>(statusAtOpening.st_size) + 1, MOST_BYTES_READ), '\0');
   std::size_t size = 0;
   for (;;) {
     const ssize_t count = uninterrupted(
@@ -48,26 +63,31 @@ std::optional<std::string> Descriptor::read() const {
       return std::nullopt;
     }
     size += static_cast<std::size_t>(count);
-    if (count == 0 || size < text.size()) {
+    if (count == 0 || size < text.size() || size == MOST_BYTES_READ) {
       text.resize(size);
       return text;
     }
-    text.resize(2 * size);
+    text.resize(std::min(2 * size, MOST_BYTES_READ));
   }
 }
 
 std::size_t Descriptor::write(const std::string& text, std::size_t offset) const {
-  std::size_t written = 0;
-  while (written < text.size()) {
-    const ssize_t count = uninterrupted([&] {
-      return pwrite(number, &text[written], text.size() - written, static_cast<off_t>(offset + written));
-    });
-    if (count <= 0) {
-      break;
-    }
-    written += static_cast<std::size_t>(count);
+  return writeAll(text, [&](const char* rest, std::size_t size) {
+    return pwrite(number, rest, size, static_cast<off_t>(offset + text.size() - size));
+  });
+}
+
+void Descriptor::append(const std::string& text) const {
+  writeAll(text, [&](const char* rest, std::size_t size) { return ::write(number, rest, size); });
+}
+
+void Descriptor::open(const std::string& path, int flags, mode_t mode) {
+  number =
+      uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); });
+  errorAtOpening = isOpen() ? 0 : errno;
+  if (isOpen() && fstat(number, &statusAtOpening) != 0) {
+    statusAtOpening = {};
   }
-  return written;
 }
 
 }  // namespace Oza

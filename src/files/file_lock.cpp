@@ -1,7 +1,8 @@
 #include "files/file_lock.h"
 
-#include <sys/file.h>
+#include <fcntl.h>
 #include <sys/vfs.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -35,23 +36,12 @@ constexpr std::uint32_t REMOTE_FILE_SYSTEMS[] = {
     0xBACBACBC,
 };
 
-bool acquire(int descriptor, int operation, TimeBudget& timeBudget) {
-  while (flock(descriptor, operation | LOCK_NB) != 0) {
-    if (errno == EINTR) {
-      continue;
-    }
-    if (errno != EWOULDBLOCK || !timeBudget.pause()) {
-      return false;
-    }
-  }
-  return true;
-}
-
-}  // namespace
-
-bool answersLocksAtOnce(int descriptor) {
+/// Whether a file's system has locks that answer at once. Those of network and cluster
+/// file systems ask another machine, and those of file systems in user space another
+/// process, either of which may never answer.
+bool answersLocksAtOnce(const Descriptor& file) {
   struct statfs system {};
-  if (fstatfs(descriptor, &system) != 0) {
+  if (fstatfs(file.get(), &system) != 0) {
     return false;
   }
   const auto type = static_cast<std::uint32_t>(system.f_type);
@@ -59,16 +49,30 @@ bool answersLocksAtOnce(int descriptor) {
          std::end(REMOTE_FILE_SYSTEMS);
 }
 
-FileLock::FileLock(const Descriptor& lockedFile, Kind kind, TimeBudget& timeBudget)
-    : file(lockedFile),
-      held(answersLocksAtOnce(file.get()) &&
-           acquire(file.get(), kind == SHARED ? LOCK_SH : LOCK_EX, timeBudget)) {}
-
-// Closing would not do where a child of the process still has the descriptor.
-FileLock::~FileLock() {
-  if (held) {
-    flock(file.get(), LOCK_UN);
-  }
+/// @param type  F_RDLCK, F_WRLCK or F_UNLCK.
+bool setLock(const Descriptor& file, short type) {
+  struct flock wholeFile {};
+  wholeFile.l_type = type;
+  wholeFile.l_whence = SEEK_SET;
+  return fcntl(file.get(), F_SETLK, &wholeFile) == 0;
 }
+
+}  // namespace
+
+bool lockFile(const Descriptor& file, LockKind kind, TimeBudget& timeBudget) {
+  if (!file.isRegular() || !answersLocksAtOnce(file)) {
+    return false;
+  }
+  const short type = kind == LockKind::SHARED ? F_RDLCK : F_WRLCK;
+  while (!setLock(file, type)) {
+    const bool isLocked = errno == EAGAIN || errno == EACCES;
+    if (errno != EINTR && !(isLocked && timeBudget.pause())) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void unlockFile(const Descriptor& file) { setLock(file, F_UNLCK); }
 
 }  // namespace Oza

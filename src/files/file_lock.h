@@ -6,33 +6,19 @@
 
 namespace Oza {
 
-/// Whether a file's system has locks that answer at once. Those of network and cluster
-/// file systems ask another machine, and those of file systems in user space another
-/// process, either of which may never answer.
-bool answersLocksAtOnce(int descriptor);
+enum class LockKind { SHARED, EXCLUSIVE };
 
-/// An advisory lock (flock) on an open file, kept for the object's life. The system
-/// releases it when the process ends, in whatever way.
+/// Takes an advisory record lock (fcntl) on a whole regular file, for this process. It ends
+/// when the process closes any descriptor of the file, or ends in whatever way: unlike one
+/// of flock, it is not inherited by a child that was forked meanwhile.
 ///
-/// Without a lock everything goes on as it would with one: where the file system has
-/// none that answer at once, and where another process holds it for longer than the
-/// time budget lasts.
-class FileLock {
- public:
-  enum Kind { SHARED, EXCLUSIVE };
+/// @param kind  EXCLUSIVE needs a file that is open for writing, SHARED one for reading.
+/// @return False where the file system has no locks that answer at once, and when another
+///         process holds one for longer than the time budget lasts.
+bool lockFile(const Descriptor& file, LockKind kind, TimeBudget& timeBudget);
 
-  /// @param timeBudget  What is left of it is used up as needed.
-  FileLock(const Descriptor& lockedFile, Kind kind, TimeBudget& timeBudget);
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
-  ~FileLock();
-
-  bool isHeld() const { return held; }
-
- private:
-  const Descriptor& file;
-  bool held;
-};
+/// Ends the lock of a file that stays open.
+void unlockFile(const Descriptor& file);
 
 }  // namespace Oza
 

@@ -1,25 +1,41 @@
 #include "files/overwrite.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
 
 namespace Oza {
 namespace {
 
-void cut(const Descriptor& file, std::size_t size) {
-  // A file that cannot be cut keeps more than its text, and every line of that.
+// A short write would have to be undone by a second one, before which a kill leaves a
+// mixture of both texts.
+bool fitsTheSizeLimit(const std::string& text) {
+  rlimit limit{};
+  return getrlimit(RLIMIT_FSIZE, &limit) != 0 || text.size() <= limit.rlim_cur;
+}
+
+void truncate(const Descriptor& file, std::size_t size) {
+  // If truncation fails, old bytes follow the text; readers ignore lines after the fifth.
   static_cast<void>(ftruncate(file.get(), static_cast<off_t>(size)) == 0);
 }
 
 }  // namespace
 
-bool overwrite(const Descriptor& file, const std::optional<std::string>& before, const std::string& text) {
-  const bool written = file.write(text) == text.size();
-  if (!written && before && !before->empty()) {
-    file.write(*before);
-    cut(file, before->size());
+bool overwrite(const Descriptor& file, const std::string& before, const std::string& text) {
+  if (!fitsTheSizeLimit(text)) {
+    return false;
   }
-  if (written && (!before || before->size() > text.size())) {
-    cut(file, text.size());
+  const bool written = file.write(text) == text.size();
+  if (!written && !before.empty()) {
+    file.write(before);
+    truncate(file, before.size());
+  }
+  // Descriptor::read stops before the end of a very large file.
+  const auto sizeBefore = std::max(before.size(), static_cast<std::size_t>(file.status().st_size));
+  if (written && sizeBefore > text.size()) {
+    truncate(file, text.size());
   }
   return written;
 }

@@ -1,7 +1,6 @@
 #ifndef VESTRA_FILES_OVERWRITE_H
 #define VESTRA_FILES_OVERWRITE_H
 
-#include <optional>
 #include <string>
 
 #include "files/descriptor.h"
@@ -9,12 +8,14 @@
 namespace Oza {
 
 /// Makes a text the content of an open file with one write at its beginning, and then
-/// cuts the file where it was longer: at no moment does it hold less than either text.
-/// Where the text finds no room, what the file held is put back.
+/// truncates the file if it was longer: at no moment does it hold less than either text.
 ///
-/// @param before  What the file holds; nothing where it could not be read.
+/// Nothing is written when the text exceeds the process's file-size limit (RLIMIT_FSIZE).
+/// When the disk is full, what the file held is put back.
+///
+/// @param before  What the file holds, as Descriptor::read returned it.
 /// @return Whether the text was written.
-bool overwrite(const Descriptor& file, const std::optional<std::string>& before, const std::string& text);
+bool overwrite(const Descriptor& file, const std::string& before, const std::string& text);
 
 }  // namespace Oza
 

@@ -10,8 +10,8 @@
 namespace Oza {
 namespace {
 
-/// A host that waited for a record in vain still has to find the lock free to count.
-constexpr std::chrono::nanoseconds KEPT_FOR_THE_ATTEMPT = std::chrono::milliseconds(50);
+/// Kept for the exclusive lock under which this host counts.
+constexpr std::chrono::nanoseconds RESERVE_FOR_THE_ATTEMPT = std::chrono::milliseconds(50);
 
 bool isEmpty(const Descriptor& file) {
   struct stat now {};
@@ -19,7 +19,7 @@ bool isEmpty(const Descriptor& file) {
 }
 
 /// Whether the file was written within the time that a host waits for another.
-bool isYoung(const Descriptor& file) {
+bool isNew(const Descriptor& file) {
   const struct timespec written = file.status().st_mtim;
   const auto age = std::chrono::system_clock::now().time_since_epoch() -
                    std::chrono::seconds(written.tv_sec) - std::chrono::nanoseconds(written.tv_nsec);
@@ -29,22 +29,34 @@ bool isYoung(const Descriptor& file) {
 }  // namespace
 
 std::optional<std::string> readIdentityText(const Descriptor& file, TimeBudget& timeBudget) {
-  const FileLock lock(file, FileLock::SHARED, timeBudget);
-  return file.read();
+  const bool locked = lockFile(file, LockKind::SHARED, timeBudget);
+  std::optional<std::string> text = file.read();
+  if (locked) {
+    unlockFile(file);
+  }
+  return text;
 }
 
 std::optional<std::string> awaitIdentityText(const Descriptor& file, TimeBudget& timeBudget) {
-  while (isEmpty(file) && isYoung(file) && timeBudget.pause(KEPT_FOR_THE_ATTEMPT)) {
+  while (isEmpty(file) && isNew(file) && timeBudget.pause(RESERVE_FOR_THE_ATTEMPT)) {
   }
   return readIdentityText(file, timeBudget);
 }
 
-std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string damaged,
+std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string corrupt,
                                               TimeBudget& timeBudget) {
-  std::optional<std::string> text = std::move(damaged);
+  std::optional<std::string> text = std::move(corrupt);
   for (std::optional<std::string> before; text && text != before && timeBudget.pause();) {
     before = std::move(text);
     text = readIdentityText(file, timeBudget);
+  }
+  return text;
+}
+
+std::optional<std::string> identityTextToOverwrite(const Descriptor& file) {
+  std::optional<std::string> text = file.read();
+  if (!text && isEmpty(file)) {
+    text.emplace();
   }
   return text;
 }

@@ -13,15 +13,19 @@ namespace Oza {
 /// a read error.
 std::optional<std::string> readIdentityText(const Descriptor& file, TimeBudget& timeBudget);
 
-/// The text of an identity file that was found empty. Where the file was made just now,
-/// another host is making the project new: its record is waited for. Still empty where
-/// none comes.
+/// The text of an identity file that was found empty. If the file was created just now,
+/// another host is initialising the project: its record is waited for. Still empty if none
+/// comes in time.
 std::optional<std::string> awaitIdentityText(const Descriptor& file, TimeBudget& timeBudget);
 
-/// The text of an identity file that was found damaged, once two readings agree.
+/// The text of an identity file that was found corrupt, once two readings agree.
 /// Without a lock, the first may have met another host's writing.
-std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string damaged,
+std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string corrupt,
                                               TimeBudget& timeBudget);
+
+/// The text that a counted attempt overwrites. Nothing for a text that cannot be read,
+/// which must not be overwritten; but one that cannot be read and is empty is known.
+std::optional<std::string> identityTextToOverwrite(const Descriptor& file);
 
 }  // namespace Oza
 

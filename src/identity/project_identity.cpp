@@ -52,8 +52,8 @@ bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity) {
   return true;
 }
 
-ProjectIdentity broughtUpToDate(const ProjectIdentity& identity, const std::string& text,
-                                bool identifierIsHosts) {
+ProjectIdentity mergedWithStored(const ProjectIdentity& identity, const std::string& text,
+                                 bool identifierIsHosts) {
   ProjectIdentity found = identity;
   parseProjectIdentity(text, found);
   if (identifierIsHosts || found.projectId.empty()) {

@@ -45,10 +45,10 @@ void readProjectIdentity(std::istream& in, ProjectIdentity& identity);
 bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity);
 
 /// An identity with the times, the iteration and the flow that its file holds by now,
-/// and with its identifier unless this one is the host's own. A damaged text and the
-/// lines that one lacks change nothing.
-ProjectIdentity broughtUpToDate(const ProjectIdentity& identity, const std::string& text,
-                                bool identifierIsHosts);
+/// and with its identifier unless this one is the host's own. A corrupt text and
+/// missing lines change nothing.
+ProjectIdentity mergedWithStored(const ProjectIdentity& identity, const std::string& text,
+                                 bool identifierIsHosts);
 
 /// The text of an identity file: five lines.
 std::string formatProjectIdentity(const ProjectIdentity& identity);

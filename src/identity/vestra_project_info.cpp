@@ -1,7 +1,9 @@
 #include "identity/vestra_project_info.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
+#include <cerrno>
 #include <ctime>
 #include <utility>
 
@@ -19,11 +21,8 @@
 namespace Oza {
 namespace {
 
-// A file that may be written and not read, or whose directory is gone.
-bool overwriteUnread(const std::string& path, const std::string& text) {
-  const Descriptor file(path, O_WRONLY | O_CREAT);
-  return file.isOpen() && overwrite(file, std::nullopt, text);
-}
+/// A named pipe cannot.
+bool canHoldARecord(const Descriptor& file) { return file.hasStatus() && !S_ISFIFO(file.status().st_mode); }
 
 }  // namespace
 
@@ -34,14 +33,11 @@ VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
 // tells whether it can be used.
 bool VestraProjectInfo::loadOrCreate() {
   try {
-    const Descriptor file(filePath, O_RDWR);
-    if (file.isOpen() && !file.hasStatus()) {
-      return false;
-    }
+    const Descriptor file(filePath, O_RDWR, timeBudget);
     if (file.isRegular()) {
       return load(file);
     }
-    if (!boost::filesystem::exists(statusOf(filePath))) {
+    if (!file.isOpen() && !boost::filesystem::exists(statusOf(filePath))) {
       startNewProject();
       return makeFile() || loadOthers();
     }
@@ -51,20 +47,9 @@ bool VestraProjectInfo::loadOrCreate() {
   }
 }
 
-// The file is read anew: another host may have counted since this one has read it.
 bool VestraProjectInfo::recordSendAttempt() {
-  FileSizeSignalHold hold;
-  const Descriptor file(filePath, O_RDWR | O_CREAT);
-  const FileLock lock(file, FileLock::EXCLUSIVE, timeBudget);
-  const std::optional<std::string> found = file.read();
-  ProjectIdentity next = found ? broughtUpToDate(identity, *found, identifierIsHosts) : identity;
-  const bool due = countAttempt(next, owner->getProductType(), std::time(nullptr));
-  const std::string text = formatProjectIdentity(next);
-  if (file.isOpen() ? overwrite(file, found, text) : overwriteUnread(filePath, text)) {
-    hold.endWithoutSignal();
-  }
-  identity = std::move(next);
-  return due;
+  const Descriptor file(filePath, O_RDWR | O_CREAT, timeBudget);
+  return file.error() == EACCES ? countIn(Descriptor(filePath, O_WRONLY, timeBudget)) : countIn(file);
 }
 
 const std::string& VestraProjectInfo::getProjectId() const { return identity.projectId; }
@@ -85,10 +70,20 @@ void VestraProjectInfo::startNewProject() {
 // The values first reach the file with the first attempt to send.
 bool VestraProjectInfo::makeFile() const { return Descriptor(filePath, O_RDWR | O_CREAT | O_EXCL).isOpen(); }
 
-// Another host has made the file in between, or a link leads to nowhere.
+// Another host has made the file in between, a link leads nowhere, or opening has failed.
 bool VestraProjectInfo::loadOthers() {
-  const Descriptor file(filePath, O_RDWR);
-  return file.isRegular() ? load(file) : makeEmptyFile();
+  const Descriptor file(filePath, O_RDWR, timeBudget);
+  if (file.isRegular()) {
+    return load(file);
+  }
+  switch (file.error()) {
+    case EACCES:
+      return emptyUnreadableFile();
+    case ENOENT:
+      return Descriptor(filePath, O_WRONLY | O_CREAT).isOpen();
+    default:
+      return canHoldARecord(file);
+  }
 }
 
 // What could not be read must not be overwritten by the attempt that follows.
@@ -117,11 +112,25 @@ bool VestraProjectInfo::takeHostsIdentifier() {
   return identifierIsHosts;
 }
 
-bool VestraProjectInfo::makeEmptyFile() const {
-  const boost::filesystem::file_status status = statusOf(filePath);
-  const int emptying = boost::filesystem::exists(status) ? O_TRUNC : 0;
-  return opensWithoutBlocking(status, std::ios_base::out) &&
-         Descriptor(filePath, O_WRONLY | O_CREAT | emptying).isOpen();
+// O_RDWR fails with EACCES for a file that may only be read, too.
+bool VestraProjectInfo::emptyUnreadableFile() const {
+  return Descriptor(filePath, O_RDONLY).error() == EACCES &&
+         canHoldARecord(Descriptor(filePath, O_WRONLY | O_TRUNC));
+}
+
+// The file is read again: another host may have counted since this one has read it. The
+// lock lasts until the file is closed.
+bool VestraProjectInfo::countIn(const Descriptor& file) {
+  FileSizeSignalHold hold;
+  lockFile(file, LockKind::EXCLUSIVE, timeBudget);
+  const std::optional<std::string> stored = identityTextToOverwrite(file);
+  ProjectIdentity next = stored ? mergedWithStored(identity, *stored, identifierIsHosts) : identity;
+  const bool due = countAttempt(next, owner->getProductType(), std::time(nullptr));
+  if (stored && overwrite(file, *stored, formatProjectIdentity(next))) {
+    hold.endWithoutSignal();
+  }
+  identity = std::move(next);
+  return due;
 }
 
 }  // namespace Oza

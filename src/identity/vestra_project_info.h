@@ -29,6 +29,9 @@ class VestraProjectInfo {
   /// as an item "project_id" wins over a new and over a stored one. Where another host
   /// is making the project new at this moment, waits for its identifier.
   ///
+  /// A file that may be written and not read (EACCES) is emptied and starts a record
+  /// without an identifier. No other failure to open or read it changes the file.
+  ///
   /// @return Whether the record can be used. False when the file can be neither
   ///         opened nor made or a file-system call fails, and when its numbers are
   ///         unreadable: it is deleted then, so that the project is new at the
@@ -38,7 +41,7 @@ class VestraProjectInfo {
   /// Counts an attempt to send, notes the time when it is due, and overwrites the
   /// identity file: reads it anew, decides and writes under a lock, where the file
   /// system has one and no other process holds it for too long. A failure to write is
-  /// not noticed.
+  /// not noticed. A file that cannot be read again is not written, unless it is empty.
   ///
   /// @return Whether more than 86400 seconds have passed since the last report for
   ///         this product's slot.
@@ -53,9 +56,10 @@ class VestraProjectInfo {
   void startNewProject();
   bool takeHostsIdentifier();
   bool makeFile() const;
-  bool makeEmptyFile() const;
   bool loadOthers();
   bool load(const Descriptor& file);
+  bool emptyUnreadableFile() const;
+  bool countIn(const Descriptor& file);
 
   ProjectIdentity identity;
   bool identifierIsHosts = false;

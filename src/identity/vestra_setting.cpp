@@ -1,15 +1,20 @@
 #include "identity/vestra_setting.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <optional>
+#include <sstream>
 #include <vector>
 
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/operations.hpp>
 
+#include "files/file_lock.h"
 #include "files/file_size_signal.h"
-#include "files/open_file.h"
 #include "files/path_text.h"
 #include "files/read_line.h"
 #include "identity/fields.h"
@@ -21,6 +26,19 @@ namespace {
 constexpr const char* RANDOM_ID = "RandomID";
 constexpr const char* CALVIX_VERSION = "2018.2";
 constexpr const char* FILE_NAME = "vestra";
+
+void readSettingsFile(const Descriptor& file, std::map<std::string, std::string>& properties) {
+  if (const std::optional<std::string> text = file.read()) {
+    std::istringstream in(*text);
+    readSettings(in, properties);
+  }
+}
+
+std::string randomIdIn(const Descriptor& file) {
+  std::map<std::string, std::string> properties;
+  readSettingsFile(file, properties);
+  return properties[RANDOM_ID];
+}
 
 }  // namespace
 
@@ -56,9 +74,7 @@ VestraSetting::VestraSetting() {
 void VestraSetting::setOrbeloFile() { settingsFile = settingsPath(std::getenv("HOME")); }
 
 void VestraSetting::readFile() {
-  std::ifstream in;
-  openFile(in, settingsFile, std::ios_base::in);
-  readSettings(in, properties);
+  readSettingsFile(Descriptor(settingsFile, O_RDONLY, timeBudget), properties);
 }
 
 std::string VestraSetting::getPropertyValue(const std::string& key) const {
@@ -78,16 +94,25 @@ std::string VestraSetting::getRandomId() {
   if (!makeSettingsDirectory()) {
     return {};
   }
-  FileSizeSignalHold hold;
-  std::ofstream out;
-  openFile(out, settingsFile, std::ios_base::app);
-  if (!out.is_open()) {
+  const Descriptor file(settingsFile, O_RDWR | O_APPEND | O_CREAT, timeBudget);
+  return file.error() == EACCES
+             ? findOrAppendRandomId(Descriptor(settingsFile, O_WRONLY | O_APPEND | O_CREAT, timeBudget))
+             : findOrAppendRandomId(file);
+}
+
+// The lock lasts until the file is closed.
+std::string VestraSetting::findOrAppendRandomId(const Descriptor& file) {
+  if (!file.hasStatus() || S_ISFIFO(file.status().st_mode)) {
     return {};
   }
-  const std::string identifier = randomUuid();
-  out << RANDOM_ID << '=' << identifier << std::endl;
-  // A line with an empty value ahead of all others stands in the table and
-  // stays: such a file gets a new identifier at every call.
+  const bool locked = lockFile(file, LockKind::EXCLUSIVE, timeBudget);
+  std::string identifier = locked ? randomIdIn(file) : std::string();
+  if (identifier.empty()) {
+    FileSizeSignalHold hold;
+    identifier = randomUuid();
+    file.append(std::string(RANDOM_ID) + "=" + identifier + "\n");
+  }
+  // emplace() keeps the first entry: if the first RandomID is empty, every call makes a new one.
   properties.emplace(RANDOM_ID, identifier);
   return identifier;
 }

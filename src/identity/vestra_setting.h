@@ -5,6 +5,9 @@
 #include <map>
 #include <string>
 
+#include "files/descriptor.h"
+#include "files/time_budget.h"
+
 namespace Oza {
 
 /// Reads settings lines, "key=value", into a table.
@@ -32,7 +35,7 @@ class VestraSetting {
   void setOrbeloFile();
 
   /// Reads the settings file into the table. A file that is missing, unreadable
-  /// or not a regular one adds nothing.
+  /// or not a regular one adds nothing, and one is taken to end after its first MiB.
   void readFile();
 
   /// The value of a key, byte for byte; empty when there is none.
@@ -47,7 +50,8 @@ class VestraSetting {
 
   /// The random installation identifier: the value of "RandomID" or, where that is
   /// missing or empty, a new UUID, appended to the settings file (made with its
-  /// directories where missing) and kept in the table.
+  /// directories where missing) and kept in the table. Before it is appended, the file is
+  /// locked and read again: what another process has appended meanwhile is used instead.
   ///
   /// @return Empty, with nothing made, when the file's directory cannot be made
   ///         or the file cannot be opened. A failed write is not noticed.
@@ -55,9 +59,11 @@ class VestraSetting {
 
  private:
   bool makeSettingsDirectory() const;
+  std::string findOrAppendRandomId(const Descriptor& file);
 
   std::string settingsFile;
   std::map<std::string, std::string> properties;
+  TimeBudget timeBudget;
 };
 
 }  // namespace Oza

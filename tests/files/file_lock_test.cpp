@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/file.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <string>
 
+#include "support/child_process.h"
 #include "support/files.h"
+#include "support/lock_holder.h"
 #include "support/temporary_directory.h"
 #include "support/time_limit.h"
 
@@ -20,52 +19,21 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-/// A process that holds an exclusive lock, and how it goes on.
-class Holder {
- public:
-  explicit Holder(const std::string& path) {
-    int ready[2];
-    EXPECT_EQ(pipe(ready), 0);
-    process = fork();
-    if (process == 0) {
-      const int file = open(path.c_str(), O_RDWR);
-      const bool locked = flock(file, LOCK_EX) == 0;
-      static_cast<void>(write(ready[1], locked ? "l" : "x", 1) == 1);
-      for (;;) {
-        pause();
-      }
-    }
-    char word = ' ';
-    EXPECT_EQ(read(ready[0], &word, 1), 1);
-    EXPECT_EQ(word, 'l');
-    close(ready[0]);
-    close(ready[1]);
-  }
-  Holder(const Holder&) = delete;
-  Holder& operator=(const Holder&) = delete;
-  ~Holder() { end(); }
-
-  void stop() {
-    kill(process, SIGSTOP);
-    waitpid(process, nullptr, WUNTRACED);
-  }
-
-  void end() {
-    if (process > 0) {
-      kill(process, SIGKILL);
-      waitpid(process, nullptr, 0);
-      process = 0;
-    }
-  }
-
- private:
-  pid_t process = 0;
-};
+using vestra_test::LockHolder;
 
 class Lock : public testing::Test {
  protected:
   Lock() { vestra_test::writeFile(path, "text"); }
+
+  bool takes(LockKind kind) {
+    const Descriptor file(path, O_RDWR);
+    return lockFile(file, kind, timeBudget);
+  }
+
+  bool anotherProcessTakesIt() {
+    return vestra_test::inChildProcess([&] { return takes(LockKind::EXCLUSIVE) ? "true" : "false"; }) ==
+           "true";
+  }
 
   vestra_test::TemporaryDirectory directory;
   std::string path = directory / "file";
@@ -73,54 +41,69 @@ class Lock : public testing::Test {
   vestra_test::TimeLimit limit;
 };
 
-TEST_F(Lock, FreeFileIsLockedAtOnce) {
+TEST_F(Lock, OfAFreeFileIsTakenAtOnce) { EXPECT_TRUE(takes(LockKind::EXCLUSIVE)); }
+
+TEST_F(Lock, IsSharedByReaders) {
+  const LockHolder reader(path, F_RDLCK);
+  EXPECT_TRUE(takes(LockKind::SHARED));
+  EXPECT_FALSE(takes(LockKind::EXCLUSIVE));
+}
+
+TEST_F(Lock, OfAWriterKeepsReadersOut) {
+  const LockHolder writer(path, F_WRLCK);
+  EXPECT_FALSE(takes(LockKind::SHARED));
+}
+
+TEST_F(Lock, LastsUntilItIsEnded) {
   const Descriptor file(path, O_RDWR);
-  EXPECT_TRUE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
+  ASSERT_TRUE(lockFile(file, LockKind::EXCLUSIVE, timeBudget));
+  EXPECT_FALSE(anotherProcessTakesIt());
+  unlockFile(file);
+  EXPECT_TRUE(anotherProcessTakesIt());
 }
 
-TEST_F(Lock, SharedLocksDoNotExcludeEachOther) {
-  const Descriptor one(path, O_RDWR);
-  const Descriptor other(path, O_RDWR);
-  const FileLock first(one, FileLock::SHARED, timeBudget);
-  EXPECT_TRUE(FileLock(other, FileLock::SHARED, timeBudget).isHeld());
-  EXPECT_FALSE(FileLock(other, FileLock::EXCLUSIVE, timeBudget).isHeld());
-}
-
-TEST_F(Lock, EndOfTheObjectUnlocksEvenForACopyOfTheDescriptor) {
-  const Descriptor one(path, O_RDWR);
-  const int copy = dup(one.get());
-  { const FileLock first(one, FileLock::EXCLUSIVE, timeBudget); }
-  const Descriptor other(path, O_RDWR);
-  EXPECT_TRUE(FileLock(other, FileLock::EXCLUSIVE, timeBudget).isHeld());
+TEST_F(Lock, LastsUntilTheFileIsClosedEvenForACopyOfTheDescriptor) {
+  int copy = -1;
+  {
+    const Descriptor file(path, O_RDWR);
+    copy = dup(file.get());
+    ASSERT_TRUE(lockFile(file, LockKind::EXCLUSIVE, timeBudget));
+  }
+  EXPECT_TRUE(anotherProcessTakesIt());
   close(copy);
 }
 
-TEST_F(Lock, StoppedHolderIsWaitedForUpToTheBoundInAll) {
-  Holder holder(path);
+TEST_F(Lock, OfAStoppedProcessIsWaitedForUpToTheBudgetInAll) {
+  const LockHolder holder(path, F_WRLCK);
   holder.stop();
-  const Descriptor file(path, O_RDWR);
   const auto begin = steady_clock::now();
-  EXPECT_FALSE(FileLock(file, FileLock::SHARED, timeBudget).isHeld());
+  EXPECT_FALSE(takes(LockKind::SHARED));
   EXPECT_GE(steady_clock::now() - begin, milliseconds(250));
   const auto second = steady_clock::now();
-  EXPECT_FALSE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
+  EXPECT_FALSE(takes(LockKind::EXCLUSIVE));
   EXPECT_LT(steady_clock::now() - second, milliseconds(250));
 }
 
-TEST_F(Lock, KilledHolderLeavesNoLock) {
-  Holder holder(path);
-  holder.end();
-  const Descriptor file(path, O_RDWR);
-  EXPECT_TRUE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
+TEST_F(Lock, EndsWithItsProcess) {
+  const LockHolder holder(path, F_WRLCK);
+  holder.killAlone();
+  EXPECT_TRUE(takes(LockKind::EXCLUSIVE));
 }
 
-TEST_F(Lock, FileThatIsNotOpenIsNotLocked) {
-  const Descriptor file(directory / "missing", O_RDWR);
-  EXPECT_FALSE(FileLock(file, FileLock::EXCLUSIVE, timeBudget).isHeld());
+TEST_F(Lock, EndsWithItsProcessEvenWhenAForkedChildLivesOn) {
+  const LockHolder holder(path, F_WRLCK, true);
+  holder.killAlone();
+  EXPECT_TRUE(takes(LockKind::EXCLUSIVE));
 }
 
-TEST_F(Lock, LocalFileSystemAnswersAtOnce) {
-  EXPECT_TRUE(answersLocksAtOnce(Descriptor(path, O_RDONLY).get()));
+TEST_F(Lock, IsNotTakenOfAFileThatIsNotOpen) {
+  path = directory / "missing";
+  EXPECT_FALSE(takes(LockKind::EXCLUSIVE));
+}
+
+TEST_F(Lock, IsNotTakenOfADevice) {
+  path = "/dev/null";
+  EXPECT_FALSE(takes(LockKind::EXCLUSIVE));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ class OverwrittenFile : public testing::Test {
   std::string overwritten(const std::string& before, const std::string& text) {
     writeFile(path, before);
     const Descriptor file(path, O_RDWR);
-    overwrite(file, file.read(), text);
+    overwrite(file, file.read().value(), text);
     return readFile(path);
   }
 
@@ -54,26 +54,31 @@ TEST_F(OverwrittenFile, FileHoldsTheTextWhateverItsLength) {
   EXPECT_EQ(overwritten("text", ""), "");
 }
 
-TEST_F(OverwrittenFile, FileThatCouldNotBeReadIsCutToTheText) {
+TEST_F(OverwrittenFile, FileThatWasReadInPartIsCutToTheText) {
   writeFile(path, "a long text");
-  EXPECT_TRUE(overwrite(Descriptor(path, O_WRONLY), std::nullopt, "text"));
+  EXPECT_TRUE(overwrite(Descriptor(path, O_RDWR), "a", "text"));
   EXPECT_EQ(readFile(path), "text");
 }
 
-TEST_F(OverwrittenFile, TextThatFindsNoRoomLeavesTheOldOne) {
+TEST_F(OverwrittenFile, KeepsTheOldTextWhenTheNewOneExceedsTheSizeLimit) {
   const FileSizeSignalHold hold;
-  writeFile(path, "ab");
+  writeFile(path, "old text");
   const ScopedFileSizeLimit three(3);
-  EXPECT_FALSE(overwrite(Descriptor(path, O_RDWR), "ab", "xyz1"));
-  EXPECT_EQ(readFile(path), "ab");
+  EXPECT_FALSE(overwrite(Descriptor(path, O_RDWR), "old text", "new text"));
+  EXPECT_EQ(readFile(path), "old text");
 }
 
-TEST_F(OverwrittenFile, TextThatFindsNoRoomInAnEmptyFileIsWrittenAsFarAsItGoes) {
+TEST_F(OverwrittenFile, TakesATextThatIsAsLongAsTheSizeLimit) {
+  const ScopedFileSizeLimit three(3);
+  EXPECT_EQ(overwritten("", "new"), "new");
+}
+
+TEST_F(OverwrittenFile, IsNotTouchedWhenTheTextExceedsTheSizeLimit) {
   const FileSizeSignalHold hold;
   writeFile(path, "");
   const ScopedFileSizeLimit three(3);
-  EXPECT_FALSE(overwrite(Descriptor(path, O_RDWR), "", "xyz1"));
-  EXPECT_EQ(readFile(path), "xyz");
+  EXPECT_FALSE(overwrite(Descriptor(path, O_RDWR), "", "text"));
+  EXPECT_EQ(readFile(path), "");
 }
 
 }  // namespace

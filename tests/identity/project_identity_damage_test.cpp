@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <string>
 #include <vector>
 
@@ -135,12 +139,12 @@ TEST_F(DamagedIdentity, NulBytesInTheIdentifierAreKept) {
   EXPECT_EQ(identity(), "1700000000\n2\n4\n0\ni\0d\n"s);
 }
 
-TEST_F(DamagedIdentity, MegabyteForTheIdentifierIsKept) {
-  const std::string megabyte(1048576, 'x');
-  writeIdentity("1\n2\n3\n0\n" + megabyte + "\n");
+TEST_F(DamagedIdentity, IdentifierEndsWithTheFirstMegabyteOfTheFile) {
+  const std::string numbers = "1\n2\n3\n0\n";
+  writeIdentity(numbers + std::string(1048576, 'x') + "\n");
   VestraProjectInfo record(file(), &handler);
   EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), megabyte);
+  EXPECT_EQ(record.getProjectId().size(), 1048576 - numbers.size());
 }
 
 TEST_F(DamagedIdentity, EveryTruncationOfAGoodFileIsUsedAndWrittenWholeAgain) {
@@ -292,6 +296,41 @@ TEST_F(DamagedIdentity, UnreadableFileThatCanBeWrittenIsStartedEmpty) {
             "true \"\" 1");
   const ScopedMode readable(file(), 0644);
   EXPECT_EQ(identity(), "");
+}
+
+TEST_F(DamagedIdentity, UnreadableFileThatCanBeWrittenGetsTheFiveLines) {
+  writeIdentity("0\n0\n42\n0\nid\n");
+  const ScopedMode writeOnly(file(), 0222);
+  EXPECT_EQ(asOrdinaryUser([&] {
+              VestraProjectInfo record(file(), &handler);
+              return record.loadOrCreate() && record.recordSendAttempt() ? "due" : "not due";
+            }),
+            "due");
+  const ScopedMode readable(file(), 0644);
+  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n\n");
+}
+
+TEST_F(DamagedIdentity, NamedPipeThatCanOnlyBeWrittenCannotBeUsed) {
+  makeNamedPipe(file());
+  const int reader = open(file().c_str(), O_RDONLY | O_NONBLOCK);
+  const ScopedMode writeOnly(file(), 0222);
+  EXPECT_EQ(loadsForAnOrdinaryUser(), "false");
+  close(reader);
+}
+
+TEST_F(DamagedIdentity, NewFileThatTheUmaskMakesUnreadableGetsTheFiveLines) {
+  const ScopedMode anybody(project.path(), 0777);
+  EXPECT_EQ(asOrdinaryUser([&] {
+              const mode_t before = umask(0444);
+              VestraProjectInfo record(file(), &handler);
+              const bool due = record.loadOrCreate() && record.recordSendAttempt();
+              umask(before);
+              return due ? "due" : "not due";
+            }),
+            "due");
+  const ScopedMode enterable(project / "vestra", 0755);
+  const ScopedMode readable(file(), 0644);
+  EXPECT_EQ(identity().substr(0, 17), "1700000000\n0\n2\n0\n");
 }
 
 TEST_F(DamagedIdentity, DamagedIdentityThatCannotBeDeletedStaysAndCannotBeUsed) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+
 #include <string>
 #include <vector>
 
@@ -7,6 +9,7 @@
 #include "identity/vestra_setting.h"
 #include "support/child_process.h"
 #include "support/files.h"
+#include "support/lock_holder.h"
 #include "support/scoped_locale.h"
 #include "support/special_files.h"
 #include "support/uuid_form.h"
@@ -79,12 +82,20 @@ TEST_F(RandomId, RandomIdIsAppendedAfterOtherLines) {
   EXPECT_EQ(settings(), "a=b\n# no comment\nRandomID=" + identifier + "\n");
 }
 
-TEST_F(RandomId, RandomIdIsAppendedToWhatTheFileHoldsByThen) {
+TEST_F(RandomId, RandomIdThatAnotherProcessHasAppendedMeanwhileIsUsed) {
   VestraSetting setting;
   writeSettings("RandomID=of another process\n");
+  EXPECT_EQ(setting.getRandomId(), "of another process");
+  EXPECT_EQ(setting.getPropertyValue("RandomID"), "of another process");
+  EXPECT_EQ(settings(), "RandomID=of another process\n");
+}
+
+TEST_F(RandomId, RandomIdIsAppendedWithoutALookWhereTheLockCannotBeHad) {
+  VestraSetting setting;
+  writeSettings("RandomID=of another process\n");
+  const vestra_test::LockHolder other(file(), F_WRLCK);
   const std::string identifier = setting.getRandomId();
   EXPECT_EQ(settings(), "RandomID=of another process\nRandomID=" + identifier + "\n");
-  EXPECT_EQ(VestraSetting().getRandomId(), "of another process");
 }
 
 TEST_F(RandomId, RandomIdIsAppendedToALineWithoutAnEndAndLostWithIt) {

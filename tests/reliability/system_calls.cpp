@@ -51,7 +51,7 @@ const std::map<long, Known>& knownCalls() {
       {SYS_lseek, {"lseek", Subject::DESCRIPTOR, {ESPIPE, EIO}}},
       {SYS_fstat, {"fstat", Subject::DESCRIPTOR, {EIO, ENOMEM}}},
       {SYS_close, {"close", Subject::DESCRIPTOR, {EIO, EINTR, ENOSPC, EDQUOT}}},
-      {SYS_fcntl, {"fcntl", Subject::DESCRIPTOR, {EIO, EMFILE}}},
+      {SYS_fcntl, {"fcntl", Subject::DESCRIPTOR, {EAGAIN, EACCES, EINTR, ENOLCK, EIO}}},
       {SYS_ioctl, {"ioctl", Subject::DESCRIPTOR, {ENOTTY, EIO}}},
       {SYS_getdents64, {"getdents64", Subject::DESCRIPTOR, {EIO, ENOMEM}}},
       // Processes and the machine.
@@ -75,6 +75,7 @@ const std::map<long, Known>& knownCalls() {
       {SYS_sigaltstack, {"sigaltstack", Subject::NONE, {}}},
       {SYS_futex, {"futex", Subject::NONE, {}}},
       {SYS_geteuid, {"geteuid", Subject::NONE, {}}},
+      {SYS_prlimit64, {"prlimit64", Subject::NONE, {}}},
       {SYS_getpid, {"getpid", Subject::NONE, {}}},
       {SYS_gettid, {"gettid", Subject::NONE, {}}},
       {SYS_clock_nanosleep, {"clock_nanosleep", Subject::NONE, {EINTR}}},

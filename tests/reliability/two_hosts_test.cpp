@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/file.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -87,15 +86,16 @@ bool isPause(const SystemCall& call) {
   return call.number == SYS_clock_nanosleep || call.number == SYS_nanosleep;
 }
 
-/// Where a host takes the lock under which it counts, and where it gives it back.
+/// Where a host takes the lock under which it counts, and where it closes the file and so
+/// ends the lock.
 struct Locking {
   std::size_t begin = 0;
   std::size_t end = 0;
 
-  explicit Locking(const std::vector<SystemCall>& calls) {
+  Locking(const std::vector<SystemCall>& calls, const std::string& identityFile) {
     for (std::size_t place = 0; place < calls.size(); ++place) {
-      if (nameOf(calls[place].number) == "flock") {
-        begin = end;
+      if (calls[place].subject == identityFile) {
+        begin = nameOf(calls[place].number) == "fcntl" ? place : begin;
         end = place;
       }
     }
@@ -108,7 +108,7 @@ TEST_P(TwoHosts, BothAreCountedAndOneToolStarts) {
   const bool isNew = GetParam().project == Situation::NEW_PROJECT;
   const std::string identifier = isNew ? "[0-9a-f-]{36}" : KNOWN_PROJECT_ID;
   const std::string one = "vestra_terminate\n";
-  const Locking locking(calls);
+  const Locking locking(calls, workplace.identityFile());
   const std::vector<std::size_t> places = callsAbout(calls, workplace.identityFile());
   for (const std::size_t place : places) {
     SCOPED_TRACE(nameOf(calls[place].number) + std::to_string(place));
@@ -163,7 +163,9 @@ TEST_P(TwoHosts, LockHolderIsWaitedForUpToAQuarterOfASecondInAll) {
   workplace.reset();
   writeFile(workplace.identityFile(), workplace.identityBefore().value_or(""));
   const int holder = open(workplace.identityFile().c_str(), O_RDWR);
-  ASSERT_EQ(flock(holder, LOCK_EX), 0);
+  struct flock wholeFile {};
+  wholeFile.l_type = F_WRLCK;
+  ASSERT_EQ(fcntl(holder, F_SETLK, &wholeFile), 0);
   const HostEnd end = runHost(start(), {Disturbance::WATCH});
   close(holder);
   EXPECT_EQ(end.outcome, "answer true");
