@@ -25,11 +25,23 @@ using vestra_test::Farm;
 using vestra_test::Harvest;
 
 constexpr int HOSTS[] = {2, 10, 50, 200, 500};
-constexpr Age AGES[] = {Age::YOUNG, Age::OLD, Age::FRESH};
+constexpr Age AGES[] = {Age::YOUNG, Age::OLD, Age::FRESH, Age::FRESH_HOME};
 constexpr milliseconds TOOLS[] = {milliseconds(0), milliseconds(20), milliseconds(200)};
 constexpr milliseconds SPREADS[] = {milliseconds(0), milliseconds(1000), milliseconds(10000)};
 
-const char* nameOf(Age age) { return age == Age::YOUNG ? "young" : age == Age::OLD ? "old" : "fresh"; }
+const char* nameOf(Age age) {
+  switch (age) {
+    case Age::YOUNG:
+      return "young";
+    case Age::OLD:
+      return "old";
+    case Age::FRESH:
+      return "fresh";
+    case Age::FRESH_HOME:
+      break;
+  }
+  return "fresh, new home";
+}
 
 struct Place {
   const char* fileSystem;
@@ -52,6 +64,7 @@ struct Sums {
     all.lostAttempts += round.lostAttempts;
     all.filesLeftOver += round.filesLeftOver;
     all.exceptions += round.exceptions + round.silentHosts;
+    all.userIdentifiers += round.userIdentifiers;
     roundsWithoutIdentifier += round.lostIdentifiers > 0 ? 1 : 0;
     durations.push_back(round.duration.count());
   }
@@ -61,8 +74,9 @@ void writeHeading() {
   std::cout
       << "| Hosts | Project | Tool, ms | File system | Spread, s | Tool starts in a round: shared, alone | "
          "Wrong scripts | Wrong rules | Reports without identifier | Rounds that lost the identifier | "
-         "Attempts lost, % | Files left over | Exceptions | Time beside alone |\n"
-         "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n";
+         "Attempts lost, % | Users' identifiers in a round | Files left over | Exceptions | Time beside "
+         "alone |\n"
+         "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n";
 }
 
 void writeRow(const Farm& farm, const char* fileSystem, const Sums& shared, const Sums& alone) {
@@ -74,8 +88,9 @@ void writeRow(const Farm& farm, const char* fileSystem, const Sums& shared, cons
             << " of " << shared.all.toolStarts << " | " << shared.all.wrongRules << " of "
             << shared.all.toolStarts << " | " << shared.all.withoutIdentifier << " | "
             << shared.roundsWithoutIdentifier << " of " << shared.rounds << " | "
-            << 100 * shared.all.lostAttempts / attempts << " | " << shared.all.filesLeftOver << " | "
-            << shared.all.exceptions << " | "
+            << 100 * shared.all.lostAttempts / attempts << " | "
+            << shared.all.userIdentifiers / static_cast<double>(shared.rounds) << " | "
+            << shared.all.filesLeftOver << " | " << shared.all.exceptions << " | "
             << vestra_bench::spreadOf(shared.durations).median /
                    vestra_bench::spreadOf(alone.durations).median
             << " |" << std::endl;

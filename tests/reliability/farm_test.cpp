@@ -91,6 +91,12 @@ TEST_P(HostsAtOnce, FreshProjectKeepsOneIdentifier) {
   expectThatNothingIsLost(harvest);
 }
 
+TEST_P(HostsAtOnce, NewHomeGetsOneIdentifier) {
+  const Harvest harvest = reap(Age::FRESH_HOME);
+  EXPECT_EQ(harvest.userIdentifiers, 1);
+  expectThatNothingIsLost(harvest);
+}
+
 INSTANTIATE_TEST_SUITE_P(Products, HostsAtOnce,
                          testing::Values(Products{"Simulators", {Vestra::KELVO}},
                                          Products{"LabTools", {Vestra::TAVLO}},

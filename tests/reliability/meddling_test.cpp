@@ -6,6 +6,7 @@
 #include "reliability/sanitized.h"
 #include "reliability/watched_host.h"
 #include "support/files.h"
+#include "support/special_files.h"
 
 namespace vestra_test {
 namespace {
@@ -79,6 +80,22 @@ TEST_P(MeddledHost, HostOutlivesDirectoriesInTheFilesPlaces) {
         for (const std::string& file : files) {
           removeAll(file);
           writeFile(file + "/somebody's", "");
+        }
+      },
+      [=] {
+        for (const std::string& file : files) {
+          removeAll(file);
+        }
+      });
+}
+
+TEST_P(MeddledHost, HostOutlivesAPipeInTheRecordsPlaces) {
+  const std::vector<std::string> files{workplace.identityFile(), workplace.settingsFile()};
+  meddle(
+      [=] {
+        for (const std::string& file : files) {
+          removeAll(file);
+          makeNamedPipe(file);
         }
       },
       [=] {

@@ -18,8 +18,7 @@ namespace {
 constexpr Situation KNOWN{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME};
 
 /// Calls about the files of the workplace, and those that block a signal. Which of several
-/// calls asks for a status, and how many read a file to its end, is the C++ library's and
-/// Boost's choice.
+/// calls asks for a status is the C library's and Boost's choice.
 std::vector<std::string> callsAboutTheReport(const Workplace& workplace, const HostEnd& end) {
   const std::string base = workplace.home().substr(0, workplace.home().size() - std::string("home").size());
   std::vector<std::string> lines;

@@ -20,7 +20,9 @@ const std::map<long, Known>& knownCalls() {
   static const std::map<long, Known> known{
       // Files, by name.
       {SYS_openat,
-       {"openat", Subject::PATH_SECOND, {EACCES, ENOENT, ENOSPC, EROFS, EMFILE, ENFILE, EIO, EINTR, ENOMEM}}},
+       {"openat",
+        Subject::PATH_SECOND,
+        {EACCES, ENOENT, ENOSPC, EROFS, EMFILE, ENFILE, EAGAIN, EIO, EINTR, ENOMEM}}},
       {SYS_newfstatat, {"newfstatat", Subject::PATH_SECOND, {EACCES, ENOENT, EIO, ENOMEM, ELOOP}}},
       {SYS_stat, {"stat", Subject::PATH_FIRST, {EACCES, ENOENT, EIO, ENOMEM, ELOOP}}},
       {SYS_lstat, {"lstat", Subject::PATH_FIRST, {EACCES, ENOENT, EIO, ENOMEM, ELOOP}}},

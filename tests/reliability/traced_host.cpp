@@ -190,11 +190,15 @@ void finishFailing(Tracee& tracee, const user_regs_struct& registers, int error)
 }
 
 void disturb(Tracee& tracee, const user_regs_struct& registers, const Disturbance& disturbance) {
-  if (disturbance.kind == Disturbance::FAIL) {
+  if (disturbance.kind == Disturbance::FAIL || disturbance.kind == Disturbance::FAIL_TWICE) {
     finishFailing(tracee, registers, disturbance.error);
   } else {
     disturbance.deed();
   }
+}
+
+bool isSameCall(const SystemCall& one, const SystemCall& other) {
+  return one.number == other.number && one.subject == other.subject;
 }
 
 /// Steps from call to call, from one of the host's marks to the other.
@@ -205,13 +209,18 @@ void watch(Tracee& tracee, const Disturbance& disturbance, HostEnd& end) {
     }
     const user_regs_struct registers = tracee.registers();
     end.calls.push_back({static_cast<long>(registers.orig_rax), askForSubject(tracee, registers)});
-    end.disturbed = disturbance.kind != Disturbance::WATCH && end.calls.size() - 1 == disturbance.call;
-    if (end.disturbed && disturbance.kind == Disturbance::KILL) {
+    const bool isAgain = end.disturbed && isSameCall(end.calls.back(), end.calls[disturbance.call]);
+    const bool isNow = disturbance.kind != Disturbance::WATCH && end.calls.size() - 1 == disturbance.call;
+    end.disturbed = end.disturbed || isNow;
+    if (isNow && disturbance.kind == Disturbance::KILL) {
       return tracee.kill();
     }
-    if (end.disturbed) {
+    if (isNow || isAgain) {
       disturb(tracee, registers, disturbance);
-      return tracee.goOnToStop();
+      if (isAgain || disturbance.kind != Disturbance::FAIL_TWICE) {
+        return tracee.goOnToStop();
+      }
+      continue;
     }
     tracee.goOnToSystemCall();
   }

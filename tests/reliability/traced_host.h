@@ -34,6 +34,8 @@ struct Disturbance {
     /// The call does nothing and fails with `error`. Only `close` is done all the
     /// same, as Linux does it.
     FAIL,
+    /// The same, and the next one that is of its kind and about the same file fails too.
+    FAIL_TWICE,
     /// The host is killed instead of entering the kernel.
     KILL,
     /// The call is made after `deed`, which stands for another process's doing.

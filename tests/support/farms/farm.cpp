@@ -96,13 +96,19 @@ std::string identityBefore(Age age) {
   return std::to_string(last) + "\n0\n" + std::to_string(ITERATION_BEFORE) + "\n0\n" + IDENTIFIER + "\n";
 }
 
+bool isFresh(const Farm& farm) { return farm.age == Age::FRESH || farm.age == Age::FRESH_HOME; }
+
+std::string settingsIn(const std::string& home) { return home + "/.Calvix/Common/2018.2/vestra"; }
+
 std::string identityIn(const std::string& project) { return project + "/vestra/.kelvo_vestrra.info"; }
 
 void furnish(const Ground& ground, const Farm& farm, int number) {
-  writeFile(ground.home(number) + "/.Calvix/Common/2018.2/vestra",
-            "RandomID=0d7bb6a4-9d36-4b0e-8a44-3b8e7a8c4f52\n");
+  fs::create_directories(ground.home(number));
+  if (farm.age != Age::FRESH_HOME) {
+    writeFile(settingsIn(ground.home(number)), "RandomID=0d7bb6a4-9d36-4b0e-8a44-3b8e7a8c4f52\n");
+  }
   fs::create_directories(ground.project(number));
-  if (farm.age != Age::FRESH) {
+  if (!isFresh(farm)) {
     writeFile(identityIn(ground.project(number)), identityBefore(farm.age));
   }
 }
@@ -124,10 +130,12 @@ Command commandOf(const std::string& project, Oza::Vestra::ProductType product, 
   return {FARM_HOST, project, std::to_string(product), std::to_string(number), std::to_string(delay.count())};
 }
 
-/// The right rules are those of a lone host. What stands first in an environment counts.
+/// The right rules are those of a lone host. What stands first in an environment counts: its
+/// home is not the farm's.
 void keepRightRules(const Ground& ground, const Farm& farm, Oza::Vestra::ProductType product) {
   const std::string project = ground.rules(product) + "-project";
-  std::vector<std::string> all{"CALVIX_VESTRA_DEBUG_EXT=1", "VESTRA_TESTKIT_EXEC_PATH=true"};
+  std::vector<std::string> all{"CALVIX_VESTRA_DEBUG_EXT=1", "VESTRA_TESTKIT_EXEC_PATH=true",
+                               "HOME=" + project + "-home"};
   const std::vector<std::string> usual = variables(ground, farm, 0, product);
   all.insert(all.end(), usual.begin(), usual.end());
   run(commandOf(project, product, 0, {}), all);
@@ -144,20 +152,28 @@ std::vector<std::string> linesOf(const std::string& path) {
   return lines;
 }
 
-void countTools(const Ground& ground, std::set<std::string>& identifiers, Harvest& harvest) {
+/// The different identifiers that a round has met.
+struct Identifiers {
+  std::set<std::string> ofProjects;
+  std::set<std::string> ofUsers;
+};
+
+void countTools(const Ground& ground, Identifiers& identifiers, Harvest& harvest) {
   for (const std::string& line : linesOf(ground.record())) {
     std::istringstream words(line);
     std::string script;
     std::string rules;
     std::string identifier;
-    words >> script >> rules >> identifier;
+    std::string user;
+    words >> script >> rules >> identifier >> user;
+    identifiers.ofUsers.insert(user);
     ++harvest.toolStarts;
     harvest.wrongScripts += script == "right" ? 0 : 1;
     harvest.wrongRules += rules == "right" ? 0 : 1;
     if (identifier == "none") {
       harvest.withoutIdentifier += script == "right" ? 1 : 0;
     } else {
-      identifiers.insert(identifier);
+      identifiers.ofProjects.insert(identifier);
     }
   }
 }
@@ -176,16 +192,21 @@ bool isDocumented(const std::string& name) {
   return documented.count(name) != 0;
 }
 
-void countFiles(const std::string& project, const Farm& farm, std::set<std::string>& identifiers,
-                Harvest& harvest) {
+void countSettings(const std::string& home, Identifiers& identifiers) {
+  const std::string key = "RandomID=";
+  for (const std::string& line : linesOf(settingsIn(home))) {
+    identifiers.ofUsers.insert(line.compare(0, key.size(), key) == 0 ? line.substr(key.size()) : line);
+  }
+}
+
+void countFiles(const std::string& project, const Farm& farm, Identifiers& identifiers, Harvest& harvest) {
   const std::vector<std::string> identity = linesOf(identityIn(project));
   const std::string identifier = identity.size() > 4 ? identity[4] : "";
-  const bool isFresh = farm.age == Age::FRESH;
   const int attempts = farm.isShared ? farm.hosts : 1;
-  const long counted = iterationIn(identity) - (isFresh ? 1 : ITERATION_BEFORE);
-  harvest.lostIdentifiers += (isFresh ? identifier.empty() : identifier != IDENTIFIER) ? 1 : 0;
+  const long counted = iterationIn(identity) - (isFresh(farm) ? 1 : ITERATION_BEFORE);
+  harvest.lostIdentifiers += (isFresh(farm) ? identifier.empty() : identifier != IDENTIFIER) ? 1 : 0;
   harvest.lostAttempts += attempts - static_cast<int>(std::max(0L, std::min<long>(attempts, counted)));
-  identifiers.insert(identifier);
+  identifiers.ofProjects.insert(identifier);
   for (const std::string& name : namesIn(project + "/vestra")) {
     harvest.filesLeftOver += isDocumented(name) ? 0 : 1;
   }
@@ -249,12 +270,14 @@ Harvest runFarm(const Farm& farm) {
   }
   Harvest harvest;
   Hosts(ground, farm).release(harvest);
-  std::set<std::string> identifiers;
+  Identifiers identifiers;
   countTools(ground, identifiers, harvest);
   for (int place = 0; place < places; ++place) {
     countFiles(ground.project(place), farm, identifiers, harvest);
+    countSettings(ground.home(place), identifiers);
   }
-  harvest.identifiers = static_cast<int>(identifiers.size());
+  harvest.identifiers = static_cast<int>(identifiers.ofProjects.size());
+  harvest.userIdentifiers = static_cast<int>(identifiers.ofUsers.size());
   return harvest;
 }
 

@@ -16,7 +16,9 @@ enum class Age {
   /// It reported long ago: one report is due.
   OLD,
   /// It never reported, and has no identity.
-  FRESH
+  FRESH,
+  /// The same, and the user has no identifier either.
+  FRESH_HOME
 };
 
 /// Many hosts, released together.
@@ -54,6 +56,8 @@ struct Harvest {
   int silentHosts = 0;
   /// The different identifiers that tools read, and that stand in the file at the end.
   int identifiers = 0;
+  /// The different identifiers of the user that tools read, and that stand in the settings.
+  int userIdentifiers = 0;
   /// The longest that a host took to report.
   std::chrono::milliseconds longestReport{0};
   /// From the release to the last host's end.

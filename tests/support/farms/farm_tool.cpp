@@ -6,7 +6,7 @@
 // the script and reading the rules file beside it, FARM_TOOL_RULES a file with the right
 // rules, FARM_TOOL_RECORD the file that gets one line for each start: what is wrong with
 // the script, what is wrong with the rules ("right" where nothing is), and the project's
-// identifier ("none" where the script has none).
+// and the user's identifier ("none" where the script has none).
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -45,6 +45,11 @@ std::string bytesOf(const std::string& path, bool& isThere) {
 
 std::string wordFor(const std::string& fault) { return fault.empty() ? "right" : fault; }
 
+std::string identifierIn(const std::string& script, const std::string& key) {
+  const std::string identifier = vestra_test::valueOf(script, key);
+  return identifier.empty() ? "none" : identifier;
+}
+
 std::string checkRules(const std::string& path) {
   bool isThere = false;
   const std::string rules = bytesOf(path, isThere);
@@ -76,8 +81,7 @@ int main(int argc, char** argv) {
   const std::string script = bytesOf(path, isThere);
   const std::string fault = isThere ? vestra_test::faultOf(script, std::time(nullptr)) : "missing";
   std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(setting("FARM_TOOL_MILLISECONDS"))));
-  const std::string identifier = vestra_test::valueOf(script, "project_id");
-  record(wordFor(fault) + " " + checkRules(rulesBeside(path)) + " " +
-         (identifier.empty() ? "none" : identifier) + "\n");
+  record(wordFor(fault) + " " + checkRules(rulesBeside(path)) + " " + identifierIn(script, "project_id") +
+         " " + identifierIn(script, "random_id") + "\n");
   return EXIT_SUCCESS;
 }
