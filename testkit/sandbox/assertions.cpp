@@ -25,14 +25,23 @@ void noteAssertion(const FailedAssertion& assertion) {
   note(RECORD, {assertion.file, std::to_string(assertion.line), assertion.text});
 }
 
-/// GoogleTest's own words for an assertion that nobody else has heard of.
+bool endsWith(const std::string& line, const std::string& end) {
+  return line.size() > end.size() && line.compare(line.size() - end.size(), end.size(), end) == 0;
+}
+
+/// Whether GoogleTest, Catch2, doctest or Boost.Test says in this line that an assertion has failed.
+bool tellsOfFailure(const std::string& line) {
+  return endsWith(line, ": Failure") || endsWith(line, ": FAILED:") || endsWith(line, " is NOT correct!") ||
+         line.find(": error: in \"") != std::string::npos;
+}
+
 void refuseUnnoticedAssertion(const std::string& output) {
   for (const std::string& line : linesOf(output)) {
-    const std::string end = ": Failure";
-    if (line.size() > end.size() && line.compare(line.size() - end.size(), end.size(), end) == 0) {
+    if (tellsOfFailure(line)) {
       throw std::runtime_error("an assertion failed in the host's process, where it cannot fail the test: " +
                                output.substr(output.find(line)) +
-                               "include <vestra/testkit/matchers.h>, which brings it to the test");
+                               "include <vestra/testkit/matchers.h>, which brings it to the test, or make "
+                               "another framework than GoogleTest known with useTestFramework");
     }
   }
 }

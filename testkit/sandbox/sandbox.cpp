@@ -57,11 +57,11 @@ class Sandbox::Implementation {
   Implementation(const Implementation&) = delete;
   Implementation& operator=(const Implementation&) = delete;
   ~Implementation() {
-    const bool hasFailed = hasCurrentTestFailed();
-    if (hasFailed) {
-      tree.keep();
+    const bool isFailed = hasCurrentTestFailed() && !keepsAll();
+    if (isFailed) {
+      tree.keepForAWhile();
     }
-    if (hasFailed || keepsAll()) {
+    if (isFailed || keepsAll()) {
       std::cerr << "vestra::testkit keeps " << directory() << std::endl;
     }
   }

@@ -6,10 +6,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <map>
 #include <stdexcept>
+#include <vector>
 
 #include <boost/filesystem.hpp>
 
@@ -21,8 +25,9 @@ namespace {
 namespace fs = boost::filesystem;
 
 constexpr const char* BEGINNING = "vestra-testkit-";
-// In a directory that outlives its owner on purpose.
+// In a directory that outlives its owner on purpose: empty, or when it was kept for a while.
 constexpr const char* KEPT = "/kept";
+constexpr std::size_t KEPT_FOR_A_WHILE = 10;
 
 void allowAll(const std::string& directory) {
   boost::system::error_code ignored;
@@ -61,8 +66,6 @@ bool isUsers(const std::string& directory) {
   return lstat(directory.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid();
 }
 
-bool isStaleName(const fs::path& path) { return path.filename().string().rfind(BEGINNING, 0) == 0; }
-
 void removeIfStale(const std::string& directory) {
   if (!isUsers(directory) || fs::exists(directory + KEPT)) {
     return;
@@ -77,21 +80,37 @@ void removeIfStale(const std::string& directory) {
   }
 }
 
-void removeStaleTreesIn(const fs::path& parent) {
+std::vector<std::string> treesIn(const fs::path& parent) {
+  std::vector<std::string> trees;
   boost::system::error_code ignored;
   for (const fs::directory_entry& entry : fs::directory_iterator(parent, ignored)) {
-    if (isStaleName(entry.path())) {
-      removeIfStale(entry.path().string());
+    if (entry.path().filename().string().rfind(BEGINNING, 0) == 0) {
+      trees.push_back(entry.path().string());
     }
   }
+  return trees;
 }
 
 void removeStaleTreesOnceIn(const fs::path& parent) {
   static pid_t sweeper = 0;
   if (sweeper != getpid()) {
     sweeper = getpid();
-    removeStaleTreesIn(parent);
+    for (const std::string& tree : treesIn(parent)) {
+      removeIfStale(tree);
+    }
   }
+}
+
+/// The user's trees that were kept for a while, by the time of that.
+std::multimap<std::int64_t, std::string> keptForAWhileIn(const fs::path& parent) {
+  std::multimap<std::int64_t, std::string> kept;
+  for (const std::string& tree : treesIn(parent)) {
+    const std::string time = isUsers(tree) ? bytesOf(tree + KEPT).value_or("") : "";
+    if (!time.empty()) {
+      kept.emplace(std::strtoll(time.c_str(), nullptr, 10), tree);
+    }
+  }
+  return kept;
 }
 
 std::string makeDirectoryIn(const fs::path& parent) {
@@ -129,6 +148,16 @@ TemporaryTree::~TemporaryTree() {
 void TemporaryTree::keep() {
   isKept = true;
   writeBytes(directory + KEPT, "");
+}
+
+void TemporaryTree::keepForAWhile() {
+  keep();
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  writeBytes(directory + KEPT, std::to_string(std::chrono::nanoseconds(now).count()));
+  auto kept = keptForAWhileIn(fs::path(directory).parent_path());
+  for (; kept.size() > KEPT_FOR_A_WHILE; kept.erase(kept.begin())) {
+    removeTree(kept.begin()->second);
+  }
 }
 
 }  // namespace vestra::testkit

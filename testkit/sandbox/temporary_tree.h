@@ -22,6 +22,9 @@ class TemporaryTree {
   /// From now on neither this owner nor another removes it.
   void keep();
 
+  /// The same until ten more of the user's have been kept so.
+  void keepForAWhile();
+
   /// Absolute and without links.
   const std::string& path() const { return directory; }
 

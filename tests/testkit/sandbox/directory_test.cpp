@@ -142,6 +142,24 @@ TEST_F(SandboxDirectory, StaysAfterAFailedExpectation) {
   EXPECT_THAT(printed, testing::MatchesRegex("vestra::testkit keeps .*\nand it is there"));
 }
 
+TEST_F(SandboxDirectory, StaysAfterTheLastTenFailures) {
+  inChildProcess([] {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    ADD_FAILURE() << "on purpose, in a process of its own";
+    for (int i = 0; i < 12; ++i) {
+      const Sandbox sandbox;
+      vestra_test::writeFile(sandbox.project() + "/number", std::to_string(i));
+    }
+    return testing::internal::GetCapturedStderr();
+  });
+  std::vector<int> numbers;
+  for (const std::string& name : entries()) {
+    numbers.push_back(std::stoi(vestra_test::readFile(temporary / (name + "/project/number"))));
+  }
+  EXPECT_THAT(numbers, testing::UnorderedElementsAre(2, 3, 4, 5, 6, 7, 8, 9, 10, 11));
+}
+
 TEST_F(SandboxDirectory, FailureNamesNoDirectoryThatIsGone) {
   HostRun run;
   std::string directory;

@@ -1,6 +1,7 @@
 // A program that does not bring assertions out of the host's process, as it includes no
 // more of the test kit than the sandbox.
 
+#include <iostream>
 #include <stdexcept>
 #include <string>
 
@@ -20,6 +21,15 @@ TEST(AnAssertionThatCannotReachTheTest, MakesTheRunThrow) {
     EXPECT_THAT(error.what(), HasSubstr(std::string(__FILE__) + ":" + std::to_string(__LINE__ - 3)));
     EXPECT_THAT(error.what(), HasSubstr("1 + 1"));
     EXPECT_THAT(error.what(), HasSubstr("include <vestra/testkit/matchers.h>"));
+  }
+}
+
+TEST(AnAssertionThatCannotReachTheTest, MayBeAnotherFrameworks) {
+  for (const char* words : {"a.cpp:3: FAILED:", "a.cpp:3: ERROR: CHECK( x ) is NOT correct!",
+                            "a.cpp(3): error: in \"s/t\": check x has failed"}) {
+    vestra::testkit::Sandbox sandbox;
+    EXPECT_THROW(sandbox.run(Oza::Vestra::KELVO, [&] { std::cout << words << std::endl; }),
+                 std::runtime_error);
   }
 }
 

@@ -55,8 +55,8 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   Sandbox& operator=(const Sandbox&) = delete;
   /// Removes the directory with all that is in it. After a failed expectation of the
   /// current test, or when the environment variable VESTRA_TESTKIT_KEEP is not empty,
-  /// leaves it and prints its path on standard error. What a killed test left behind is
-  /// removed with the user's next sandbox.
+  /// leaves it and prints its path on standard error; of failed tests, the last ten are
+  /// kept. What a killed test left behind is removed with the user's next sandbox.
   ~Sandbox();
 
   /// Executes `host` and then `Oza::Vestra::send` for this sandbox's project, in a
