@@ -1,10 +1,13 @@
 #include "sandbox/host_process.h"
 
+#include <dlfcn.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <exception>
 #include <stdexcept>
 
@@ -88,6 +91,18 @@ void execute(std::vector<std::string> words) {
   throw std::runtime_error(words[0] + ": " + std::strerror(errno));
 }
 
+void requireHeldClock(std::time_t now) {
+  timeval time{};
+  gettimeofday(&time, nullptr);
+  if (std::time(nullptr) != now || time.tv_sec != now) {
+    Dl_info info{};
+    dladdr(dlsym(RTLD_DEFAULT, "time"), &info);
+    throw std::runtime_error("setNow has no effect, as another object tells this process the time: " +
+                             std::string(info.dli_fname) +
+                             "; take it out of LD_PRELOAD or out of the program");
+  }
+}
+
 void recordFailure(const RunPlace& place, const std::exception& failure) {
   writeBytes(place.record + "/failure", failure.what());
 }
@@ -101,12 +116,15 @@ void beAHost(const RunSetup& setup, const RunPlace& place, StartingGate& gate,
   try {
     settleIn(setup, place);
     openSupportLibrary(std::getenv(SUPPORT_VARIABLE));
+    beginRecording();
+    if (setup.now) {
+      requireHeldClock(*setup.now);
+    }
   } catch (const std::exception& failure) {
     recordFailure(place, failure);
     return;
   }
   watchAssertions();
-  beginRecording();
   gate.await();
   try {
     writeBytes(place.record + "/answer", code() ? "true" : "false");

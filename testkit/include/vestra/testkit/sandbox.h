@@ -101,7 +101,7 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   // sandbox: compare them as `withoutDirectory` gives them.
 
   /// Holds the clock of the runs that follow, and their time zone at UTC. Clocks that
-  /// only measure go on.
+  /// only measure go on. A run throws where another preloaded object tells the time.
   ///
   /// @param now  seconds since the epoch
   void setNow(std::time_t now);

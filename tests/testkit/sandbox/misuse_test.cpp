@@ -1,6 +1,7 @@
-// A program that does not bring assertions out of the host's process, as it includes no
-// more of the test kit than the sandbox.
+// A program that uses the test kit as it should not: it includes no more of it than the sandbox, so
+// that no assertions come out of the host's process, and it tells the time itself.
 
+#include <ctime>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -33,4 +34,21 @@ TEST(AnAssertionThatCannotReachTheTest, MayBeAnotherFrameworks) {
   }
 }
 
+TEST(AClockThatAnotherObjectTells, CannotBeHeld) {
+  vestra::testkit::Sandbox sandbox;
+  sandbox.setNow(1600000000);
+  try {
+    sandbox.run(Oza::Vestra::KELVO, [] {});
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const std::runtime_error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("setNow has no effect"));
+    EXPECT_THAT(error.what(), HasSubstr("misuse_tests"));
+  }
+}
+
 }  // namespace
+
+/// Stands before the test kit's, as a preloaded object's does.
+extern "C" __attribute__((visibility("default"))) std::time_t time(std::time_t* out) noexcept {
+  return out != nullptr ? *out = 42 : 42;
+}
