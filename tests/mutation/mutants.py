@@ -262,7 +262,7 @@ def arguments_for(database, source):
 def mutants_of(tree, database, file):
     """All mutants of one file, in the order of their places."""
     resources = subprocess.run(
-        ["clang-14", "-print-resource-dir"], check=True, capture_output=True, text=True
+        ["clang", "-print-resource-dir"], check=True, capture_output=True, text=True
     ).stdout.strip()
     path = Path(tree) / file
     # Offsets count bytes; one character is one byte then.
