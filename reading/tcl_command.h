@@ -7,9 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "reading/span.h"
-
 namespace vestra::reading {
+
+/// A stretch of a text, by position.
+struct Span {
+  std::size_t begin = 0;
+  std::size_t length = 0;
+};
 
 /// One word of a command, before any substitution.
 struct TclWord {

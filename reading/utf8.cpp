@@ -54,15 +54,4 @@ Utf8Character firstCharacter(std::string_view bytes) {
   return {lead.length, codePoint};
 }
 
-bool isUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const std::size_t length = firstCharacter(bytes).length;
-    if (length == 0) {
-      return false;
-    }
-    bytes.remove_prefix(length);
-  }
-  return true;
-}
-
 }  // namespace vestra::reading

@@ -17,8 +17,23 @@ struct Utf8Character {
 /// refused.
 Utf8Character firstCharacter(std::string_view bytes);
 
+/// Whether the whole of `bytes` is UTF-8 and `isAllowed` holds for each code point. The empty string is.
+template <typename IsAllowed>
+bool isUtf8Of(std::string_view bytes, IsAllowed isAllowed) {
+  while (!bytes.empty()) {
+    const Utf8Character character = firstCharacter(bytes);
+    if (character.length == 0 || !isAllowed(character.codePoint)) {
+      return false;
+    }
+    bytes.remove_prefix(character.length);
+  }
+  return true;
+}
+
 /// Whether the whole of `bytes` is UTF-8. The empty string is.
-bool isUtf8(std::string_view bytes);
+inline bool isUtf8(std::string_view bytes) {
+  return isUtf8Of(bytes, [](char32_t) { return true; });
+}
 
 }  // namespace vestra::reading
 

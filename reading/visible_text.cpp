@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "reading/utf8.h"
 
@@ -59,22 +60,43 @@ bool isForTerminal(char32_t codePoint) {
   return isVisible(codePoint) && codePoint != '\n' && codePoint != '\t';
 }
 
-/// Calls `keep` for each character that `isKept` accepts, and appends the names of all other bytes.
-template <typename IsKept, typename Keep>
-std::string nameAllBut(std::string_view bytes, IsKept isKept, Keep keep) {
+/// The byte as people write it, `\x1b`.
+std::string nameOfByte(char byte) {
+  constexpr char DIGITS[] = "0123456789abcdef";
+  const auto number = static_cast<unsigned char>(byte);
+  return {'\\', 'x', DIGITS[number >> 4], DIGITS[number & 0x0F]};
+}
+
+std::string_view htmlOf(std::string_view character) {
+  constexpr std::pair<char, std::string_view> ENTITIES[] = {
+      {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
+  for (const auto& [letter, entity] : ENTITIES) {
+    if (character[0] == letter) {
+      return entity;
+    }
+  }
+  return character;
+}
+
+/// Writes each character that `isKept` accepts with `write`, and the names of all other bytes with `name`.
+template <typename IsKept, typename Write>
+std::string nameAllBut(std::string_view bytes, IsKept isKept, Write write,
+                       std::string (*name)(std::string_view) = &namedBytes) {
   std::string text;
   while (!bytes.empty()) {
     const Utf8Character character = firstCharacter(bytes);
-    const std::string_view piece = bytes.substr(0, character.length == 0 ? 1 : character.length);
+    const std::string_view piece = bytes.substr(0, std::max<std::size_t>(1, character.length));
     if (character.length != 0 && isKept(character.codePoint)) {
-      keep(text, piece);
+      text += write(piece);
     } else {
-      text += namedBytes(piece);
+      text += name(piece);
     }
     bytes.remove_prefix(piece.size());
   }
   return text;
 }
+
+std::string_view asItIs(std::string_view character) { return character; }
 
 /// As much of `bytes` as `limit` allows without cutting a character in two.
 std::string_view firstBytes(std::string_view bytes, std::size_t limit) {
@@ -90,35 +112,15 @@ std::string_view firstBytes(std::string_view bytes, std::size_t limit) {
 
 }  // namespace
 
-bool isXmlText(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const Utf8Character character = firstCharacter(bytes);
-    if (character.length == 0 || !isXmlCharacter(character.codePoint)) {
-      return false;
-    }
-    bytes.remove_prefix(character.length);
-  }
-  return true;
-}
+bool isXmlText(std::string_view bytes) { return isUtf8Of(bytes, isXmlCharacter); }
 
 bool isVisible(char32_t codePoint) {
-  if (codePoint == '\n' || codePoint == '\t') {
-    return true;
-  }
   const bool isNoCharacter = (codePoint & 0xFFFEu) == 0xFFFEu;
-  return !isNoCharacter && !isIn(INVISIBLE, codePoint);
+  return codePoint == '\n' || codePoint == '\t' || (!isNoCharacter && !isIn(INVISIBLE, codePoint));
 }
 
 bool isBlank(std::string_view bytes) {
-  const bool isEmpty = bytes.empty();
-  while (!bytes.empty()) {
-    const Utf8Character character = firstCharacter(bytes);
-    if (character.length == 0 || !isIn(BLANKS, character.codePoint)) {
-      return false;
-    }
-    bytes.remove_prefix(character.length);
-  }
-  return !isEmpty;
+  return !bytes.empty() && isUtf8Of(bytes, [](char32_t codePoint) { return isIn(BLANKS, codePoint); });
 }
 
 std::string namedBytes(std::string_view bytes) {
@@ -129,25 +131,25 @@ std::string namedBytes(std::string_view bytes) {
   return names;
 }
 
-std::string nameOfByte(char byte) {
-  constexpr char DIGITS[] = "0123456789abcdef";
-  const auto number = static_cast<unsigned char>(byte);
-  return {'\\', 'x', DIGITS[number >> 4], DIGITS[number & 0x0F]};
+std::string namedForHtml(std::string_view bytes) {
+  std::string html;
+  for (const char byte : bytes) {
+    html += "<span class=\"byte\">" + nameOfByte(byte) + "</span>";
+  }
+  return html;
+}
+
+std::string escapedForHtml(std::string_view bytes) {
+  return nameAllBut(bytes, isVisible, htmlOf, &namedForHtml);
 }
 
 std::string escapedForXml(std::string_view bytes) {
-  return nameAllBut(bytes, isXmlCharacter, [](std::string& text, std::string_view character) {
-    if (character == "\\") {
-      text += '\\';
-    }
-    text += character;
+  return nameAllBut(bytes, isXmlCharacter, [](std::string_view character) {
+    return character == "\\" ? std::string_view("\\\\") : character;
   });
 }
 
-std::string forTerminal(std::string_view bytes) {
-  return nameAllBut(bytes, isForTerminal,
-                    [](std::string& text, std::string_view character) { text += character; });
-}
+std::string forTerminal(std::string_view bytes) { return nameAllBut(bytes, isForTerminal, asItIs); }
 
 std::string inQuotes(std::string_view bytes, std::size_t limit) {
   const std::string_view shown = firstBytes(bytes, limit);

@@ -21,8 +21,12 @@ bool isBlank(std::string_view bytes);
 /// Each byte as people write it, `\x20\x20`.
 std::string namedBytes(std::string_view bytes);
 
-/// The byte as people write it, `\x1b`.
-std::string nameOfByte(char byte);
+/// Any bytes as HTML content: markup characters escaped, and what is not visible as `\xNN` in an element of
+/// class "byte", so that it cannot be taken for the same characters spelled out.
+std::string escapedForHtml(std::string_view bytes);
+
+/// Each byte as `\xNN` in an element of class "byte".
+std::string namedForHtml(std::string_view bytes);
 
 /// The bytes with all that isXmlText refuses written as `\xNN`, and each backslash doubled so that it can be
 /// undone.

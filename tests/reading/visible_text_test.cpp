@@ -25,6 +25,13 @@ TEST(VisibleText, EscapingForXmlCanBeUndone) {
             "b\n");
 }
 
+TEST(VisibleText, EscapesMarkupForHtmlAndNamesInvisibleBytes) {
+  EXPECT_EQ(escapedForHtml("<a b='c' d=\"e\">&\n\t"), "&lt;a b=&#39;c&#39; d=&quot;e&quot;&gt;&amp;\n\t");
+  EXPECT_EQ(escapedForHtml("\r\x7F\xFF"),
+            "<span class=\"byte\">\\x0d</span><span class=\"byte\">\\x7f</span>"
+            "<span class=\"byte\">\\xff</span>");
+}
+
 TEST(VisibleText, ATerminalGetsNothingThatItWouldObey) {
   EXPECT_EQ(forTerminal("\x1B[31mred\a\n\t\x7F\xC2\x9B caf\xC3\xA9 \xFF"),
             "\\x1b[31mred\\x07\\x0a\\x09\\x7f\\xc2\\x9b caf\xC3\xA9 \\xff");

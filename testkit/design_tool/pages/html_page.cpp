@@ -9,7 +9,6 @@
 
 #include "design_tool/pages/page_style.h"
 #include "design_tool/report/sections.h"
-#include "reading/html_text.h"
 #include "reading/visible_text.h"
 
 namespace vestra::design_tool {
@@ -132,10 +131,11 @@ std::string pathHtml(const std::string& path) {
 
 std::string linkTo(const std::string& path) {
   std::string url = "file://";
-  for (const unsigned char byte : path) {
-    const bool isPlain = std::isalnum(byte) != 0 ||
-                         std::string_view("/-._~").find(static_cast<char>(byte)) != std::string_view::npos;
-    url += isPlain ? std::string(1, static_cast<char>(byte)) : fmt::format("%{:02X}", byte);
+  for (const char letter : path) {
+    const auto byte = static_cast<unsigned char>(letter);
+    const bool isPlain = std::isalnum(byte) != 0 || letter == '/' || letter == '-' || letter == '.' ||
+                         letter == '_' || letter == '~';
+    url += isPlain ? std::string(1, letter) : fmt::format("%{:02X}", byte);
   }
   return fmt::format(" <a href=\"{}\">What is reported about you</a> tells more.", url);
 }

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "design_tool/diagnosis/diagnostic.h"
-#include "reading/span.h"
+#include "reading/tcl_command.h"
 
 namespace vestra::design_tool {
 
