@@ -66,34 +66,52 @@ TEST(ProjectIdentity, IdentityIsWrittenToTheEdgesOfItsTypes) {
                                       "-2147483648", ""}));
 }
 
-TEST(ProjectIdentity, IdentityIsReadFromFiveLines) {
-  const ProjectIdentity identity =
-      read("1700000000\n1700000001\n42\n1\n3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e\n");
-  EXPECT_EQ(identity.lastSendTimeDefault, 1700000000);
-  EXPECT_EQ(identity.lastSendTimeType1, 1700000001);
-  EXPECT_EQ(identity.iteration, 42U);
-  EXPECT_EQ(identity.orbeloFlow, 1);
-  EXPECT_EQ(identity.projectId, "3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e");
-}
+/// A text and the lines as which it is written again.
+struct ReadText {
+  const char* what;
+  std::string text;
+  Lines written;
+};
 
-TEST(ProjectIdentity, LastLineNeedsNoEnd) {
-  EXPECT_EQ(rewritten("1\n2\n3\n4\nid"), (Lines{"1", "2", "3", "4", "id"}));
-  EXPECT_EQ(rewritten("1\n2\n3\n4"), (Lines{"1", "2", "3", "4", ""}));
-}
-
-TEST(ProjectIdentity, IdentityOfAnEmptyTextIsThatOfANewProjectWithoutAnIdentifier) {
-  EXPECT_EQ(rewritten(""), (Lines{"0", "0", "1", "0", ""}));
-}
-
-TEST(ProjectIdentity, EmptyLinesLeaveTheirFields) {
-  EXPECT_EQ(rewritten("\n\n\n\n\n"), (Lines{"0", "0", "1", "0", ""}));
-  EXPECT_EQ(rewritten("\n2\n\n4\nid\n"), (Lines{"0", "2", "1", "4", "id"}));
-}
-
-TEST(ProjectIdentity, MissingLinesLeaveTheirFields) {
-  EXPECT_EQ(rewritten("1\n"), (Lines{"1", "0", "1", "0", ""}));
-  EXPECT_EQ(rewritten("1\n2\n"), (Lines{"1", "2", "1", "0", ""}));
-  EXPECT_EQ(rewritten("1\n2\n3\n"), (Lines{"1", "2", "3", "0", ""}));
+TEST(ProjectIdentity, IsReadLineByLine) {
+  const ReadText rows[] = {
+      {"five lines",
+       "1700000000\n1700000001\n42\n1\n3f2a9c4e\n",
+       {"1700000000", "1700000001", "42", "1", "3f2a9c4e"}},
+      {"no end of line 5", "1\n2\n3\n4\nid", {"1", "2", "3", "4", "id"}},
+      {"no end of line 4", "1\n2\n3\n4", {"1", "2", "3", "4", ""}},
+      {"nothing", "", {"0", "0", "1", "0", ""}},
+      {"empty lines", "\n\n\n\n\n", {"0", "0", "1", "0", ""}},
+      {"some empty lines", "\n2\n\n4\nid\n", {"0", "2", "1", "4", "id"}},
+      {"one line", "1\n", {"1", "0", "1", "0", ""}},
+      {"two lines", "1\n2\n", {"1", "2", "1", "0", ""}},
+      {"three lines", "1\n2\n3\n", {"1", "2", "3", "0", ""}},
+      {"six lines", "1\n2\n3\n4\nid\nabc\n", {"1", "2", "3", "4", "id"}},
+      {"text behind numbers", "12x\n13 14\n15.9\n1e5\n", {"12", "13", "15", "1", ""}},
+      {"signs behind numbers",
+       "12\0"
+       "34\n1'000\n1,000\n1_0\n"s,
+       {"12", "1", "1", "1", ""}},
+      {"white space before numbers", "  12\n\t13\n\v\f\r14\n 1\n", {"12", "13", "14", "1", ""}},
+      {"a megabyte of blanks", std::string(1048576, ' ') + "12\n", {"12", "0", "1", "0", ""}},
+      {"signs before numbers", "+5\n-6\n+7\n-1\n", {"5", "-6", "7", "-1", ""}},
+      {"other bases", "0x10\n010\n00000000000000000000007\n0b1\n", {"0", "10", "7", "0", ""}},
+      {"carriage returns", "1\r\n2\r\n3\r\n4\r\nid\r\n", {"1", "2", "3", "4", "id\r"}},
+      {"the highest numbers",
+       "9223372036854775807\n9223372036854775807\n9223372036854775807\n2147483647\n",
+       {"9223372036854775807", "9223372036854775807", "9223372036854775807", "2147483647", ""}},
+      {"the lowest numbers",
+       "-9223372036854775808\n-9223372036854775808\n-9223372036854775808\n-2147483648\n",
+       {"-9223372036854775808", "-9223372036854775808", "9223372036854775808", "-2147483648", ""}},
+      {"iteration -1", "0\n0\n-1\n", {"0", "0", "18446744073709551615", "0", ""}},
+      {"blanks in the identifier",
+       "1\n2\n3\n4\n  spaced \t id  \n",
+       {"1", "2", "3", "4", "  spaced \t id  "}},
+      {"any byte in the identifier", "1\n2\n3\n4\n\x80\xff\0id\n"s, {"1", "2", "3", "4", "\x80\xff\0id"s}},
+  };
+  for (const ReadText& row : rows) {
+    EXPECT_EQ(rewritten(row.text), row.written) << row.what;
+  }
 }
 
 TEST(ProjectIdentity, MissingIdentifierLeavesTheOneThatIsKnown) {
@@ -112,57 +130,9 @@ TEST(ProjectIdentity, EmptyIdentifiersLineIsAnEmptyIdentifier) {
   EXPECT_EQ(identity.projectId, "");
 }
 
-TEST(ProjectIdentity, LinesBehindTheFifthAreIgnored) {
-  EXPECT_EQ(rewritten("1\n2\n3\n4\nid\nabc\n"), (Lines{"1", "2", "3", "4", "id"}));
-}
-
-TEST(ProjectIdentity, TextBehindANumberIsIgnored) {
-  EXPECT_EQ(rewritten("12x\n13 14\n15.9\n1e5\n"), (Lines{"12", "13", "15", "1", ""}));
-  EXPECT_EQ(rewritten("12\0"
-                      "34\n1'000\n1,000\n1_0\n"s),
-            (Lines{"12", "1", "1", "1", ""}));
-}
-
-TEST(ProjectIdentity, WhiteSpaceInFrontOfANumberIsSkipped) {
-  EXPECT_EQ(rewritten("  12\n\t13\n\v\f\r14\n 1\n"), (Lines{"12", "13", "14", "1", ""}));
-}
-
-TEST(ProjectIdentity, SignInFrontOfANumberIsRead) {
-  EXPECT_EQ(rewritten("+5\n-6\n+7\n-1\n"), (Lines{"5", "-6", "7", "-1", ""}));
-}
-
-TEST(ProjectIdentity, NumbersAreDecimal) {
-  EXPECT_EQ(rewritten("0x10\n010\n00000000000000000000007\n0b1\n"), (Lines{"0", "10", "7", "0", ""}));
-}
-
-TEST(ProjectIdentity, CarriageReturnsStayInTheIdentifierOnly) {
-  EXPECT_EQ(rewritten("1\r\n2\r\n3\r\n4\r\nid\r\n"), (Lines{"1", "2", "3", "4", "id\r"}));
-}
-
-TEST(ProjectIdentity, NumbersAreReadToTheEdgesOfTheirTypes) {
-  EXPECT_EQ(rewritten("-9223372036854775808\n9223372036854775807\n9223372036854775807\n"
-                      "2147483647\n"),
-            (Lines{"-9223372036854775808", "9223372036854775807", "9223372036854775807", "2147483647", ""}));
-  EXPECT_EQ(rewritten("0\n0\n1\n-2147483648\n"), (Lines{"0", "0", "1", "-2147483648", ""}));
-}
-
-TEST(ProjectIdentity, NegativeIterationTurnsRoundIntoALargeOne) {
-  EXPECT_EQ(rewritten("0\n0\n-1\n"), (Lines{"0", "0", "18446744073709551615", "0", ""}));
-  EXPECT_EQ(rewritten("0\n0\n-9223372036854775808\n"), (Lines{"0", "0", "9223372036854775808", "0", ""}));
-}
-
-TEST(ProjectIdentity, IdentifierIsTheWholeLine) {
-  EXPECT_EQ(read("1\n2\n3\n4\n  spaced \t id  \n").projectId, "  spaced \t id  ");
-  EXPECT_EQ(read("1\n2\n3\n4\n\x80\xff\0id\n"s).projectId, "\x80\xff\0id"s);
-}
-
 TEST(ProjectIdentity, IdentifierMayBeAMegabyteLong) {
   const std::string megabyte(1048576, 'x');
   EXPECT_EQ(read("1\n2\n3\n4\n" + megabyte + "\n").projectId, megabyte);
-}
-
-TEST(ProjectIdentity, NumberBehindAMegabyteOfBlanksIsRead) {
-  EXPECT_EQ(rewritten(std::string(1048576, ' ') + "12\n"), (Lines{"12", "0", "1", "0", ""}));
 }
 
 /// A line and what to call it.

@@ -36,21 +36,10 @@ class RandomId : public vestra_test::SettingsFixture {
   std::string firstIdInFile() const { return settings().substr(9, 36); }
 };
 
-TEST_F(RandomId, RandomIdOfTheFileIsUsedAndTheFileLeftAlone) {
-  writeSettings("RandomID=abc\n");
-  EXPECT_EQ(VestraSetting().getRandomId(), "abc");
-  EXPECT_EQ(settings(), "RandomID=abc\n");
-}
-
 TEST_F(RandomId, RandomIdOfTheFileMayHaveAnyForm) {
   const std::string odd = "not a uuid \xff " + std::string(1000, 'x');
   writeSettings("RandomID=" + odd + "\n");
   EXPECT_EQ(VestraSetting().getRandomId(), odd);
-}
-
-TEST_F(RandomId, RandomIdOfTheFirstLineInTheFileIsUsed) {
-  writeSettings("a=b\nRandomID=first\nRandomID=second\n");
-  EXPECT_EQ(VestraSetting().getRandomId(), "first");
 }
 
 TEST_F(RandomId, RandomIdIsMadeWithFileAndDirectories) {
@@ -96,27 +85,6 @@ TEST_F(RandomId, RandomIdIsAppendedWithoutALookWhereTheLockCannotBeHad) {
   const vestra_test::LockHolder other(file(), F_WRLCK);
   const std::string identifier = setting.getRandomId();
   EXPECT_EQ(settings(), "RandomID=of another process\nRandomID=" + identifier + "\n");
-}
-
-TEST_F(RandomId, RandomIdIsAppendedToALineWithoutAnEndAndLostWithIt) {
-  writeSettings("a=b");
-  const std::string lost = VestraSetting().getRandomId();
-  EXPECT_EQ(settings(), "a=bRandomID=" + lost + "\n");
-
-  VestraSetting next;
-  EXPECT_EQ(next.getPropertyValue("a"), "");
-  EXPECT_EQ(next.getPropertyValue("RandomID"), "");
-  const std::string kept = next.getRandomId();
-  EXPECT_NE(kept, lost);
-  EXPECT_EQ(settings(), "a=bRandomID=" + lost + "\nRandomID=" + kept + "\n");
-  EXPECT_EQ(VestraSetting().getRandomId(), kept);
-}
-
-TEST_F(RandomId, RandomIdWithBlanksAroundTheEqualsSignDoesNotCount) {
-  writeSettings("RandomID = abc\n");
-  const std::string identifier = VestraSetting().getRandomId();
-  EXPECT_TRUE(isRandomUuid(identifier)) << identifier;
-  EXPECT_EQ(settings(), "RandomID = abc\nRandomID=" + identifier + "\n");
 }
 
 TEST_F(RandomId, RandomIdBehindAnEmptyOneIsMadeAnewAtEachCall) {

@@ -21,95 +21,52 @@ Properties propertiesIn(const std::string& text, Properties properties = {}) {
   return properties;
 }
 
-TEST(SettingsFormat, LineIsAKeyAndAValue) {
-  EXPECT_EQ(propertiesIn("RandomID=abc\n"), (Properties{{"RandomID", "abc"}}));
-}
+struct SettingsText {
+  const char* what;
+  std::string text;
+  Properties properties;
+};
 
-TEST(SettingsFormat, LastLineNeedsNoEnd) {
-  EXPECT_EQ(propertiesIn("a=1\nb=2"), (Properties{{"a", "1"}, {"b", "2"}}));
-}
-
-TEST(SettingsFormat, FirstLineWithAKeyWins) {
-  EXPECT_EQ(propertiesIn("k=1\nk=2\n"), (Properties{{"k", "1"}}));
-  EXPECT_EQ(propertiesIn("k=\nk=2\n"), (Properties{{"k", ""}}));
-}
-
-TEST(SettingsFormat, WhatTheTableHoldsWins) {
-  EXPECT_EQ(propertiesIn("k=2\nl=3\n", {{"k", "1"}}), (Properties{{"k", "1"}, {"l", "3"}}));
-}
-
-TEST(SettingsFormat, KeysDifferByLetterCase) {
-  EXPECT_EQ(propertiesIn("k=1\nK=2\n"), (Properties{{"K", "2"}, {"k", "1"}}));
-}
-
-TEST(SettingsFormat, LineIsTrimmedAsAWhole) {
-  EXPECT_EQ(propertiesIn("  RandomID=abc \r\n"), (Properties{{"RandomID", "abc"}}));
-  EXPECT_EQ(propertiesIn("\t\v\f RandomID=abc\t\v\f \r\n"), (Properties{{"RandomID", "abc"}}));
-}
-
-TEST(SettingsFormat, BlanksAroundTheEqualsSignAreKept) {
-  EXPECT_EQ(propertiesIn("RandomID = abc\n"), (Properties{{"RandomID ", " abc"}}));
-  EXPECT_EQ(propertiesIn("a b=c d\n"), (Properties{{"a b", "c d"}}));
-}
-
-TEST(SettingsFormat, ValueMayBeEmpty) { EXPECT_EQ(propertiesIn("k=\n"), (Properties{{"k", ""}})); }
-
-TEST(SettingsFormat, KeyMayBeEmpty) {
-  EXPECT_EQ(propertiesIn("=v\n"), (Properties{{"", "v"}}));
-  EXPECT_EQ(propertiesIn("=\n"), (Properties{{"", ""}}));
-}
-
-TEST(SettingsFormat, ThereAreNoComments) {
-  EXPECT_EQ(propertiesIn("#k=v\n;l=w\n"), (Properties{{"#k", "v"}, {";l", "w"}}));
-}
-
-TEST(SettingsFormat, LineWithTwoEqualsSignsIsDropped) {
-  EXPECT_EQ(propertiesIn("k=a=b\nk==b\nk=a=\n==\n"), Properties{});
-}
-
-TEST(SettingsFormat, LineWithoutAnEqualsSignIsDropped) { EXPECT_EQ(propertiesIn("kb\n"), Properties{}); }
-
-TEST(SettingsFormat, WhatStandsAroundADroppedLineIsRead) {
-  EXPECT_EQ(propertiesIn("a=1\nk=a=b\nkb\nb=2\n"), (Properties{{"a", "1"}, {"b", "2"}}));
-}
-
-TEST(SettingsFormat, EmptyTextGivesAnEmptyTable) { EXPECT_EQ(propertiesIn(""), Properties{}); }
-
-TEST(SettingsFormat, BlankLinesGiveAnEmptyTable) {
-  EXPECT_EQ(propertiesIn("\n\n"), Properties{});
-  EXPECT_EQ(propertiesIn("  \n\t\n\r\n \v\f\n"), Properties{});
-}
-
-TEST(SettingsFormat, CarriageReturnsBeforeLineEndsAreTrimmed) {
-  EXPECT_EQ(propertiesIn("a=1\r\nb=2\r\n"), (Properties{{"a", "1"}, {"b", "2"}}));
-}
-
-TEST(SettingsFormat, LoneCarriageReturnEndsNoLine) {
-  EXPECT_EQ(propertiesIn("a=1\rb\n"), (Properties{{"a", "1\rb"}}));
-  EXPECT_EQ(propertiesIn("a=1\rb=2\r"), Properties{});
-}
-
-TEST(SettingsFormat, NulBytesBelongToTheLine) {
-  EXPECT_EQ(propertiesIn("k\0y=v\0w\n"s), (Properties{{"k\0y"s, "v\0w"s}}));
-  EXPECT_EQ(propertiesIn("\0k=v\0\n"s), (Properties{{"\0k"s, "v\0"s}}));
-}
-
-TEST(SettingsFormat, BytesAbove127AreKept) {
-  EXPECT_EQ(propertiesIn("\xff\x80=\xc3\xa9\x85\xa0\n"), (Properties{{"\xff\x80", "\xc3\xa9\x85\xa0"}}));
-}
-
-TEST(SettingsFormat, ByteOrderMarkBelongsToTheKey) {
-  EXPECT_EQ(propertiesIn("\xef\xbb\xbfRandomID=abc\n"), (Properties{{"\xef\xbb\xbfRandomID", "abc"}}));
-}
-
-TEST(SettingsFormat, LineOfAMegabyteIsRead) {
+TEST(SettingsFormat, IsReadLineByLine) {
   const std::string megabyte(1048576, 'x');
-  EXPECT_EQ(propertiesIn("k=" + megabyte + "\nl=1\n"), (Properties{{"k", megabyte}, {"l", "1"}}));
-  EXPECT_EQ(propertiesIn(megabyte + "\nl=1\n"), (Properties{{"l", "1"}}));
+  const SettingsText rows[] = {
+      {"a key and a value", "RandomID=abc\n", {{"RandomID", "abc"}}},
+      {"no end of the last line", "a=1\nb=2", {{"a", "1"}, {"b", "2"}}},
+      {"a key twice", "k=1\nk=2\n", {{"k", "1"}}},
+      {"a key twice, first without a value", "k=\nk=2\n", {{"k", ""}}},
+      {"keys that differ by letter case", "k=1\nK=2\n", {{"K", "2"}, {"k", "1"}}},
+      {"blanks around a line", "  RandomID=abc \r\n", {{"RandomID", "abc"}}},
+      {"all white space around a line", "\t\v\f RandomID=abc\t\v\f \r\n", {{"RandomID", "abc"}}},
+      {"blanks around the equals sign", "RandomID = abc\n", {{"RandomID ", " abc"}}},
+      {"blanks within", "a b=c d\n", {{"a b", "c d"}}},
+      {"an empty value", "k=\n", {{"k", ""}}},
+      {"an empty key", "=v\n", {{"", "v"}}},
+      {"both empty", "=\n", {{"", ""}}},
+      {"no comments", "#k=v\n;l=w\n", {{"#k", "v"}, {";l", "w"}}},
+      {"two equals signs", "k=a=b\nk==b\nk=a=\n==\n", {}},
+      {"no equals sign", "kb\n", {}},
+      {"lines around dropped ones", "a=1\nk=a=b\nkb\nb=2\n", {{"a", "1"}, {"b", "2"}}},
+      {"nothing", "", {}},
+      {"empty lines", "\n\n", {}},
+      {"blank lines", "  \n\t\n\r\n \v\f\n", {}},
+      {"DOS line ends", "a=1\r\nb=2\r\n", {{"a", "1"}, {"b", "2"}}},
+      {"a lone carriage return", "a=1\rb\n", {{"a", "1\rb"}}},
+      {"old Mac line ends", "a=1\rb=2\r", {}},
+      {"NUL bytes within", "k\0y=v\0w\n"s, {{"k\0y"s, "v\0w"s}}},
+      {"NUL bytes at the ends", "\0k=v\0\n"s, {{"\0k"s, "v\0"s}}},
+      {"bytes above 127", "\xff\x80=\xc3\xa9\x85\xa0\n", {{"\xff\x80", "\xc3\xa9\x85\xa0"}}},
+      {"a byte-order mark", "\xef\xbb\xbfRandomID=abc\n", {{"\xef\xbb\xbfRandomID", "abc"}}},
+      {"a value of a megabyte", "k=" + megabyte + "\nl=1\n", {{"k", megabyte}, {"l", "1"}}},
+      {"a line of a megabyte", megabyte + "\nl=1\n", {{"l", "1"}}},
+      {"a megabyte of equals signs", std::string(1048576, '=') + "\nl=1\n", {{"l", "1"}}},
+  };
+  for (const SettingsText& row : rows) {
+    EXPECT_TRUE(propertiesIn(row.text) == row.properties) << row.what;
+  }
 }
 
-TEST(SettingsFormat, MegabyteOfEqualsSignsIsDropped) {
-  EXPECT_EQ(propertiesIn(std::string(1048576, '=') + "\nl=1\n"), (Properties{{"l", "1"}}));
+TEST(SettingsFormat, AddsOnlyNewKeys) {
+  EXPECT_EQ(propertiesIn("k=2\nl=3\n", {{"k", "1"}}), (Properties{{"k", "1"}, {"l", "3"}}));
 }
 
 TEST(SettingsFormat, EveryTruncationIsReadToItsLastWholePair) {

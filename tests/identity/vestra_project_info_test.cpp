@@ -87,16 +87,6 @@ TEST_F(ProjectInfo, RecordIsLoadedFromTheFile) {
   EXPECT_EQ(identity(), "1\n2\n42\n0\nstored\n");
 }
 
-TEST_F(ProjectInfo, RecordOfAnEmptyFileHasNoIdentifier) {
-  writeIdentity("");
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "");
-  EXPECT_EQ(record.getIteration(), 1U);
-  EXPECT_EQ(record.getOrbeloFlow(), 0);
-  EXPECT_TRUE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n\n");
-}
-
 TEST_F(ProjectInfo, EmptyFileThatIsDatedInTheFutureCountsAsAnOlderRuns) {
   writeIdentity("");
   dateFile(file(), system_clock::now() + std::chrono::hours(24));
@@ -191,20 +181,6 @@ TEST_F(ProjectInfo, RecordIsDueOnceADay) {
   EXPECT_EQ(identity(), "1700086401\n0\n4\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, TimeInTheFutureHoldsReportsBack) {
-  writeIdentity("9223372036854775807\n0\n1\n0\nid\n");
-  record.loadOrCreate();
-  EXPECT_FALSE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "9223372036854775807\n0\n2\n0\nid\n");
-}
-
-TEST_F(ProjectInfo, EarliestTimeIsDue) {
-  writeIdentity("-9223372036854775808\n0\n1\n0\nid\n");
-  record.loadOrCreate();
-  EXPECT_TRUE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
-}
-
 TEST_F(ProjectInfo, AlternativeSimulatorHasATimeOfItsOwn) {
   record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
@@ -226,14 +202,6 @@ TEST_F(ProjectInfo, LabToolAndTheSimulatorShareATime) {
   EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
 }
 
-TEST_F(ProjectInfo, IterationTurnsRoundAtItsTypesEdge) {
-  writeIdentity("0\n0\n-1\n0\nid\n");
-  record.loadOrCreate();
-  EXPECT_EQ(record.getIteration(), 18446744073709551615U);
-  record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n0\n0\n0\nid\n");
-}
-
 TEST_F(ProjectInfo, IterationPastTheSignedRangeIsRefusedTheNextTime) {
   writeIdentity("0\n0\n9223372036854775807\n0\nid\n");
   record.loadOrCreate();
@@ -243,13 +211,6 @@ TEST_F(ProjectInfo, IterationPastTheSignedRangeIsRefusedTheNextTime) {
   VestraProjectInfo next(file(), &handler);
   EXPECT_FALSE(next.loadOrCreate());
   EXPECT_FALSE(vestra_test::exists(file()));
-}
-
-TEST_F(ProjectInfo, AttemptReplacesTheFile) {
-  writeIdentity("0\n0\n1\n0\nid\nand a long tail that the new text does not reach\n");
-  record.loadOrCreate();
-  record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
 }
 
 TEST_F(ProjectInfo, AttemptWritesOurBytesUnderTheHostsLocale) {
