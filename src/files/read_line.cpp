@@ -2,7 +2,7 @@
 
 namespace Oza {
 
-// A stream that is told to throw when it goes bad throws what made it so.
+// With exceptions(badbit), getline rethrows the original exception (bad_alloc).
 bool readLine(std::istream& in, std::string& line, char end) {
   try {
     in.exceptions(std::ios_base::badbit);

@@ -7,10 +7,10 @@
 #include <cerrno>
 
 #include "files/descriptor.h"
-#include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/path_text.h"
 #include "files/permissions.h"
+#include "files/sigxfsz_guard.h"
 #include "files/temporary_file.h"
 
 namespace Oza {
@@ -60,9 +60,9 @@ void writeInPlace(const std::string& path, const std::string& text) {
 }  // namespace
 
 void replaceFile(const std::string& path, const std::string& text) {
-  FileSizeSignalHold hold;
+  SigxfszGuard guard;
   if (replaceByRename(path, text)) {
-    hold.endWithoutSignal();
+    guard.endWithoutSignal();
   } else {
     writeInPlace(path, text);
   }

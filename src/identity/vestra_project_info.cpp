@@ -10,10 +10,10 @@
 #include <boost/filesystem/operations.hpp>
 
 #include "files/file_lock.h"
-#include "files/file_size_signal.h"
 #include "files/open_file.h"
 #include "files/overwrite.h"
 #include "files/path_text.h"
+#include "files/sigxfsz_guard.h"
 #include "handler/vestra_handler.h"
 #include "identity/identity_file.h"
 #include "identity/random_uuid.h"
@@ -121,13 +121,13 @@ bool VestraProjectInfo::emptyUnreadableFile() const {
 // The file is read again: another host may have counted since this one has read it. The
 // lock lasts until the file is closed.
 bool VestraProjectInfo::countIn(const Descriptor& file) {
-  FileSizeSignalHold hold;
+  SigxfszGuard guard;
   lockFile(file, LockKind::EXCLUSIVE, timeBudget);
   const std::optional<std::string> stored = identityTextToOverwrite(file);
   ProjectIdentity next = stored ? mergedWithStored(identity, *stored, identifierIsHosts) : identity;
   const bool due = countAttempt(next, owner->getProductType(), std::time(nullptr));
   if (stored && overwrite(file, *stored, formatProjectIdentity(next))) {
-    hold.endWithoutSignal();
+    guard.endWithoutSignal();
   }
   identity = std::move(next);
   return due;

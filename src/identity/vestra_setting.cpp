@@ -14,9 +14,9 @@
 #include <boost/filesystem/operations.hpp>
 
 #include "files/file_lock.h"
-#include "files/file_size_signal.h"
 #include "files/path_text.h"
 #include "files/read_line.h"
+#include "files/sigxfsz_guard.h"
 #include "identity/fields.h"
 #include "identity/random_uuid.h"
 
@@ -108,7 +108,7 @@ std::string VestraSetting::findOrAppendRandomId(const Descriptor& file) {
   const bool locked = lockFile(file, LockKind::EXCLUSIVE, timeBudget);
   std::string identifier = locked ? randomIdIn(file) : std::string();
   if (identifier.empty()) {
-    FileSizeSignalHold hold;
+    SigxfszGuard guard;
     identifier = randomUuid();
     file.append(std::string(RANDOM_ID) + "=" + identifier + "\n");
   }

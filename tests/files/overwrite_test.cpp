@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "files/file_size_signal.h"
+#include "files/sigxfsz_guard.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
 
@@ -61,7 +61,7 @@ TEST_F(OverwrittenFile, FileThatWasReadInPartIsCutToTheText) {
 }
 
 TEST_F(OverwrittenFile, KeepsTheOldTextWhenTheNewOneExceedsTheSizeLimit) {
-  const FileSizeSignalHold hold;
+  const SigxfszGuard guard;
   writeFile(path, "old text");
   const ScopedFileSizeLimit three(3);
   EXPECT_FALSE(overwrite(Descriptor(path, O_RDWR), "old text", "new text"));
@@ -74,7 +74,7 @@ TEST_F(OverwrittenFile, TakesATextThatIsAsLongAsTheSizeLimit) {
 }
 
 TEST_F(OverwrittenFile, IsNotTouchedWhenTheTextExceedsTheSizeLimit) {
-  const FileSizeSignalHold hold;
+  const SigxfszGuard guard;
   writeFile(path, "");
   const ScopedFileSizeLimit three(3);
   EXPECT_FALSE(overwrite(Descriptor(path, O_RDWR), "", "text"));

@@ -2,24 +2,37 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+
 namespace Oza {
 namespace {
 
-TEST(DirectoryOf, DirectoryKeepsTheFinalSlash) {
-  EXPECT_EQ(directoryOf("/home/ann/.Calvix/Common/2018.2/vestra", 6), "/home/ann/.Calvix/Common/2018.2/");
-  EXPECT_EQ(directoryOf("/p/vestra/.kelvo_vestrra.info", 19), "/p/vestra/");
+TEST(DirectoryOf, IsThePathLessTheNamesLength) {
+  const struct {
+    const char* path;
+    std::size_t nameLength;
+    const char* directory;
+  } rows[] = {
+      {"/home/ann/.Calvix/Common/2018.2/vestra", 6, "/home/ann/.Calvix/Common/2018.2/"},
+      {"/p/vestra/.kelvo_vestrra.info", 19, "/p/vestra/"},
+      // Whatever the name is.
+      {"/a/b/cdef", 6, "/a/"},
+      {"/a/b", 0, "/a/b"},
+      {"vestra", 6, ""},
+      // A shorter path is used whole.
+      {"short", 6, "short"},
+      {"", 6, ""},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(directoryOf(row.path, row.nameLength), row.directory) << row.path;
+  }
 }
 
-TEST(DirectoryOf, DirectoryCutsByLengthAndNotByName) { EXPECT_EQ(directoryOf("/a/b/cdef", 6), "/a/"); }
-
-TEST(DirectoryOf, ExactlyLongEnoughPathIsCutToNothing) { EXPECT_EQ(directoryOf("vestra", 6), ""); }
-
-TEST(DirectoryOf, ShorterPathIsUsedWhole) {
-  EXPECT_EQ(directoryOf("short", 6), "short");
-  EXPECT_EQ(directoryOf("", 6), "");
+TEST(DirectoryOfFile, EndsWithTheLastSlash) {
+  EXPECT_EQ(directoryOfFile("/p/vestra/kelvo_vestra.tcl"), "/p/vestra/");
+  EXPECT_EQ(directoryOfFile("/file"), "/");
+  EXPECT_EQ(directoryOfFile("file"), "");
 }
-
-TEST(DirectoryOf, NameWithoutLengthCutsNothing) { EXPECT_EQ(directoryOf("/a/b", 0), "/a/b"); }
 
 }  // namespace
 }  // namespace Oza

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(ReadLine, ReadingReadsLineByLine) {
+TEST(ReadLine, ReadsLineByLine) {
   std::istringstream in("one\n\ntwo");
   std::string line;
   EXPECT_TRUE(readLine(in, line));
@@ -25,14 +25,14 @@ TEST(ReadLine, ReadingReadsLineByLine) {
   EXPECT_FALSE(readLine(in, line));
 }
 
-TEST(ReadLine, ReadingReadsToTheEndThatIsAskedFor) {
+TEST(ReadLine, ReadsToTheGivenEnd) {
   std::istringstream in("one\ntwo\0three"s);
   std::string line;
   EXPECT_TRUE(readLine(in, line, '\0'));
   EXPECT_EQ(line, "one\ntwo");
 }
 
-TEST(ReadLine, ReadingOfAnEmptyTextGivesNothing) {
+TEST(ReadLine, ReadsNothingFromAnEmptyText) {
   std::istringstream in("");
   std::string line;
   EXPECT_FALSE(readLine(in, line));
@@ -61,7 +61,7 @@ struct ReadError : std::ios_base::failure {
   ReadError() : failure("error reading the file") {}
 };
 
-TEST(ReadLine, ReadErrorEndsTheTextAndLeavesTheStreamBad) {
+TEST(ReadLine, TakesAReadErrorForTheEndAndLeavesTheStreamBad) {
   FailingSource<ReadError> source;
   std::istream in(&source);
   std::string line;
@@ -70,7 +70,7 @@ TEST(ReadLine, ReadErrorEndsTheTextAndLeavesTheStreamBad) {
   EXPECT_FALSE(readLine(in, line));
 }
 
-TEST(ReadLine, RunningOutOfMemoryIsNotTakenForTheEnd) {
+TEST(ReadLine, ThrowsWhenItRunsOutOfMemory) {
   FailingSource<std::bad_alloc> source;
   std::istream in(&source);
   std::string line;

@@ -1,4 +1,4 @@
-#include "files/file_size_signal.h"
+#include "files/sigxfsz_guard.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <functional>
 #include <string>
 
 #include "support/child_process.h"
@@ -37,8 +38,12 @@ void block() {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-/// In a process of its own, where a signal that comes through ends nobody else.
-class FileSizeSignal : public testing::Test {
+std::string state() {
+  return std::string(isBlocked() ? "blocked" : "unblocked") + (isPending() ? ", pending" : "");
+}
+
+/// In a process of its own, since the signal ends it.
+class Sigxfsz : public testing::Test {
  protected:
   std::string writeBeyondTheLimit() const {
     const int file = open((directory / "file").c_str(), O_WRONLY | O_CREAT, 0600);
@@ -53,67 +58,52 @@ class FileSizeSignal : public testing::Test {
     return first + second;
   }
 
+  std::string writeUnderAGuard() const {
+    const SigxfszGuard guard;
+    return writeBeyondTheLimit();
+  }
+
   vestra_test::TemporaryDirectory directory;
 };
 
-TEST_F(FileSizeSignal, SignalEndsTheProcessWithoutAHold) {
+TEST_F(Sigxfsz, EndsTheProcessWithoutAGuard) {
   EXPECT_THROW(inChildProcess([&] { return writeBeyondTheLimit(); }), std::runtime_error);
 }
 
-TEST_F(FileSizeSignal, SignalIsHeldBackSoThatTheWriteOnlyFails) {
-  EXPECT_EQ(inChildProcess([&] {
-              FileSizeSignalHold hold;
-              return writeBeyondTheLimit();
-            }),
-            "three bytes, then EFBIG");
+TEST_F(Sigxfsz, OnlyFailsTheWriteUnderAGuard) {
+  EXPECT_EQ(inChildProcess([&] { return writeUnderAGuard(); }), "three bytes, then EFBIG");
 }
 
-TEST_F(FileSizeSignal, SignalDoesNotComeAfterTheHoldAndTheMaskIsPutBack) {
-  EXPECT_EQ(inChildProcess([&] {
-              {
-                FileSizeSignalHold hold;
-                writeBeyondTheLimit();
-              }
-              return std::string(isBlocked() ? "blocked" : "open") + (isPending() ? ", pending" : "");
-            }),
-            "open");
+TEST_F(Sigxfsz, IsBlockedAndPendingAfterAGuardAsItWasBefore) {
+  const struct {
+    const char* state;
+    std::function<void()> prepare;
+  } rows[] = {
+      {"unblocked", [] {}},
+      {"blocked", block},
+      {"blocked, pending",
+       [] {
+         block();
+         raise(SIGXFSZ);
+       }},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(inChildProcess([&] {
+                row.prepare();
+                writeUnderAGuard();
+                return state();
+              }),
+              row.state);
+  }
 }
 
-TEST_F(FileSizeSignal, SignalStaysBlockedForAHostThatBlocksIt) {
-  EXPECT_EQ(inChildProcess([&] {
-              block();
-              {
-                FileSizeSignalHold hold;
-                writeBeyondTheLimit();
-              }
-              return std::string(isBlocked() ? "blocked" : "open") + (isPending() ? ", pending" : "");
-            }),
-            "blocked");
-}
-
-TEST_F(FileSizeSignal, SignalThatWasPendingBeforeStaysTheHosts) {
-  EXPECT_EQ(inChildProcess([&] {
-              block();
-              raise(SIGXFSZ);
-              {
-                FileSizeSignalHold hold;
-                writeBeyondTheLimit();
-              }
-              return std::string(isPending() ? "pending" : "gone");
-            }),
-            "pending");
-}
-
-TEST_F(FileSizeSignal, SignalLeavesTheHostsHandlerAloneAndInPlace) {
+TEST_F(Sigxfsz, ReachesTheHostsHandlerAfterAGuardOnly) {
   EXPECT_EQ(inChildProcess([&] {
               static volatile std::sig_atomic_t calls = 0;
               struct sigaction action {};
               action.sa_handler = [](int) { calls = calls + 1; };
               sigaction(SIGXFSZ, &action, nullptr);
-              {
-                FileSizeSignalHold hold;
-                writeBeyondTheLimit();
-              }
+              writeUnderAGuard();
               const std::string during = std::to_string(calls);
               raise(SIGXFSZ);
               return during + " then " + std::to_string(calls);

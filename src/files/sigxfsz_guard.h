@@ -1,0 +1,32 @@
+#ifndef VESTRA_FILES_SIGXFSZ_GUARD_H
+#define VESTRA_FILES_SIGXFSZ_GUARD_H
+
+#include <csignal>
+
+namespace Oza {
+
+/// Blocks SIGXFSZ in the calling thread: a write beyond the process's file-size limit
+/// (RLIMIT_FSIZE) only fails, as on a full disk, where the signal would end a host that
+/// has no handler for it.
+///
+/// The destructor discards a signal that such a write has left pending, and restores the
+/// thread's mask. A signal that was pending before stays, and so does the host's handler.
+class SigxfszGuard {
+ public:
+  SigxfszGuard();
+  SigxfszGuard(const SigxfszGuard&) = delete;
+  SigxfszGuard& operator=(const SigxfszGuard&) = delete;
+  ~SigxfszGuard();
+
+  /// Says that every write has succeeded, so that no signal is pending.
+  void endWithoutSignal() { mayBePending = false; }
+
+ private:
+  sigset_t maskBefore;
+  bool mayBePending = true;
+  bool wasPending;
+};
+
+}  // namespace Oza
+
+#endif
