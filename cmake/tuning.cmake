@@ -34,10 +34,10 @@ foreach(target IN LISTS tuned)
   target_compile_options(${target} PRIVATE "$<${whole_program}:-flto;-ffat-lto-objects>")
 endforeach()
 
-# Names are looked up while the host starts, which costs less there than one by one
-# in the midst of its first report; and pages of the file are not filled up.
+# Pages of the file are not filled up. Names are looked up while the host starts, which
+# costs less there than one by one in the midst of its first report: hardening.cmake.
 target_link_options(vestra PRIVATE
-  LINKER:--gc-sections LINKER:-Bsymbolic-functions LINKER:-z,noseparate-code LINKER:-z,now
+  LINKER:--gc-sections LINKER:-Bsymbolic-functions LINKER:-z,noseparate-code
   "$<${whole_program}:-flto;-Os>")
 
 # A library that the library needs and is not linked to would be missed on some systems
