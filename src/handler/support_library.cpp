@@ -45,7 +45,7 @@ void* open() {
   void* handle = dlopen(FILE_NAME, RTLD_LAZY);
   if (handle != nullptr) {
     execPathEntry.lookUp(handle);
-    registrationEntry.lookUp(handle);
+    registrationEntry.lookUp(handle);  // NOMUTATE(order): dlsym calls nothing.
     environmentEntry.lookUp(handle);
   }
   return handle;

@@ -36,6 +36,11 @@ OVERLOADED_OPERATORS = OPERATORS[:1]
 CONDITIONAL_STATEMENTS = (CursorKind.IF_STMT, CursorKind.WHILE_STMT)
 
 
+# `// NOMUTATE(KIND, ...): why` leaves out mutants of these kinds that touch the line, or the
+# next one where it has a line of its own, because nothing that can be observed would change.
+EXEMPT = re.compile(r"// NOMUTATE\(([a-z ,]+)\): \S")
+
+
 @dataclass(frozen=True)
 class Mutant:
     """One mutation: the bytes from `start` to `end` of `file` read `text` instead."""
@@ -48,6 +53,14 @@ class Mutant:
 
     def line(self, source):
         return source.count("\n", 0, self.start) + 1
+
+    def is_exempt(self, source):
+        lines = source.split("\n")
+        first, last = self.line(source) - 1, source.count("\n", 0, self.end)
+        if lines[first - 1].lstrip().startswith("//"):
+            first -= 1
+        marks = (EXEMPT.search(line) for line in lines[first : last + 1])
+        return any(self.kind in mark.group(1).split(", ") for mark in marks if mark)
 
     def applied_to(self, source):
         return source[: self.start] + self.text + source[self.end :]
@@ -277,7 +290,8 @@ def mutants_of(tree, database, file):
     for cursor in unit.cursor.get_children():
         if cursor.location.file and cursor.location.file.name == str(path):
             finder.visit(cursor)
-    return sorted(finder.found.values(), key=lambda m: (m.start, m.end, m.text))
+    found = [m for m in finder.found.values() if not m.is_exempt(source)]
+    return sorted(found, key=lambda m: (m.start, m.end, m.text))
 
 
 def sample(mutants, limit, seed):
