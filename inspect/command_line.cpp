@@ -19,7 +19,7 @@ constexpr const char* FOOTER =
     "Only rehearse starts anything; nothing else changes anything.\n"
     "Exit status: 0 answered, 1 doctor has findings, 2 wrong command line,\n"
     "3 something could not be looked at. rehearse: the program's own; 124 it\n"
-    "leaked, 125 it cannot be held back, 126 and 127 as env(1).";
+    "leaked, 125 it cannot be rehearsed, 126 and 127 as env(1).";
 
 const std::map<std::string, Product> PRODUCTS = {
     {"KELVO", Oza::Vestra::KELVO}, {"KELVO_ALT", Oza::Vestra::KELVO_ALT}, {"TAVLO", Oza::Vestra::TAVLO}};
@@ -53,7 +53,7 @@ void addCommand(CLI::App& app, const char* name, const char* description, Reques
 
 void addRehearsal(CLI::App& app, Request& request) {
   CLI::App* command =
-      app.add_subcommand("rehearse", "run HOST and keep its report back: rehearse -- HOST ARG...");
+      app.add_subcommand("rehearse", "run HOST and intercept its report: rehearse -- HOST ARG...");
   command->fallthrough();
   command->callback([&request] {
     request.command = "rehearse";

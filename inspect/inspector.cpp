@@ -179,7 +179,7 @@ Answer answer(const Request& request, bool onTerminal) {
   } catch (const NotRehearsed& error) {
     return failureOf(request, error.status, error.what());
   } catch (const std::exception& error) {
-    return failureOf(request, request.command == "rehearse" ? CANNOT_BE_HELD_BACK : COULD_NOT_LOOK,
+    return failureOf(request, request.command == "rehearse" ? CANNOT_BE_REHEARSED : COULD_NOT_LOOK,
                      error.what());
   }
 }

@@ -8,7 +8,7 @@
 
 #include "command_line.h"
 #include "inspector.h"
-#include "rehearse/caught.h"
+#include "rehearse/working_copy.h"
 
 namespace {
 
@@ -23,9 +23,11 @@ int write(const vestra::inspect::Answer& answer) {
 
 int main(int count, char** words) {
   using namespace vestra::inspect;
-  // The tool's part in a rehearsal that lost its shim.
-  if (count > 2 && std::strcmp(words[1], "caught") == 0) {
-    return keepWhatWasCaught(words[2], {words + 3, words + count});
+  // The main design tool's part in a rehearsal that did not intercept the report:
+  // intercepted RECORD -mode batch -source SCRIPT -notrace
+  if (count > 6 && std::strcmp(words[1], "intercepted") == 0) {
+    keepLeak(words[2], words[6]);
+    return 0;
   }
   const CommandLine line = readCommandLine(count, words);
   if (line.exitStatus) {

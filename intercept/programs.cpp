@@ -180,7 +180,7 @@ VESTRA_INTERPOSED int execle(const char* path, const char* first, ...) noexcept 
 
 VESTRA_INTERPOSED int posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* actions,
                                   const posix_spawnattr_t* attributes, char* const* words,
-                                  char* const* environment) noexcept {
+                                  char* const* environment) {
   return withEnvironment(path, environment, [&](char* const* completed) {
     return NEXT(posix_spawn)(process, path, actions, attributes, words, completed);
   });
@@ -189,7 +189,7 @@ VESTRA_INTERPOSED int posix_spawn(pid_t* process, const char* path, const posix_
 VESTRA_INTERPOSED int posix_spawnp(pid_t* process, const char* file,
                                    const posix_spawn_file_actions_t* actions,
                                    const posix_spawnattr_t* attributes, char* const* words,
-                                   char* const* environment) noexcept {
+                                   char* const* environment) {
   return withEnvironment(file, environment, [&](char* const* completed) {
     return NEXT(posix_spawnp)(process, file, actions, attributes, words, completed);
   });

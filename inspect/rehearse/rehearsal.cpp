@@ -1,10 +1,9 @@
 #include "rehearse/rehearsal.h"
 
-#include <sys/wait.h>
+#include <sys/random.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <map>
 #include <stdexcept>
@@ -14,21 +13,24 @@
 
 #include "facts/facts.h"
 #include "handler/product_profile.h"
+#include "intercept/intercept.h"
+#include "rehearse/directory.h"
 #include "rehearse/fingerprint.h"
+#include "rehearse/program_run.h"
 #include "rehearse/rehearsed.h"
+#include "rehearse/variables.h"
 #include "render/answers.h"
 #include "render/json_text.h"
 
 namespace vestra::inspect {
 namespace {
 
-constexpr int MAY_NOT_BE_RUN = 126;
-constexpr int NOT_FOUND = 127;
+namespace fs = boost::filesystem;
 
-/// Where the shim and the catching library lie, by where this program lies.
-std::string libraryDirectory() {
-  const boost::filesystem::path self = boost::filesystem::read_symlink("/proc/self/exe");
-  return boost::filesystem::weakly_canonical(self.parent_path() / LIBRARIES_FROM_HERE).string();
+/// Where the preloaded object lies, by where this program lies.
+std::string preloadedObject() {
+  const fs::path self = fs::read_symlink("/proc/self/exe");
+  return (fs::weakly_canonical(self.parent_path() / LIBRARIES_FROM_HERE) / "libvestra_rehearsal.so").string();
 }
 
 /// As execvp looks; empty when there is no such program.
@@ -48,24 +50,27 @@ std::string pathOfProgram(const std::string& word, const View& view) {
   return "";
 }
 
-/// What must be the same afterwards: the settings, and the identity of each directory that the
-/// command line names.
-class Witness {
+/// The files that must be the same afterwards: the settings, and the identity of each directory that
+/// the command line names.
+class WatchedFiles {
  public:
-  Witness(const Request& request, const View& view) {
+  WatchedFiles(const Request& request, const View& view) {
     watch(view.settingsPath());
     watchProject(view.currentDirectory);
     for (const std::string& word : request.program) {
       const std::size_t value = word.find('=') + 1;
-      watchProject(boost::filesystem::absolute(word, view.currentDirectory).string());
-      watchProject(boost::filesystem::absolute(word.substr(value), view.currentDirectory).string());
+      watchProject(fs::absolute(word, view.currentDirectory).string());
+      watchProject(fs::absolute(word.substr(value), view.currentDirectory).string());
     }
   }
 
-  void watch(const std::string& path) { before.emplace(path, fingerprintOf(path)); }
-  void noteBefore(const std::string& path, const std::string& fingerprint) { before[path] = fingerprint; }
-
-  std::vector<std::string> changed() const {
+  /// Those that the intercepted reports know of too.
+  std::vector<std::string> changedAfter(const std::vector<Rehearsed>& reports) {
+    for (const Rehearsed& each : reports) {
+      if (!each.isLeak()) {
+        before[identityOf(each.directory)] = each.before;
+      }
+    }
     std::vector<std::string> paths;
     for (const auto& [path, fingerprint] : before) {
       if (fingerprintOf(path) != fingerprint) {
@@ -75,93 +80,122 @@ class Witness {
     return paths;
   }
 
+ private:
   static std::string identityOf(const std::string& directory) {
     return Oza::vestraDirectoryOf(directory) + Oza::PROJECT_IDENTITY_FILE;
   }
 
- private:
+  void watch(const std::string& path) { before.emplace(path, fingerprintOf(path)); }
   void watchProject(const std::string& directory) { watch(identityOf(directory)); }
 
   std::map<std::string, std::string> before;
 };
 
-std::string makeDirectory(const View& view) {
-  const std::string place = view.isSwitchedOn("TMPDIR") ? view.variable("TMPDIR") : "/tmp";
-  std::string name = place + "/vestra-rehearsal-XXXXXX";
-  if (mkdtemp(name.data()) == nullptr) {
-    throw std::runtime_error(fmt::format("no directory can be made in {}", place));
+std::string randomName() {
+  std::uint64_t bits[2] = {};
+  if (getrandom(bits, sizeof bits, 0) != sizeof bits) {
+    throw std::runtime_error("the system gives no random numbers");
   }
-  boost::filesystem::create_directory(name + PRIVATE_DIRECTORY);
-  return name;
+  return fmt::format("{:016x}{:016x}", bits[0], bits[1]);
 }
 
-void prepend(const char* variable, const std::string& value, const char* separator) {
-  const char* old = std::getenv(variable);
-  setenv(variable, old == nullptr || *old == '\0' ? value.c_str() : (value + separator + old).c_str(), 1);
+/// What others could replace or, where root's program gives up root, could not reach.
+void refuseUnsafe(const std::string& path, const struct stat& status) {
+  const bool isOwn = status.st_uid == geteuid() || status.st_uid == 0;
+  const bool isSticky = (status.st_mode & S_ISVTX) != 0;
+  if (!isSticky && (!isOwn || (status.st_mode & S_IWOTH) != 0)) {
+    throw std::runtime_error(path + ": others can replace what is in it; set TMPDIR to another directory");
+  }
+  for (fs::path each = path; geteuid() == 0 && !each.empty(); each = each.parent_path()) {
+    struct stat part {};
+    if (stat(each.c_str(), &part) != 0 || (part.st_mode & S_IXOTH) == 0) {
+      throw std::runtime_error(each.string() + ": a program that gives up root cannot reach what is in it, " +
+                               "and could not be rehearsed; set TMPDIR to another directory");
+    }
+  }
 }
 
-/// The second belt stands only where there is a library that would do: without one, the host
-/// has to find none.
-void setEnvironment(const std::string& directory, const View& view) {
-  const std::string libraries = libraryDirectory();
-  setenv(DIRECTORY_VARIABLE, directory.c_str(), 1);
-  prepend("LD_PRELOAD", libraries + "/libvestra_rehearsal.so", ":");
+/// The folder of one rehearsal. The processes write to a part of it whose name cannot be guessed,
+/// since root's may become anybody's.
+class RehearsalFolder {
+ public:
+  explicit RehearsalFolder(const View& view)
+      : parentPath(fs::canonical(view.isSwitchedOn("TMPDIR") ? view.variable("TMPDIR") : "/tmp").string()),
+        parent(parentPath),
+        name("vestra-rehearsal-" + randomName().substr(0, 8)),
+        recordName(randomName()) {
+    refuseUnsafe(parentPath, parent.status());
+    folder.emplace(parent.make(name, geteuid() == 0 ? 0711 : 0700));
+    record.emplace(folder->make(recordName, geteuid() == 0 ? 0777 : 0700));
+  }
+  RehearsalFolder(const RehearsalFolder&) = delete;
+  RehearsalFolder& operator=(const RehearsalFolder&) = delete;
+  /// Leaves what was kept.
+  ~RehearsalFolder() {
+    folder->remove(recordName);
+    if (!keepsAny) {
+      parent.remove(name);
+    }
+  }
+
+  std::string path() const { return parentPath + "/" + name; }
+  std::string recordPath() const { return path() + "/" + recordName; }
+
+  Rehearsal read(const View& view) {
+    Rehearsal rehearsal = readRehearsal({*folder, path()}, {*record, recordPath()}, view);
+    for (const Rehearsed& each : rehearsal.reports) {
+      keepsAny = keepsAny || !each.folder.empty();
+    }
+    return rehearsal;
+  }
+
+ private:
+  std::string parentPath;
+  Directory parent;
+  std::string name;
+  std::string recordName;
+  std::optional<Directory> folder;
+  std::optional<Directory> record;
+  bool keepsAny = false;
+};
+
+/// The support library of the loader's cache and default directories: the search path of each
+/// process is its own.
+std::string cachedSupportLibrary(View view) {
+  view.host.clear();
+  view.environment.erase("LD_LIBRARY_PATH");
+  view.environment.erase("LD_PRELOAD");
   const SupportFacts support = lookAtSupport(view);
-  if (support.opens() && support.missingEntryPoints.empty()) {
-    setenv(SUPPORT_VARIABLE, boost::filesystem::absolute(support.search.chosen).c_str(), 1);
-    setenv(CAUGHT_VARIABLE,
-           (shellWord(boost::filesystem::read_symlink("/proc/self/exe").string()) + " caught " +
-            shellWord(directory))
-               .c_str(),
-           1);
-    prepend("LD_LIBRARY_PATH", libraries, ":");
-  }
+  return support.search.chosen;
 }
 
-int statusOf(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
-
-/// An interrupt from the terminal is the program's. Where a document is wanted, the standard
-/// output is the document's alone.
-int run(const std::string& program, const Request& request) {
-  std::vector<char*> words;
-  for (const std::string& word : request.program) {
-    words.push_back(const_cast<char*>(word.c_str()));
+std::vector<std::string> environmentFor(const View& view, const std::string& record) {
+  Environment environment = view.environment;
+  const std::string object = preloadedObject();
+  const std::string self = fs::read_symlink("/proc/self/exe").string();
+  const std::string preloaded = view.variable("LD_PRELOAD");
+  const std::string support = cachedSupportLibrary(view);
+  environment["LD_PRELOAD"] = preloaded.empty() ? object : object + ":" + preloaded;
+  environment[PRELOAD_VARIABLE] = object;
+  environment[RECORD_VARIABLE] = record;
+  environment[TOOL_VARIABLE] = shellWord(self) + " intercepted " + shellWord(record);
+  environment.erase(SUPPORT_VARIABLE);
+  if (!support.empty()) {
+    environment[SUPPORT_VARIABLE] = support;
   }
-  words.push_back(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    if (request.asJson) {
-      dup2(STDERR_FILENO, STDOUT_FILENO);
-    }
-    execv(program.c_str(), words.data());
-    _exit(errno == ENOENT ? NOT_FOUND : MAY_NOT_BE_RUN);
+  std::vector<std::string> entries;
+  for (const auto& [name, value] : environment) {
+    entries.push_back(name + "=" + value);
   }
-  std::signal(SIGINT, SIG_IGN);
-  std::signal(SIGQUIT, SIG_IGN);
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  return statusOf(status);
+  return entries;
 }
 
-/// What the reports left behind them at their places of before.
-std::vector<std::string> changedAfter(const std::vector<Rehearsed>& reports, Witness& witness) {
-  for (const Rehearsed& each : reports) {
-    if (!each.directory.empty()) {
-      witness.noteBefore(Witness::identityOf(each.directory),
-                         readFileAt(each.folder + "/before").text.value_or(""));
-    }
-  }
-  return witness.changed();
+std::chrono::milliseconds timeLimit(const View& view) {
+  const std::string limit = view.variable(LIMIT_VARIABLE);
+  return std::chrono::milliseconds(limit.empty() ? DEFAULT_LIMIT : std::atoi(limit.c_str()));
 }
 
-Answer tell(const Request& request, const View& view, const std::string& directory, int status,
-            Witness& witness) {
-  Rehearsal rehearsal = readRehearsal(directory, view);
-  rehearsal.changed = changedAfter(rehearsal.reports, witness);
-  rehearsal.status = rehearsal.isCertain() ? status : LEAKED;
-  boost::system::error_code error;
-  boost::filesystem::remove_all(directory + (rehearsal.reports.empty() ? "" : PRIVATE_DIRECTORY), error);
+Answer answerFor(const Request& request, const Rehearsal& rehearsal) {
   const Redaction redaction = request.isRedacted ? Redaction(rehearsal.facts) : Redaction();
   if (request.asJson) {
     return {rehearsal.status, rehearsalDocument(rehearsal, redaction), ""};
@@ -169,6 +203,16 @@ Answer tell(const Request& request, const View& view, const std::string& directo
   Page page(false, redaction);
   writeRehearsal(rehearsal, page);
   return {rehearsal.status, "", page.text()};
+}
+
+void refuseUnobservable(const std::string& program) {
+  const intercept::Unobservable judged = intercept::judgeProgram(program.c_str());
+  if (judged.reason != nullptr) {
+    throw std::runtime_error(fmt::format("{} {}. It was not started", judged.path, judged.reason));
+  }
+  if (!lookAt(preloadedObject()).isRegular()) {
+    throw std::runtime_error(preloadedObject() + " is not installed. The program was not started");
+  }
 }
 
 }  // namespace
@@ -181,18 +225,19 @@ Answer rehearse(const Request& request, const View& view) {
   if (access(program.c_str(), X_OK) != 0 || !lookAt(program).isRegular()) {
     throw NotRehearsed(MAY_NOT_BE_RUN, program + ": may not be run");
   }
-  const std::string obstacle = whyNotHeldBack(program);
-  if (!obstacle.empty() || !lookAt(libraryDirectory() + "/libvestra_rehearsal.so").isRegular()) {
-    throw std::runtime_error((obstacle.empty() ? "the shim is not installed" : obstacle) +
-                             ". It was not started");
+  refuseUnobservable(program);
+  WatchedFiles watched(request, view);
+  RehearsalFolder folder(view);
+  const ProgramEnd end = runProgram(program, request.program, environmentFor(view, folder.recordPath()),
+                                    request.asJson, timeLimit(view));
+  Rehearsal rehearsal = folder.read(view);
+  for (const std::string& process : end.stillRunning) {
+    rehearsal.unobserved.push_back("process " + process + " still runs");
   }
-  Witness witness(request, view);
-  View hostView = view;
-  hostView.host = program;
-  const std::string directory = makeDirectory(view);
-  setEnvironment(directory, hostView);
-  const int status = run(program, request);
-  return tell(request, view, directory, status, witness);
+  const std::vector<std::string> changed = watched.changedAfter(rehearsal.reports);
+  rehearsal.leaked.insert(rehearsal.leaked.end(), changed.begin(), changed.end());
+  rehearsal.status = rehearsal.isCertain() ? end.status : LEAKED;
+  return answerFor(request, rehearsal);
 }
 
 }  // namespace vestra::inspect

@@ -10,10 +10,12 @@
 
 namespace vestra::inspect {
 
-/// The status of a rehearsal that let something through.
+/// The status of a rehearsal that did not intercept every report.
 inline constexpr int LEAKED = 124;
-/// The status of a program that cannot be held back, and was not started.
-inline constexpr int CANNOT_BE_HELD_BACK = 125;
+/// The status of a program that cannot be rehearsed, and was not started.
+inline constexpr int CANNOT_BE_REHEARSED = 125;
+inline constexpr int MAY_NOT_BE_RUN = 126;
+inline constexpr int NOT_FOUND = 127;
 
 /// The program was not run at all.
 struct NotRehearsed : std::runtime_error {
@@ -22,14 +24,10 @@ struct NotRehearsed : std::runtime_error {
   int status;
 };
 
-/// Runs the program with its reports held back, and tells what they would have been.
+/// Runs the program with its reports intercepted, and tells what they would have been.
 /// @throws NotRehearsed when there is no such program, or it may not be run.
-/// @throws std::runtime_error when the program cannot be held back: it was not started.
+/// @throws std::runtime_error when its reports cannot be intercepted: it was not started.
 Answer rehearse(const Request& request, const View& view);
-
-/// Why the shim would not hold the program; empty when it does. A script is held by what
-/// interprets it.
-std::string whyNotHeldBack(const std::string& program);
 
 }  // namespace vestra::inspect
 

@@ -1,11 +1,13 @@
 #include "rehearse/rehearsed.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include <fmt/format.h>
 
 #include "handler/product_profile.h"
+#include "intercept/fields.h"
+#include "intercept/intercept.h"
+#include "rehearse/variables.h"
 #include "render/json_text.h"
 
 namespace vestra::inspect {
@@ -32,12 +34,56 @@ std::optional<ReportFacts> reportIn(const std::string& folder, const PersonFacts
   return std::nullopt;
 }
 
-Rehearsed readRehearsed(const std::string& folder, const View& view) {
-  const auto noted = [&](const char* name) { return readFileAt(folder + "/" + name).text; };
-  Rehearsed each{folder, noted("directory").value_or(""), noted("answer").value_or(""), noted("command"), {},
-                 {}};
-  each.report = reportIn(folder, lookAtPerson(view));
-  if (each.report && !each.isCaught()) {
+/// The real project's path in the place of a working copy's.
+std::string withRealProject(const std::string& script, const Place& record) {
+  for (int number = 1; const auto report = record.directory.enter(std::to_string(number)); ++number) {
+    const std::string copy = fmt::format("{}/{}/project/", record.path, number);
+    if (script.rfind(copy, 0) == 0) {
+      return report->read(DIRECTORY_FILE).value_or("") + "/" + script.substr(copy.size());
+    }
+  }
+  return script;
+}
+
+std::string parentOf(const std::string& path) { return path.substr(0, path.find_last_of('/')); }
+
+/// Makes the folder only for a report that was written.
+void keepFiles(const Directory& report, const Place& kept, const std::string& number, Rehearsed& each) {
+  std::optional<Directory> folder;
+  for (const Product product : {Oza::Vestra::KELVO, Oza::Vestra::TAVLO}) {
+    const Oza::ProductProfile& profile = Oza::profileOf(product);
+    for (const std::string name : {profile.script, profile.rules, COMMAND_FILE}) {
+      const auto text = report.read(name);
+      if (!text || (folder && folder->read(name))) {
+        continue;
+      }
+      if (!folder) {
+        folder.emplace(kept.directory.make(number, S_IRWXU));
+        each.folder = kept.path + "/" + number;
+      }
+      folder->write(name, *text);
+    }
+  }
+}
+
+Rehearsed readRehearsed(const Directory& report, const std::string& number, const Place& kept,
+                        const Place& record, const View& view) {
+  const auto noted = [&](const char* name) { return report.read(name).value_or(""); };
+  Rehearsed each;
+  each.directory = noted(DIRECTORY_FILE);
+  each.before = noted(BEFORE_FILE);
+  each.answer = noted(ANSWER_FILE);
+  each.command = report.read(COMMAND_FILE);
+  if (const auto script = report.read(LEAK_FILE)) {
+    each.leakedScript = withRealProject(*script, record);
+    each.directory = parentOf(parentOf(each.leakedScript));
+  }
+  keepFiles(report, kept, number, each);
+  if (each.folder.empty()) {
+    return each;
+  }
+  each.report = reportIn(each.folder, lookAtPerson(view));
+  if (each.report && !each.isLeak()) {
     each.examples = examplesIn(each.directory, view);
   }
   return each;
@@ -46,14 +92,27 @@ Rehearsed readRehearsed(const std::string& folder, const View& view) {
 /// For programs: beside the script.
 void keepDocument(const Rehearsed& each) {
   if (each.report) {
-    std::ofstream(each.folder + "/report.json") << reportDocument(*each.report, Redaction());
+    Directory(each.folder).write("report.json", reportDocument(*each.report, Redaction()));
   }
 }
 
+/// Programs that could not be observed. Those with an environment of their own could: it was
+/// completed.
+std::vector<std::string> unobservedIn(const Directory& record) {
+  const std::string text = record.read(intercept::UNOBSERVED_RECORD).value_or("");
+  const std::vector<std::string> fields = intercept::fieldsIn(text);
+  std::vector<std::string> phrases;
+  for (std::size_t i = 0; i + 2 <= fields.size(); i += 2) {
+    if (fields[i + 1] != intercept::OWN_ENVIRONMENT) {
+      phrases.push_back(fields[i] + " " + fields[i + 1]);
+    }
+  }
+  return phrases;
+}
+
 std::string headOf(const Rehearsed& each) {
-  return each.isCaught() ? "caught a report on its way to the tool"
-                         : fmt::format("held back one report{} for {}",
-                                       each.report ? " of " + each.report->product : "", each.directory);
+  return fmt::format("{} one report{} for {}", each.isLeak() ? "did not intercept" : "intercepted",
+                     each.report ? " of " + each.report->product : "", each.directory);
 }
 
 std::string fateOf(const Rehearsed& each) {
@@ -79,7 +138,7 @@ void writeReportLines(const Rehearsed& each, Page& page) {
 
 void writeRehearsed(const Rehearsed& each, Page& page) {
   page.verdict("vestra-inspect: " + headOf(each));
-  if (!each.isCaught()) {
+  if (!each.isLeak()) {
     page.paragraph(2, fateOf(each));
   }
   if (each.report) {
@@ -92,11 +151,20 @@ void writeRehearsed(const Rehearsed& each, Page& page) {
   }
 }
 
+void writeUnobserved(const Rehearsal& rehearsal, Page& page) {
+  for (const std::string& each : rehearsal.unobserved) {
+    page.paragraph(2, "not observed: " + each);
+  }
+  if (!rehearsal.unobserved.empty()) {
+    page.paragraph(2, "what is not observed reports as ever");
+  }
+}
+
 }  // namespace
 
 const char* Rehearsed::outcome() const {
-  if (isCaught() || answer.empty()) {
-    return isCaught() ? "caught" : "unknown";
+  if (isLeak() || answer.empty()) {
+    return isLeak() ? "leaked" : "unknown";
   }
   if (answer == "f") {
     return report ? "not_due" : "nothing";
@@ -105,44 +173,51 @@ const char* Rehearsed::outcome() const {
 }
 
 bool Rehearsal::isCertain() const {
-  return changed.empty() &&
+  return leaked.empty() &&
          std::none_of(reports.begin(), reports.end(), [](const Rehearsed& each) { return each.isUnknown(); });
 }
 
 std::string Rehearsal::verdict() const {
-  if (!changed.empty()) {
-    return "LEAKED: your program reported for real";
+  if (!leaked.empty()) {
+    return "LEAKED: not every report was intercepted";
   }
-  return reports.empty() ? "the program asked for no report" : headOf(reports.front());
+  return reports.empty() ? "no call of send was intercepted; a process without the rehearsal's environment "
+                           "would have reported"
+                         : headOf(reports.front());
 }
 
-Rehearsal readRehearsal(const std::string& directory, const View& view) {
+Rehearsal readRehearsal(const Place& kept, const Place& record, const View& view) {
   Rehearsal rehearsal;
-  for (int number = 1; lookAt(fmt::format("{}/{}", directory, number)).exists(); ++number) {
-    rehearsal.reports.push_back(readRehearsed(fmt::format("{}/{}", directory, number), view));
+  for (int number = 1; const auto report = record.directory.enter(std::to_string(number)); ++number) {
+    rehearsal.reports.push_back(readRehearsed(*report, std::to_string(number), kept, record, view));
   }
-  const bool isNamed = !rehearsal.reports.empty() && !rehearsal.reports.front().isCaught();
-  rehearsal.facts =
-      lookAtAll(view, isNamed ? rehearsal.reports.front().directory : view.currentDirectory, {});
+  rehearsal.unobserved = unobservedIn(record.directory);
+  rehearsal.facts = lookAtAll(
+      view, rehearsal.reports.empty() ? view.currentDirectory : rehearsal.reports.front().directory, {});
   for (const Rehearsed& each : rehearsal.reports) {
     keepDocument(each);
     if (each.report) {
       rehearsal.facts.reports.push_back(*each.report);
+    }
+    if (each.isLeak()) {
+      rehearsal.leaked.push_back(each.leakedScript);
     }
   }
   return rehearsal;
 }
 
 void writeRehearsal(const Rehearsal& rehearsal, Page& page) {
-  for (const std::string& path : rehearsal.changed) {
-    page.verdict(fmt::format("{}, {} has changed", rehearsal.verdict(), path));
+  if (!rehearsal.leaked.empty() || rehearsal.reports.empty()) {
+    page.verdict("vestra-inspect: " + rehearsal.verdict());
+  }
+  for (const std::string& path : rehearsal.leaked) {
+    page.paragraph(2, path);
   }
   for (const Rehearsed& each : rehearsal.reports) {
     writeRehearsed(each, page);
   }
-  if (rehearsal.reports.empty() && rehearsal.changed.empty()) {
-    page.verdict("vestra-inspect: " + rehearsal.verdict());
-  } else if (rehearsal.changed.empty()) {
+  writeUnobserved(rehearsal, page);
+  if (!rehearsal.reports.empty() && rehearsal.leaked.empty()) {
     page.paragraph(2, "checked: settings and identity file are as before; the day is not used");
   }
   if (rehearsal.reports.size() > 1) {

@@ -6,16 +6,21 @@
 #include <vector>
 
 #include "facts/facts.h"
+#include "rehearse/directory.h"
 #include "render/page.h"
 
 namespace vestra::inspect {
 
-/// One report that was held back.
+/// One report of a rehearsal.
 struct Rehearsed {
-  /// Where it is kept.
+  /// Where it is kept; empty for one that was not written.
   std::string folder;
-  /// The project; empty for one that only the second belt caught.
+  /// The project.
   std::string directory;
+  /// The script of a report that was not intercepted; empty for one that was.
+  std::string leakedScript;
+  /// The fingerprint of the project's identity file before.
+  std::string before;
   /// How `send` ended: "t", "f", or "l" or "r" and the text of a logic or runtime error. Empty when
   /// that is not known.
   std::string answer;
@@ -25,9 +30,9 @@ struct Rehearsed {
   /// Identifiers in it that the real run will draw anew: "project_id", "random_id".
   std::vector<std::string> examples;
 
-  bool isCaught() const { return directory.empty(); }
-  bool isUnknown() const { return !isCaught() && answer.empty(); }
-  /// "reports", "not_due", "nothing", "throws", "unknown", "caught"
+  bool isLeak() const { return !leakedScript.empty(); }
+  bool isUnknown() const { return !isLeak() && answer.empty(); }
+  /// "reports", "not_due", "nothing", "throws", "unknown", "leaked"
   const char* outcome() const;
 };
 
@@ -36,20 +41,28 @@ struct Rehearsal {
   /// Whose reports they are; the reports among them.
   Facts facts;
   std::vector<Rehearsed> reports;
-  /// Files that the program changed though it was to be held back.
-  std::vector<std::string> changed;
+  /// Scripts of reports that were not intercepted, and files that changed though they should not.
+  std::vector<std::string> leaked;
+  /// Processes whose reports may not have been intercepted, a phrase each.
+  std::vector<std::string> unobserved;
   /// The status to leave with.
   int status = 0;
 
-  /// Whether nothing went, as far as can be seen.
+  /// Whether every report that was seen was intercepted.
   bool isCertain() const;
   /// The first line of its account.
   std::string verdict() const;
 };
 
-/// Reads what the shim and the catching library kept in a rehearsal's directory, and keeps each report as a
-/// document beside its script.
-Rehearsal readRehearsal(const std::string& directory, const View& view);
+/// A directory and its path.
+struct Place {
+  const Directory& directory;
+  std::string path;
+};
+
+/// Reads what was recorded, and keeps each report in a folder with the same number: script, rules file,
+/// and a document.
+Rehearsal readRehearsal(const Place& kept, const Place& record, const View& view);
 
 void writeRehearsal(const Rehearsal& rehearsal, Page& page);
 

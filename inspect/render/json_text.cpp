@@ -222,8 +222,8 @@ struct Writer {
 
   Json rehearsed(const Rehearsed& each) const {
     const bool throws = each.outcome() == std::string("throws");
-    return {{"folder", text(each.folder)},
-            {"directory", each.isCaught() ? Json() : text(each.directory)},
+    return {{"folder", each.folder.empty() ? Json() : text(each.folder)},
+            {"directory", text(each.directory)},
             {"outcome", each.outcome()},
             {"exception", throws ? text(each.answer.substr(1)) : Json()},
             {"command", each.command ? text(*each.command) : Json()},
@@ -234,7 +234,8 @@ struct Writer {
   Json rehearsal(const Rehearsal& known) const {
     Json document = head(known.facts, "rehearse", known.verdict());
     document["status"] = known.status;
-    document["leaked"] = texts(known.changed);
+    document["leaked"] = texts(known.leaked);
+    document["unobserved"] = texts(known.unobserved);
     document["rehearsed"] = listOf(known.reports, [&](const Rehearsed& each) { return rehearsed(each); });
     return document;
   }

@@ -5,8 +5,8 @@
 
 #include <vestra/testkit/test_framework.h>
 
+#include "intercept/fields.h"
 #include "recorder/bytes.h"
-#include "recorder/fields.h"
 #include "recorder/recording.h"
 
 namespace vestra::testkit {
@@ -65,7 +65,7 @@ std::vector<FailedAssertion> failAsRecorded(const std::string& directory, const 
     return {};
   }
   std::vector<FailedAssertion> assertions;
-  const auto fields = fieldsIn(bytesOf(directory + "/" + RECORD).value_or(""));
+  const auto fields = intercept::fieldsIn(bytesOf(directory + "/" + RECORD).value_or(""));
   for (std::size_t i = 0; i + FIELDS <= fields.size(); i += FIELDS) {
     assertions.push_back({fields[i], std::stoi(fields[i + 1]), fields[i + 2]});
     knownFramework()->fail(assertions.back());

@@ -9,8 +9,8 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "intercept/fields.h"
 #include "recorder/bytes.h"
-#include "recorder/fields.h"
 #include "sandbox/keeper.h"
 
 namespace vestra::testkit {
@@ -65,7 +65,7 @@ ForkedProcess::~ForkedProcess() {
 ProcessEnd ForkedProcess::wait() {
   waitFor(keeper);
   reaped = true;
-  const auto fields = fieldsIn(bytesOf(endFile).value_or(""));
+  const auto fields = intercept::fieldsIn(bytesOf(endFile).value_or(""));
   ProcessEnd end;
   if (fields.size() < 2) {
     end.signal = SIGKILL;

@@ -1,7 +1,5 @@
 #include "sandbox/keeper.h"
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -10,14 +8,12 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <set>
-#include <sstream>
 #include <vector>
 
+#include "intercept/child_processes.h"
+#include "intercept/fields.h"
 #include "recorder/bytes.h"
-#include "recorder/fields.h"
 
 namespace vestra::testkit {
 namespace {
@@ -26,43 +22,6 @@ using Clock = std::chrono::steady_clock;
 
 /// How long what the child has started may take to notice its end.
 constexpr std::chrono::milliseconds GRACE{100};
-
-std::string textOf(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-/// Behind the name, which may hold anything but ends with the last parenthesis.
-pid_t parentOf(const std::string& process) {
-  const std::string stat = textOf("/proc/" + process + "/stat");
-  std::istringstream rest(stat.substr(stat.rfind(')') + 1));
-  char state = 0;
-  pid_t parent = 0;
-  rest >> state >> parent;
-  return parent;
-}
-
-std::string commandLineOf(pid_t process) {
-  std::string words = textOf("/proc/" + std::to_string(process) + "/cmdline");
-  while (!words.empty() && words.back() == '\0') {
-    words.pop_back();
-  }
-  std::replace(words.begin(), words.end(), '\0', ' ');
-  return words.empty() ? "process " + std::to_string(process) : words;
-}
-
-std::vector<pid_t> children() {
-  std::vector<pid_t> found;
-  DIR* processes = opendir("/proc");
-  while (const dirent* entry = processes != nullptr ? readdir(processes) : nullptr) {
-    const bool isProcess = *entry->d_name >= '0' && *entry->d_name <= '9';
-    if (isProcess && parentOf(entry->d_name) == getpid()) {
-      found.push_back(std::atoi(entry->d_name));
-    }
-  }
-  closedir(processes);
-  return found;
-}
 
 /// Whatever another process waits for the end of, a pipe for example, must not stay open here.
 void closeAllButStandardStreams() {
@@ -106,7 +65,7 @@ class Keeper {
     std::vector<std::string_view> fields(outliving.begin(), outliving.end());
     const std::string text = std::to_string(status);
     fields.insert(fields.begin(), {text, timedOut ? "timed out" : "ended"});
-    writeBytes(path, joinedFields(fields));
+    writeBytes(path, intercept::joinedFields(fields));
   }
 
  private:
@@ -144,9 +103,9 @@ class Keeper {
   // be ended is left.
   void killAll() {
     bool isAnyEnded = false;
-    for (const pid_t process : children()) {
+    for (const pid_t process : intercept::childProcesses()) {
       if (process != child && known.insert(process).second && !timedOut) {
-        outliving.push_back(commandLineOf(process));
+        outliving.push_back(intercept::commandLineOf(process));
       }
       isAnyEnded = kill(process, SIGKILL) == 0 || isAnyEnded;
     }

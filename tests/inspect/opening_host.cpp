@@ -1,13 +1,13 @@
 // A host that opens the library at run time.
 //
-//     opening_host LIBRARY PROJECT_DIRECTORY
+//     opening_host LIBRARY PROJECT_DIRECTORY [deep]
 
 #include <dlfcn.h>
 
 #include <iostream>
 
-int main(int, char** words) {
-  void* library = dlopen(words[1], RTLD_NOW | RTLD_LOCAL);
+int main(int count, char** words) {
+  void* library = dlopen(words[1], RTLD_NOW | (count > 3 ? RTLD_DEEPBIND : RTLD_LOCAL));
   if (library == nullptr) {
     std::cout << dlerror() << '\n';
     return 1;

@@ -37,12 +37,12 @@ Place::Place() {
   fs::create_directories(home());
   fs::create_directories(project());
   putInto(VESTRA_INSPECT, programs() + "/bin");
-  for (const char* program : {ITEMS_HOST, LAB_TOOL, OPENING_HOST, SET_CLOCK, SIMULATOR}) {
+  for (const char* program : {ITEMS_HOST, LAB_TOOL, OPENING_HOST, OWN_SYSTEM_HOST, RPATH_HOST, SET_CLOCK,
+                              SIMULATOR, UNUSUAL_HOST}) {
     putInto(program, programs() + "/bin");
   }
   putInto(VESTRA_LIBRARY, programs() + "/bin", "libvestra.so.1");
-  putInto(REHEARSAL_SHIM, programs() + "/" INSPECT_LIBDIR);
-  putInto(REHEARSAL_SUPPORT, programs() + "/" INSPECT_LIBDIR);
+  putInto(REHEARSAL_OBJECT, programs() + "/" INSPECT_LIBDIR);
   putInto(SUPPORT_LIBRARY, support());
   fs::create_directories(elsewhere());
   for (const std::string& each :

@@ -1,12 +1,17 @@
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <ctime>
+#include <functional>
+#include <ostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <boost/filesystem/operations.hpp>
 
 #include "inspect/place.h"
 #include "support/files.h"
+#include "support/special_files.h"
 
 namespace vestra_test {
 namespace {
@@ -59,9 +64,22 @@ class Rehearsal : public testing::Test {
     run({"sh", "-c", "rm -rf " + (place / "temporary/") + "vestra-rehearsal-*"});
   }
 
+  /// A program that names no loader.
+  std::string staticProgram() const {
+    std::string program = readFile(place.host());
+    // The second program header is the one that names the loader.
+    EXPECT_EQ(program[64 + 56], 3);
+    program[64 + 56] = 0;
+    place.write(place / "static", program);
+    chmod((place / "static").c_str(), 0755);
+    return place / "static";
+  }
+
   /// Both in one hour, which is in the script.
   void expectToBeTheRealRun(const Words& program, const std::string& script) {
-    const std::string identity = exists(place.identity()) ? readFile(place.identity()) : "";
+    boost::system::error_code isNone;
+    const std::string identity =
+        boost::filesystem::is_regular_file(place.identity(), isNone) ? readFile(place.identity()) : "";
     const std::string before = place.snapshot();
     for (bool sameHour = false; !sameHour;) {
       forgetRehearsals();
@@ -164,9 +182,9 @@ TEST_F(Rehearsal, TellsWhatTheShellWouldHaveBeenGiven) {
   const Outcome rehearsed = rehearse(host("TAVLO"));
   EXPECT_EQ(kept("command"), (place / "tool") + " -mode batch -source " + place.inVestra("tavlo_vestra.tcl") +
                                  " -notrace  > " + place.inVestra("tavlo_vestra.log") + " 2>&1");
-  EXPECT_THAT(rehearsed.err,
-              AllOf(HasSubstr("held back one report of TAVLO"), HasSubstr("would have been handed over now"),
-                    HasSubstr("number 5;"), HasSubstr("registration \"REG-42\"")));
+  EXPECT_THAT(rehearsed.err, AllOf(HasSubstr("intercepted one report of TAVLO"),
+                                   HasSubstr("would have been handed over now"), HasSubstr("number 5;"),
+                                   HasSubstr("registration \"REG-42\"")));
   EXPECT_TRUE(Json::parse(kept("report.json"))["complete"].get<bool>());
 }
 
@@ -214,7 +232,7 @@ TEST_F(Rehearsal, PutsMarksInThePlaceOfWhatIdentifies) {
     const Outcome rehearsed =
         rehearse({place.host(), place.project(), "KELVO", "at", place.home() + "/x"}, words);
     const std::string told = words.size() == 1 ? rehearsed.err : rehearsed.out;
-    EXPECT_THAT(told, AllOf(HasSubstr("held back one report of KELVO"), Not(HasSubstr("the-project")),
+    EXPECT_THAT(told, AllOf(HasSubstr("intercepted one report of KELVO"), Not(HasSubstr("the-project")),
                             Not(HasSubstr(place.home() + "/"))));
     EXPECT_THAT(kept("kelvo_vestra.tcl"), HasSubstr("the-project"));
     EXPECT_THAT(told, Not(HasSubstr(valueIn(kept("kelvo_vestra.tcl"), "random_id"))));
@@ -267,8 +285,204 @@ TEST_F(Rehearsal, LeavesTheHostItsStatusAndItsWords) {
   EXPECT_EQ(rehearse({}).status, 125);
 }
 
-/// Hosts that cannot be held back are not started.
-class Unholdable : public Rehearsal {
+TEST_F(Rehearsal, GivesTheHostTheHomeThatIsNamed) {
+  const Outcome rehearsed = rehearse(host(), {"--home", place.elsewhere()});
+  EXPECT_THAT(rehearsed.out, HasSubstr("home " + place.elsewhere()));
+  EXPECT_EQ(rehearsed.status, 0);
+}
+
+/// How a host comes to its report: words of a shell, which gets a host as "$0" and the place's
+/// directory as "$1".
+struct Start {
+  std::string name;
+  std::string script;
+  /// Where the support library is, as LD_LIBRARY_PATH.
+  bool findsByPath = true;
+};
+
+std::ostream& operator<<(std::ostream& out, const Start& start) { return out << start.name; }
+
+class EachRehearsedStart : public Rehearsal, public testing::WithParamInterface<Start> {};
+
+TEST_P(EachRehearsedStart, IsIntercepted) {
+  run({"cp", place.programs() + "/bin/libvestra.so.1", place.programs() + "/bin/statistics.so"});
+  const std::string before = place.snapshot();
+  if (!GetParam().findsByPath) {
+    place.setVariable("LD_LIBRARY_PATH", "/nowhere");
+  }
+  const Outcome rehearsed = rehearse({"sh", "-c", GetParam().script, place.programs() + "/bin", place / ""});
+  EXPECT_EQ(rehearsed.status, 0) << rehearsed.err;
+  EXPECT_THAT(rehearsed.err, AllOf(HasSubstr("intercepted one report of KELVO"),
+                                   HasSubstr("would have been handed over now")));
+  EXPECT_THAT(kept("command"), HasSubstr(" -mode batch -source "));
+  EXPECT_THAT(kept("kelvo_vestra.tcl"), HasSubstr("-key runs -value \"2\""));
+  EXPECT_FALSE(exists(started()));
+  EXPECT_EQ(place.snapshot(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rehearsal, EachRehearsedStart,
+    testing::Values(
+        Start{"ByScript", R"("$0/items_host" "$1/project" KELVO runs 2)"},
+        Start{"WithoutPreload", R"(unset LD_PRELOAD; exec "$0/items_host" "$1/project" KELVO runs 2)"},
+        Start{
+            "WithAnotherPreload",
+            R"(LD_PRELOAD=$1/support/libqvzcommonvestrasupport.so "$0/items_host" "$1/project" KELVO runs 2)"},
+        Start{"WithPathInFront",
+              R"(LD_LIBRARY_PATH=$1/support:$LD_LIBRARY_PATH "$0/items_host" "$1/project" KELVO runs 2)",
+              false},
+        Start{"WithEnvironmentOfItsOwn",
+              R"(env -i LD_LIBRARY_PATH=$1/support "$0/items_host" "$1/project" KELVO runs 2)"},
+        Start{"WithRpath", R"("$0/rpath_host" "$1/project" KELVO runs 2)", false},
+        Start{"Opening", R"("$0/opening_host" "$0/statistics.so" "$1/project")"},
+        Start{"OpeningDeeply", R"("$0/opening_host" "$0/statistics.so" "$1/project" deep)"},
+        Start{"ClearingTheEnvironment", R"("$0/unusual_host" cleared "$1/project")"},
+        Start{"InASessionOfItsOwn", R"("$0/unusual_host" daemon "$1/project")"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_F(Rehearsal, OfAHostThatGivesUpRootIsIntercepted) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "requires root";
+  }
+  chmod((place / "temporary").c_str(), 01777);
+  const Outcome rehearsed = run({place.inspector(), "rehearse", "--", place.programs() + "/bin/unusual_host",
+                                 "dropped", place.project()},
+                                place.environment(), place.project());
+  EXPECT_EQ(rehearsed.status, 0);
+  EXPECT_EQ(rehearsed.out, "true\n");
+  EXPECT_THAT(rehearsed.err, HasSubstr("intercepted one report of KELVO"));
+  EXPECT_FALSE(exists(started()));
+}
+
+TEST_F(Rehearsal, IsRefusedWhereAHostWithoutRootCouldNotWrite) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "requires root";
+  }
+  run({"chown", "0:0", place / "temporary"});
+  chmod((place / "temporary").c_str(), 0700);
+  const Outcome rehearsed = run({place.inspector(), "rehearse", "--", "true"}, place.environment());
+  EXPECT_EQ(rehearsed.status, 125);
+  EXPECT_THAT(rehearsed.err, HasSubstr("a program that gives up root cannot reach"));
+}
+
+TEST_F(Rehearsal, NamesAReportThatAnotherSystemFunctionGot) {
+  const Outcome rehearsed = rehearse({place.programs() + "/bin/own_system_host", "plain", place.project()});
+  EXPECT_EQ(rehearsed.status, 124);
+  EXPECT_THAT(rehearsed.err, AllOf(HasSubstr("LEAKED"), HasSubstr(place.inVestra("kelvo_vestra.tcl"))));
+  EXPECT_FALSE(exists(started()));
+  forgetRehearsals();
+  const Json document = Json::parse(
+      rehearse({place.programs() + "/bin/own_system_host", "plain", place.project()}, {"--json"}).out);
+  EXPECT_EQ(document["leaked"], Json::array({place.inVestra("kelvo_vestra.tcl")}));
+}
+
+TEST_F(Rehearsal, SaysThatNothingWasIntercepted) {
+  const Outcome rehearsed = rehearse({"true"});
+  EXPECT_EQ(rehearsed.status, 0);
+  EXPECT_THAT(rehearsed.err, HasSubstr("no call of send was intercepted"));
+  EXPECT_THAT(rehearsed.err, HasSubstr("would have reported"));
+  EXPECT_EQ(namesIn(place / "temporary").size(), 0U);
+}
+
+TEST_F(Rehearsal, SaysWhichProcessStillRuns) {
+  place.setVariable("VESTRA_REHEARSAL_LIMIT", "100");
+  const Outcome rehearsed = rehearse({"sh", "-c", "setsid sleep 600 & echo $!"});
+  EXPECT_THAT(rehearsed.err, HasSubstr("(sleep 600) still runs"));
+  run({"kill", rehearsed.out.substr(0, rehearsed.out.find('\n'))});
+}
+
+TEST_F(Rehearsal, SaysWhichProgramItCouldNotObserve) {
+  const std::string program = staticProgram();
+  const Outcome rehearsed = rehearse({"sh", "-c", program + "; true"});
+  EXPECT_THAT(rehearsed.err, HasSubstr("not observed: " + program + " is static"));
+}
+
+TEST_F(Rehearsal, KeepsItsFilesInARelativeDirectory) {
+  place.setVariable("TMPDIR", "../temporary");
+  EXPECT_EQ(rehearse(host()).status, 0);
+  EXPECT_THAT(kept("kelvo_vestra.tcl"), HasSubstr("runs"));
+}
+
+TEST_F(Rehearsal, RefusesADirectoryThatOthersMayChange) {
+  chmod((place / "temporary").c_str(), 0777);
+  const Outcome rehearsed = rehearse(host());
+  EXPECT_EQ(rehearsed.status, 125);
+  EXPECT_THAT(rehearsed.err, HasSubstr("others can replace what is in it"));
+  EXPECT_EQ(rehearsed.out, "");
+}
+
+TEST_F(Rehearsal, DoesNotWaitForAPipeInItsFolder) {
+  const Outcome rehearsed =
+      rehearse({"sh", "-c", "mkdir $VESTRA_REHEARSAL_RECORD/1; mkfifo $VESTRA_REHEARSAL_RECORD/1/answer"});
+  EXPECT_EQ(rehearsed.status, 124);
+}
+
+/// What is wrong in the project or home.
+struct State {
+  std::string name;
+  std::function<void(Place&)> make;
+};
+
+std::ostream& operator<<(std::ostream& out, const State& state) { return out << state.name; }
+
+class EachDamagedState : public Rehearsal, public testing::WithParamInterface<State> {};
+
+TEST_P(EachDamagedState, HasTheResultOfTheRealRun) {
+  GetParam().make(place);
+  place.giveToUser();
+  expectToBeTheRealRun(host(), "kelvo_vestra.tcl");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rehearsal, EachDamagedState,
+    testing::Values(State{"SettingsReadOnlyWithoutIdentifier",
+                          [](Place& place) {
+                            place.write(place.settings(), "a=b\n");
+                            chmod(place.settings().c_str(), 0400);
+                          }},
+                    State{"SettingsDirectory",
+                          [](Place& place) {
+                            run({"rm", place.settings()});
+                            makeDirectory(place.settings());
+                          }},
+                    State{"SettingsLinkToNowhere",
+                          [](Place& place) {
+                            run({"rm", place.settings()});
+                            makeLink(place.settings(), "/proc/nowhere/settings");
+                          }},
+                    State{"IdentityLinkToItself",
+                          [](Place& place) {
+                            run({"rm", place.identity()});
+                            makeLink(place.identity(), place.identity());
+                          }},
+                    State{"IdentityLinkToNowhere",
+                          [](Place& place) {
+                            run({"rm", place.identity()});
+                            makeLink(place.identity(), "/proc/nowhere/identity");
+                          }},
+                    State{"IdentityDevice",
+                          [](Place& place) {
+                            run({"rm", place.identity()});
+                            makeLink(place.identity(), "/dev/null");
+                          }},
+                    State{"IdentityPipe",
+                          [](Place& place) {
+                            run({"rm", place.identity()});
+                            makeNamedPipe(place.identity());
+                          }},
+                    State{"IdentityReadOnly", [](Place& place) { chmod(place.identity().c_str(), 0400); }},
+                    State{"IdentityUnreadable", [](Place& place) { chmod(place.identity().c_str(), 0200); }},
+                    State{"VestraDirectoryReadOnly",
+                          [](Place& place) { chmod(place.inVestra("").c_str(), 0500); }},
+                    State{"VestraFile",
+                          [](Place& place) {
+                            run({"rm", "-r", place.inVestra("")});
+                            place.write(place.project() + "/vestra", "");
+                          }}),
+    [](const auto& test) { return test.param.name; });
+
+/// Hosts that cannot be rehearsed are not started.
+class Unrehearsable : public Rehearsal {
  protected:
   void expectRefused(const std::string& program, const std::string& reason) {
     const std::string before = place.snapshot();
@@ -280,44 +494,9 @@ class Unholdable : public Rehearsal {
   }
 };
 
-TEST_F(Unholdable, HostsWithOtherRightsAreRefused) {
-  run({"cp", place.host(), place / "privileged"});
-  run({"chmod", "4755", place / "privileged"});
-  expectRefused(place / "privileged", "set-user-ID");
-}
+TEST_F(Unrehearsable, HostsWithOtherRightsAreRefused) { expectRefused("/bin/su", "set-user-ID"); }
 
-TEST_F(Unholdable, StaticHostsAreRefused) {
-  std::string program = readFile(place.host());
-  // The second program header is the one that names the loader.
-  ASSERT_EQ(program[64 + 56], 3);
-  program[64 + 56] = 0;
-  place.write(place / "static", program);
-  chmod((place / "static").c_str(), 0755);
-  expectRefused(place / "static", "static");
-}
-
-TEST_F(Rehearsal, HasASecondBeltWhereAStartScriptLosesTheShim) {
-  const Words program = {"sh", "-c",
-                         "unset LD_PRELOAD; exec " + place.host() + " " + place.project() + " KELVO runs 2",
-                         place.project()};
-  const Outcome rehearsed = rehearse(program);
-  EXPECT_EQ(rehearsed.status, 124);
-  EXPECT_THAT(rehearsed.err, AllOf(HasSubstr("caught a report"), HasSubstr("LEAKED")));
-  EXPECT_FALSE(exists(started()));
-  EXPECT_THAT(kept("kelvo_vestra.tcl"), HasSubstr("-key runs -value \"2\""));
-}
-
-TEST_F(Rehearsal, SaysThatAReportLeaked) {
-  const Words program = {"sh", "-c",
-                         "unset LD_PRELOAD; LD_LIBRARY_PATH=" + place.support() + " exec " + place.host() +
-                             " " + place.project() + " KELVO runs 2",
-                         place.project()};
-  const Outcome rehearsed = rehearse(program);
-  EXPECT_EQ(rehearsed.status, 124);
-  EXPECT_THAT(rehearsed.err,
-              AllOf(HasSubstr("LEAKED: your program reported for real"), Not(HasSubstr("as before"))));
-  EXPECT_EQ(readFile(started()), "started\n");
-}
+TEST_F(Unrehearsable, StaticHostsAreRefused) { expectRefused(staticProgram(), "static"); }
 
 }  // namespace
 }  // namespace vestra_test

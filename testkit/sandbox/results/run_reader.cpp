@@ -8,9 +8,9 @@
 #include <tuple>
 #include <utility>
 
+#include "intercept/fields.h"
 #include "recorder/bytes.h"
 #include "recorder/exception.h"
-#include "recorder/fields.h"
 #include "recorder/recording.h"
 #include "sandbox/assertions.h"
 #include "sandbox/host_process.h"
@@ -52,8 +52,8 @@ struct CallNumber {
 class Calls {
  public:
   explicit Calls(const std::string& record) {
-    readSends(fieldsIn(bytesOf(record + "/sends").value_or("")));
-    readAdded(fieldsIn(bytesOf(record + "/added").value_or("")));
+    readSends(intercept::fieldsIn(bytesOf(record + "/sends").value_or("")));
+    readAdded(intercept::fieldsIn(bytesOf(record + "/added").value_or("")));
   }
 
   std::vector<AddedItem> added;
@@ -73,7 +73,7 @@ class Calls {
       }
       const std::string& outcome = fields[i + 3];
       if (outcome == "threw") {
-        sends[place->second].exception = exceptionFrom(fieldsIn(fields[i + 4]));
+        sends[place->second].exception = exceptionFrom(intercept::fieldsIn(fields[i + 4]));
       } else if (outcome != "begun") {
         sends[place->second].answer = outcome == "true";
       }
@@ -95,7 +95,7 @@ class Calls {
 
 std::vector<std::string> unsoundnessIn(const std::string& record) {
   std::vector<std::string> sentences;
-  const auto fields = fieldsIn(bytesOf(record + "/" + intercept::UNOBSERVED_RECORD).value_or(""));
+  const auto fields = intercept::fieldsIn(bytesOf(record + "/" + intercept::UNOBSERVED_RECORD).value_or(""));
   for (std::size_t i = 0; i + 2 <= fields.size(); i += 2) {
     sentences.push_back(fields[i] + " " + fields[i + 1]);
   }
@@ -132,7 +132,7 @@ class RunReader {
     if (const auto answer = bytesOf(place.record + "/answer")) {
       run.answer = *answer == "true";
     } else if (const auto exception = bytesOf(place.record + "/exception")) {
-      run.exception = exceptionFrom(fieldsIn(*exception));
+      run.exception = exceptionFrom(intercept::fieldsIn(*exception));
     } else if (place.isProgram && run.exitStatus && !run.sends.empty()) {
       run.answer = run.sends.back().answer;
     }

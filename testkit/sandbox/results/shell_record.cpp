@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "intercept/fields.h"
 #include "recorder/bytes.h"
 #include "recorder/command_line.h"
-#include "recorder/fields.h"
 #include "recorder/recording.h"
 
 namespace vestra::testkit {
@@ -71,7 +71,7 @@ void endCommand(std::vector<ShellCommand>& commands, Fields::iterator field) {
 std::vector<ShellCommand> commandsIn(const std::string& directory) {
   constexpr std::ptrdiff_t BEGUN_FIELDS = 7;
   constexpr std::ptrdiff_t ENDED_FIELDS = 6;
-  Fields fields = fieldsIn(bytesOf(directory + "/" + SHELL_RECORD).value_or(""));
+  Fields fields = intercept::fieldsIn(bytesOf(directory + "/" + SHELL_RECORD).value_or(""));
   std::vector<ShellCommand> commands;
   for (auto field = fields.begin(); fields.end() - field >= ENDED_FIELDS;) {
     const bool isBegun = *field == BEGUN;

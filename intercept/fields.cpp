@@ -1,9 +1,9 @@
-#include "recorder/fields.h"
+#include "intercept/fields.h"
 
 #include <cstdint>
 #include <cstring>
 
-namespace vestra::testkit {
+namespace vestra::intercept {
 namespace {
 
 using Length = std::uint64_t;
@@ -34,4 +34,4 @@ std::vector<std::string> fieldsIn(std::string_view bytes) {
   return fields;
 }
 
-}  // namespace vestra::testkit
+}  // namespace vestra::intercept

@@ -1,0 +1,57 @@
+#include "intercept/child_processes.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace vestra::intercept {
+namespace {
+
+std::string textOf(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+/// Behind the name, which may hold anything but ends with the last parenthesis.
+pid_t parentOf(const std::string& process) {
+  const std::string stat = textOf("/proc/" + process + "/stat");
+  std::istringstream rest(stat.substr(stat.rfind(')') + 1));
+  char state = 0;
+  pid_t parent = 0;
+  rest >> state >> parent;
+  return parent;
+}
+
+}  // namespace
+
+std::vector<pid_t> childProcesses() {
+  std::vector<pid_t> found;
+  DIR* processes = opendir("/proc");
+  if (processes == nullptr) {
+    return found;
+  }
+  while (const dirent* entry = readdir(processes)) {
+    const bool isProcess = *entry->d_name >= '0' && *entry->d_name <= '9';
+    if (isProcess && parentOf(entry->d_name) == getpid()) {
+      found.push_back(std::atoi(entry->d_name));
+    }
+  }
+  closedir(processes);
+  return found;
+}
+
+std::string commandLineOf(pid_t process) {
+  std::string words = textOf("/proc/" + std::to_string(process) + "/cmdline");
+  while (!words.empty() && words.back() == '\0') {
+    words.pop_back();
+  }
+  std::replace(words.begin(), words.end(), '\0', ' ');
+  return words.empty() ? "process " + std::to_string(process) : words;
+}
+
+}  // namespace vestra::intercept
