@@ -3,36 +3,53 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <set>
 
 #include <CLI/CLI.hpp>
 
+#include "facts/file_snapshot.h"
+#include "reading/visible_text.h"
 #include "render/json_text.h"
 
 namespace vestra::inspect {
 namespace {
 
 constexpr const char* DESCRIPTION =
-    "Shows what Vestra keeps about you and a project, when the next report goes\n"
-    "and what it says, and what stands in its way. Without a command: status.";
+    "Shows what Vestra keeps about you and a project, what is reported next and when,\n"
+    "and why not.\n\n"
+    "  status [PROJECT]       what is kept, what is reported next, and when\n"
+    "  report [PROJECT|FILE]  the report on the disk, item by item\n"
+    "  doctor [PROJECT]       what is wrong and how to fix it\n"
+    "  list DIR...            a line for each project below the directories\n"
+    "  rehearse -- HOST ARG...  run HOST and intercept its report";
 
 constexpr const char* FOOTER =
-    "Only rehearse starts anything; nothing else changes anything.\n"
-    "Exit status: 0 answered, 1 doctor has findings, 2 wrong command line,\n"
+    "Only rehearse runs the program; nothing else changes anything.\n"
+    "Exit status: 0 answered, 1 doctor has findings, 2 invalid command line,\n"
     "3 something could not be looked at. rehearse: the program's own; 124 it\n"
     "leaked, 125 it cannot be rehearsed, 126 and 127 as env(1).";
+
+const std::set<std::string> COMMANDS = {"status", "report", "doctor", "list", "rehearse"};
+
+// Times that a calendar has.
+constexpr std::int64_t LAST_SECOND = 253402300799;
 
 const std::map<std::string, Product> PRODUCTS = {
     {"KELVO", Oza::Vestra::KELVO}, {"KELVO_ALT", Oza::Vestra::KELVO_ALT}, {"TAVLO", Oza::Vestra::TAVLO}};
 
-void addOptions(CLI::App& app, Request& request) {
+void addOptions(CLI::App& app, Request& request, std::vector<std::string>& words) {
+  app.add_option("WORDS", words, "")->type_name("");
   app.add_option("--product", request.products, "KELVO, KELVO_ALT or TAVLO; else those with traces")
-      ->transform(CLI::Transformer(PRODUCTS).description(""))
-      ->expected(1)
+      ->transform(CLI::CheckedTransformer(PRODUCTS).description(""))
+      ->allow_extra_args(false)
       ->type_name("P");
   app.add_option("--home", request.home, "look with another home")->type_name("DIR");
   app.add_option("--env", request.environmentFile, "look with the environment in a file")->type_name("FILE");
   app.add_option("--host", request.host, "look as this program would")->type_name("FILE");
-  app.add_option("--now", request.now, "take this for the present, in seconds")->type_name("SECONDS");
+  app.add_option("--as", request.user, "test this user's rights (root only)")->type_name("USER");
+  app.add_option("--now", request.now, "use this as the current time, in seconds")
+      ->check(CLI::Range(std::int64_t{0}, LAST_SECOND).description(""))
+      ->type_name("SECONDS");
   app.add_flag("--json", request.asJson, "one document of schema vestra-inspect/1");
   app.add_flag("--redact", request.isRedacted, "marks for identifiers and names, for tickets");
   app.add_option("--fail-on", request.failOn, "doctor: problem, warning, note or never")
@@ -43,24 +60,27 @@ void addOptions(CLI::App& app, Request& request) {
       ->type_name("WHEN");
 }
 
-void addCommand(CLI::App& app, const char* name, const char* description, Request& request) {
-  CLI::App* command = app.add_subcommand(name, description);
-  command->fallthrough();
-  command->add_option("SUBJECT", request.subject,
-                      name == std::string("report") ? "a project or a script" : "a project");
-  command->callback([&request, name] { request.command = name; });
-}
-
-void addRehearsal(CLI::App& app, Request& request) {
-  CLI::App* command =
-      app.add_subcommand("rehearse", "run HOST and intercept its report: rehearse -- HOST ARG...");
-  command->fallthrough();
-  command->callback([&request] {
-    request.command = "rehearse";
-    if (request.program.empty()) {
-      throw CLI::RequiredError("HOST");
-    }
-  });
+/// The first word is a command, or a project for `status`.
+void takeWords(std::vector<std::string> words, Request& request) {
+  if (!words.empty() && COMMANDS.count(words.front()) != 0) {
+    request.command = words.front();
+    words.erase(words.begin());
+  } else if (!words.empty() && !lookAt(words.front()).exists() &&
+             words.front().find('/') == std::string::npos) {
+    throw CLI::ValidationError(words.front(), "no command and no directory");
+  }
+  const bool isList = request.command == "list";
+  if (words.size() > 1 && !isList) {
+    throw CLI::ValidationError(words[1], "one subject too many");
+  }
+  if (request.command == "rehearse" && (request.program.empty() || !words.empty())) {
+    throw CLI::RequiredError("rehearse: -- HOST");
+  }
+  if (isList && words.empty()) {
+    throw CLI::RequiredError("list: DIR");
+  }
+  request.subject = words.empty() ? "" : words.front();
+  request.directories = std::move(words);
 }
 
 /// The program of a rehearsal, and its words, are nobody else's business: they stand behind
@@ -95,25 +115,21 @@ CommandLine readCommandLine(int count, const char* const* words) {
   app.footer(FOOTER);
   app.get_formatter()->column_width(20);
   app.set_version_flag("--version", "vestra-inspect " VESTRA_VERSION);
-  app.require_subcommand(0, 1);
-  addOptions(app, line.request);
-  addCommand(app, "status", "what is kept, what goes next, when and why", line.request);
-  addCommand(app, "report", "the report on the disk, item by item", line.request);
-  addCommand(app, "doctor", "what is wrong and how to mend it", line.request);
-  addRehearsal(app, line.request);
-  app.add_option("PROJECT", line.request.subject, "for status")->type_name("");
+  std::vector<std::string> rest;
+  addOptions(app, line.request, rest);
   const int own = takeProgram(count, words, line.request);
   try {
     app.parse(own, words);
+    takeWords(rest, line.request);
   } catch (const CLI::Success&) {
     line.exitStatus = 0;
     line.output =
         count > 1 && std::string(words[count - 1]) == "--version" ? app.version() + "\n" : app.help();
   } catch (const CLI::ParseError& error) {
-    const bool isRehearsal = app.got_subcommand("rehearse");
+    const bool isRehearsal = std::find(rest.begin(), rest.end(), "rehearse") == rest.begin() && !rest.empty();
     line.exitStatus = isRehearsal ? 125 : 2;
     line.output = documentOf(error.what(), own, words, isRehearsal ? "rehearse" : line.request.command);
-    line.complaint = "vestra-inspect: " + std::string(error.what()) + "\nTry --help.\n";
+    line.complaint = "vestra-inspect: " + reading::forTerminal(error.what()) + "\nTry --help.\n";
   }
   return line;
 }

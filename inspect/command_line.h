@@ -6,16 +6,18 @@
 #include <string>
 #include <vector>
 
-#include "facts/view.h"
+#include "facts/host_context.h"
 
 namespace vestra::inspect {
 
 /// What the user asks for.
 struct Request {
-  /// "status", "report", "doctor", "rehearse"
+  /// "status", "report", "doctor", "list", "rehearse"
   std::string command = "status";
   /// The project, or for `report` a file; empty for the nearest project.
   std::string subject;
+  /// What `list` walks through.
+  std::vector<std::string> directories;
   /// The program to rehearse, and its arguments.
   std::vector<std::string> program;
   /// The product that is asked about; empty for those that left traces.
@@ -23,6 +25,8 @@ struct Request {
   std::optional<std::string> home;
   std::string environmentFile;
   std::string host;
+  /// Whose rights are tested; empty for this process's own.
+  std::string user;
   std::optional<std::int64_t> now;
   bool asJson = false;
   bool isRedacted = false;

@@ -1,5 +1,9 @@
 #include "inspector.h"
 
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <ctime>
 #include <stdexcept>
@@ -22,7 +26,7 @@ constexpr int FOUND_SOMETHING = 1;
 constexpr int COULD_NOT_LOOK = 3;
 
 std::string readWhole(const std::string& path) {
-  const LookedFile file = readFileAt(path);
+  const FileSnapshot file = readFileAt(path);
   if (!file.text) {
     throw std::runtime_error(fmt::format(
         "{}: {}", path, file.kind == FileKind::missing ? "there is no such file" : "cannot be read"));
@@ -30,42 +34,65 @@ std::string readWhole(const std::string& path) {
   return *file.text;
 }
 
-View viewOf(const Request& request) {
-  View view;
-  view.environment =
-      request.environmentFile.empty() ? ownEnvironment() : environmentIn(readWhole(request.environmentFile));
-  if (request.home) {
-    view.environment["HOME"] = *request.home;
+/// Takes on a user's rights, so that the kernel is asked about them. @return The user's home.
+std::string becomeUser(const std::string& name) {
+  if (geteuid() != 0) {
+    throw std::runtime_error("--as requires root");
   }
-  view.currentDirectory = boost::filesystem::current_path().string();
-  view.now = request.now.value_or(std::time(nullptr));
-  view.host = request.host;
-  if (!view.host.empty()) {
-    static_cast<void>(readWhole(view.host));
+  const bool isNumber = isPlainNumber(name);
+  const passwd* user = isNumber ? getpwuid(static_cast<uid_t>(std::stoul(name))) : getpwnam(name.c_str());
+  if (user == nullptr) {
+    throw std::runtime_error("there is no user " + name);
   }
-  return view;
+  if (initgroups(user->pw_name, user->pw_gid) != 0 ||
+      setresgid(user->pw_gid, user->pw_gid, user->pw_gid) != 0 ||
+      setresuid(user->pw_uid, user->pw_uid, user->pw_uid) != 0) {
+    throw std::runtime_error("the rights of " + name + " cannot be had");
+  }
+  return user->pw_dir;
 }
 
-bool wantsColours(const Request& request, const View& view, bool onTerminal) {
-  const bool allowed = onTerminal && !view.isSwitchedOn("NO_COLOR") && view.variable("TERM") != "dumb";
+HostContext contextOf(const Request& request) {
+  HostContext context;
+  context.environment =
+      request.environmentFile.empty() ? ownEnvironment() : environmentIn(readWhole(request.environmentFile));
+  if (!request.user.empty()) {
+    const std::string home = becomeUser(request.user);
+    if (request.environmentFile.empty()) {
+      context.environment["HOME"] = home;
+    }
+  }
+  if (request.home) {
+    context.environment["HOME"] = *request.home;
+  }
+  context.currentDirectory = boost::filesystem::current_path().string();
+  context.now = request.now.value_or(std::time(nullptr));
+  context.host = request.host.empty() ? "" : boost::filesystem::absolute(request.host).string();
+  if (!context.host.empty() && !lookAt(context.host).exists()) {
+    throw std::runtime_error(context.host + ": there is no such file");
+  }
+  return context;
+}
+
+bool wantsColours(const Request& request, const HostContext& context, bool onTerminal) {
+  const bool allowed = onTerminal && !context.isSwitchedOn("NO_COLOR") && context.variable("TERM") != "dumb";
   return request.colour == "always" || (request.colour == "auto" && allowed);
 }
 
 bool isFile(const std::string& path) { return lookAt(path).isRegular(); }
 
-std::string projectOf(const Request& request, const View& view) {
-  return request.subject.empty() ? nearestProject(view.currentDirectory) : request.subject;
+std::string projectOf(const Request& request, const HostContext& context) {
+  return request.subject.empty() ? nearestProject(context.currentDirectory) : request.subject;
 }
 
-/// What these eyes may neither read nor write is for others to look at: what was found then
-/// is not certain.
-bool isHidden(const LookedFile& file) {
-  const bool isClosed = file.isRegular() && !file.text && !file.readFailed && !file.writable;
+/// Findings are uncertain when this user can neither read nor write the file: its owner's host may.
+bool isHidden(const FileSnapshot& file) {
+  const bool isClosed = file.isUnreadable() && !file.writable;
   return isClosed || (file.kind == FileKind::unknown && file.error != ELOOP);
 }
 
 std::string whatIsHidden(const Facts& facts) {
-  for (const LookedFile* file : {&facts.project.identityFile, &facts.user.file}) {
+  for (const FileSnapshot* file : {&facts.project.identityFile, &facts.user.file}) {
     if (isHidden(*file)) {
       return file->path + " may not be read";
     }
@@ -87,8 +114,9 @@ int statusFor(const Request& request, const Facts& facts, const Findings& findin
 }
 
 /// One account of all the facts, by status or by doctor.
-Answer accountOf(const Request& request, const View& view, bool onTerminal) {
-  const Facts facts = lookAtAll(view, projectOf(request, view), request.products);
+Answer accountOf(const Request& request, const HostContext& context, bool onTerminal) {
+  Facts facts = lookAtAll(context, projectOf(request, context), request.products);
+  facts.isRedacted = request.isRedacted;
   Findings findings = findingsIn(facts);
   const bool isDoctor = request.command == "doctor";
   if (isDoctor) {
@@ -102,7 +130,7 @@ Answer accountOf(const Request& request, const View& view, bool onTerminal) {
     result.output = statusDocument(facts, findings, request.command, redaction);
     return result;
   }
-  Page page(wantsColours(request, view, onTerminal), redaction);
+  Page page(wantsColours(request, context, onTerminal), redaction);
   (isDoctor ? writeDoctor : writeStatus)(facts, findings, page);
   result.output = page.text();
   return result;
@@ -112,11 +140,14 @@ Answer accountOf(const Request& request, const View& view, bool onTerminal) {
 std::vector<ReportFacts> reportsWantedBy(const Request& request, const Facts& facts) {
   std::vector<ReportFacts> reports;
   const auto add = [&](const std::string& path) {
-    LookedFile file = readFileAt(path);
+    FileSnapshot file = readFileAt(path);
     if (file.text) {
       reports.push_back(readReport(std::move(file), facts.person));
     }
   };
+  if (!request.subject.empty() && !lookAt(request.subject).exists()) {
+    throw std::runtime_error(request.subject + ": there is no such file or directory");
+  }
   if (isFile(request.subject)) {
     if (!looksLikeScript(readWhole(request.subject))) {
       throw std::runtime_error(request.subject + " is no report script");
@@ -131,9 +162,11 @@ std::vector<ReportFacts> reportsWantedBy(const Request& request, const Facts& fa
   return reports;
 }
 
-Answer reportsFor(const Request& request, const View& view, bool onTerminal) {
-  const std::string project = isFile(request.subject) ? view.currentDirectory : projectOf(request, view);
-  Facts facts = lookAtAll(view, project, request.products);
+Answer reportsFor(const Request& request, const HostContext& context, bool onTerminal) {
+  const std::string project =
+      isFile(request.subject) ? context.currentDirectory : projectOf(request, context);
+  Facts facts = lookAtAll(context, project, request.products);
+  facts.isRedacted = request.isRedacted;
   facts.reports = reportsWantedBy(request, facts);
   const std::string none = project +
                            ": no report lies here. One stays after a run that was not due, or while "
@@ -143,7 +176,7 @@ Answer reportsFor(const Request& request, const View& view, bool onTerminal) {
   if (request.asJson) {
     return {0, reportsDocument(facts, verdict, redaction), ""};
   }
-  Page page(wantsColours(request, view, onTerminal), redaction);
+  Page page(wantsColours(request, context, onTerminal), redaction);
   for (const ReportFacts& report : facts.reports) {
     writeReport(report, page);
   }
@@ -153,20 +186,44 @@ Answer reportsFor(const Request& request, const View& view, bool onTerminal) {
   return {0, page.text(), ""};
 }
 
-Answer dispatch(const Request& request, bool onTerminal) {
-  const View view = viewOf(request);
-  if (request.command == "rehearse") {
-    return rehearse(request, view);
+/// A line on the terminal that is overwritten by the next one.
+void sayProgress(std::size_t directories, std::size_t projects) {
+  const std::string line = fmt::format("\r{} directories, {} projects ", directories, projects);
+  static_cast<void>(!write(STDERR_FILENO, line.data(), line.size()));
+}
+
+Answer listFor(const Request& request, const HostContext& context, bool onTerminal) {
+  const Facts machine = lookAtMachine(context);
+  const bool saysProgress = isatty(STDERR_FILENO) == 1;
+  const ProjectList list = listProjects(machine, request.directories,
+                                        saysProgress ? Progress(sayProgress) : Progress([](auto, auto) {}));
+  const Redaction redaction = request.isRedacted ? Redaction(machine) : Redaction();
+  const std::string ending = saysProgress ? "\r\033[K" : "";
+  if (request.asJson) {
+    return {0, listDocument(machine, list, redaction), ending};
   }
-  return request.command == "report" ? reportsFor(request, view, onTerminal)
-                                     : accountOf(request, view, onTerminal);
+  Page page(wantsColours(request, context, onTerminal), redaction);
+  writeList(list, page);
+  return {0, page.text(), ending};
+}
+
+Answer dispatch(const Request& request, bool onTerminal) {
+  const HostContext context = contextOf(request);
+  if (request.command == "rehearse") {
+    return rehearse(request, context);
+  }
+  if (request.command == "list") {
+    return listFor(request, context, onTerminal);
+  }
+  return request.command == "report" ? reportsFor(request, context, onTerminal)
+                                     : accountOf(request, context, onTerminal);
 }
 
 /// What went wrong may name the user too.
 Answer failureOf(const Request& request, int status, const std::string& reason) {
-  View view;
-  view.environment = ownEnvironment();
-  const Redaction redaction = request.isRedacted ? Redaction(lookAtPerson(view)) : Redaction();
+  HostContext context;
+  context.environment = ownEnvironment();
+  const Redaction redaction = request.isRedacted ? Redaction(lookAtPerson(context)) : Redaction();
   return {status, request.asJson ? failureDocument(request.command, reason, redaction) : "",
           fmt::format("vestra-inspect: {}\n", reading::forTerminal(redaction(reason)))};
 }

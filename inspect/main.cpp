@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <iostream>
@@ -12,11 +13,18 @@
 
 namespace {
 
+constexpr int NOT_WRITTEN = 3;
+
 /// A reader that has seen enough ends this process quietly, with no word from it.
 int write(const vestra::inspect::Answer& answer) {
-  std::cout << answer.output << std::flush;
   std::cerr << answer.complaint << std::flush;
-  return answer.exitStatus;
+  errno = 0;
+  std::cout << answer.output << std::flush;
+  if (std::cout) {
+    return answer.exitStatus;
+  }
+  std::cerr << "vestra-inspect: the output cannot be written: " << std::strerror(errno) << std::endl;
+  return NOT_WRITTEN;
 }
 
 }  // namespace

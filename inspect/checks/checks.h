@@ -18,7 +18,7 @@ void checkUser(const Facts& facts, Findings& findings);
 void checkSupport(const Facts& facts, Findings& findings);
 void checkTool(const Facts& facts, Findings& findings);
 void checkReports(const Facts& facts, Findings& findings);
-void checkSurroundings(const Facts& facts, Findings& findings);
+void checkEnvironmentAndSite(const Facts& facts, Findings& findings);
 
 /// Looks for hosts of the user that run: reads /proc, so only the doctor does it.
 void checkRunningHosts(Findings& findings);
@@ -26,13 +26,29 @@ void checkRunningHosts(Findings& findings);
 /// All of them, but for the running hosts.
 Findings findingsIn(const Facts& facts);
 
+/// Those about the project's own files.
+Findings findingsInProject(const Facts& facts);
+
+// The fixes: commands that this user can execute, none where the command would fail.
+
+Fixes removalOf(const std::string& path);
+/// @param script  For sed, in place; a link is followed.
+Fixes editOf(const FileSnapshot& file, const std::string& script);
+/// @param change  For chmod; only the owner's.
+Fixes modeChange(const FileSnapshot& file, const std::string& change);
+
 /// Characters that the interpreter of the main design tool does not read as themselves.
 bool holdsScript(const std::string& identifier);
 
+/// "PATH has mode 0644 and belongs to user 1000"
+std::string describe(const FileSnapshot& file);
+std::string errorText(int error);
 /// A time as people write it, in the local zone.
 std::string timeText(std::int64_t seconds);
 /// "21 h 4 min", "365 days"
 std::string durationText(std::int64_t seconds);
+/// The time from `begin` to `end`; the greatest that there is where it is greater.
+std::int64_t between(std::int64_t begin, std::int64_t end);
 
 }  // namespace vestra::inspect
 

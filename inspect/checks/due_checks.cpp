@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <ctime>
+#include <limits>
 
 #include <fmt/format.h>
 
@@ -12,22 +13,18 @@ namespace {
 
 constexpr std::int64_t CLOCK_TOLERANCE = 60;
 
-std::string makeDue(const Facts& facts, int line) {
-  return fmt::format("sed -i '{}s/.*/0/' {}", line, shellWord(facts.project.identityFile.path));
-}
-
 /// Products whose day this line keeps.
 std::string usersOf(int line) { return line == 1 ? "KELVO and TAVLO" : "KELVO_ALT"; }
 
 void checkSlot(const Facts& facts, Product product, int line, Findings& findings) {
   const Prediction& next = facts.predictionFor(product);
   const std::string place = fmt::format("{}:{}", facts.project.identityFile.path, line);
-  if (next.last > facts.view.now) {
+  if (next.last > facts.context.now) {
     findings.add(
         "due.future",
-        fmt::format("{} says {}, and now is {}. {}: nothing goes before {}", place, timeText(next.last),
-                    timeText(facts.view.now), usersOf(line), timeText(next.dueFrom)),
-        {makeDue(facts, line)});
+        fmt::format("{} says {}, and now is {}. {}: nothing is handed over before {}", place,
+                    timeText(next.last), timeText(facts.context.now), usersOf(line), timeText(next.dueFrom)),
+        editOf(facts.project.identityFile, fmt::format("{}s/.*/0/", line)));
   } else if (next.last < 0) {
     findings.add("due.negative", fmt::format("{} says {}", place, next.last));
   } else if (!next.isDue) {
@@ -35,8 +32,7 @@ void checkSlot(const Facts& facts, Product product, int line, Findings& findings
         "due.later",
         fmt::format("{}: last handed over {} ({}). More than 86400 seconds must pass: due from {}, in {}",
                     usersOf(line), timeText(next.last), place, timeText(next.dueFrom),
-                    durationText(next.dueFrom - facts.view.now)),
-        {makeDue(facts, line)});
+                    durationText(between(facts.context.now, next.dueFrom))));
   }
 }
 
@@ -64,7 +60,7 @@ void checkDue(const Facts& facts, Findings& findings) {
   if (isOnDisk(facts, "KELVO") && isOnDisk(facts, "TAVLO")) {
     findings.add("due.shared", "both products have left files here");
   }
-  if (facts.project.identityFile.modified > facts.view.now + CLOCK_TOLERANCE) {
+  if (between(facts.context.now, facts.project.identityFile.modified) > CLOCK_TOLERANCE) {
     findings.add("clock.behind",
                  fmt::format("{} was last written {} by the file system's time",
                              facts.project.identityFile.path, timeText(facts.project.identityFile.modified)));
@@ -81,6 +77,11 @@ std::string timeText(std::int64_t seconds) {
   char text[64] = "";
   std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S %Z", &local);
   return text;
+}
+
+std::int64_t between(std::int64_t begin, std::int64_t end) {
+  std::int64_t time = 0;
+  return __builtin_sub_overflow(end, begin, &time) ? std::numeric_limits<std::int64_t>::max() : time;
 }
 
 std::string durationText(std::int64_t seconds) {

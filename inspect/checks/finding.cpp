@@ -1,9 +1,13 @@
-#include "checks/finding.h"
+#include "checks/checks.h"
+
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <stdexcept>
 #include <utility>
 
+#include <fmt/format.h>
 #include <boost/algorithm/string/replace.hpp>
 
 namespace vestra::inspect {
@@ -24,8 +28,8 @@ const char* nameOf(Level level) {
   return level == Level::problem ? "problem" : level == Level::warning ? "warning" : "note";
 }
 
-void Findings::add(const std::string& id, std::string says, std::vector<std::string> mend) {
-  findings.push_back({&checkOf(id), std::move(says), std::move(mend)});
+void Findings::add(const std::string& id, std::string says, Fixes fixes) {
+  findings.push_back({&checkOf(id), std::move(says), std::move(fixes)});
 }
 
 std::vector<Finding> Findings::sorted() const {
@@ -41,6 +45,28 @@ std::size_t Findings::count(Level level) const {
       std::count_if(findings.begin(), findings.end(),
                     [&](const Finding& finding) { return finding.check->level == level; }));
 }
+
+Fixes removalOf(const std::string& path) {
+  return canBeRemoved(path) ? Fixes{"rm " + shellWord(path)} : Fixes();
+}
+
+Fixes editOf(const FileSnapshot& file, const std::string& script) {
+  const bool canBeEdited =
+      file.text && !file.link && mayChangeDirectory(parentOf(file.path)) && canBeRemoved(file.path);
+  return canBeEdited ? Fixes{fmt::format("sed -i {} {}", shellWord(script), shellWord(file.path))} : Fixes();
+}
+
+Fixes modeChange(const FileSnapshot& file, const std::string& change) {
+  return file.exists() && !file.link && file.path.front() == '/' && file.owner == geteuid()
+             ? Fixes{fmt::format("chmod {} {}", change, shellWord(file.path))}
+             : Fixes();
+}
+
+std::string describe(const FileSnapshot& file) {
+  return fmt::format("{} has mode {} and belongs to user {}", file.path, modeText(file.mode), file.owner);
+}
+
+std::string errorText(int error) { return error == 0 ? "cannot be used" : std::strerror(error); }
 
 std::string shellWord(const std::string& text) {
   const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%=";

@@ -22,20 +22,23 @@ struct Check {
 /// Every check, in the order in which findings are told.
 const std::vector<Check>& allChecks();
 
+/// Shell commands after which the finding is gone; none where there is nothing to do, or somebody else has
+/// to.
+using Fixes = std::vector<std::string>;
+
 /// What a check found.
 struct Finding {
   const Check* check;
   /// What was seen, with file and line.
   std::string says;
-  /// Commands that mend it; none where there is nothing to do, or words are needed.
-  std::vector<std::string> mend;
+  Fixes fixes;
 };
 
 /// What the checks found.
 class Findings {
  public:
   /// @param id  One of `allChecks`; throws std::out_of_range otherwise.
-  void add(const std::string& id, std::string says, std::vector<std::string> mend = {});
+  void add(const std::string& id, std::string says, Fixes fixes = {});
 
   /// In the order of `allChecks`.
   std::vector<Finding> sorted() const;

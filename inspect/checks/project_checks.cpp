@@ -1,5 +1,3 @@
-#include <sys/statvfs.h>
-
 #include <fmt/format.h>
 
 #include "checks/checks.h"
@@ -8,60 +6,22 @@
 namespace vestra::inspect {
 namespace {
 
-/// What the shell reads as something else than a part of a word.
-constexpr const char* SHELL_CHARACTERS = " \t\n;&|<>()$`\\\"'*?[]#~=%!{}";
-
 void checkDirectory(const ProjectFacts& project, Findings& findings) {
-  if (project.root.kind == FileKind::missing) {
-    findings.add("project.missing", project.directory + " does not exist",
-                 {"mkdir -p " + shellWord(project.directory)});
-    return;
+  const FileSnapshot vestra = lookAt(project.directory + "/vestra");
+  const std::string reason = reasonOf(project);
+  if (reason.rfind("project.", 0) == 0) {
+    findings.add(reason, fmt::format("nothing can be created in {}", project.obstacle),
+                 reason == "project.unwritable" ? modeChange(lookAt(project.obstacle), "u+rwx") : Fixes());
+  } else if (!project.root.exists()) {
+    findings.add("project.missing", project.directory + " does not exist");
+  } else if (isFull(project.directory)) {
+    findings.add("project.full", "no space or no inodes are left in " + project.directory);
   }
-  const std::string place = project.directory + "/vestra";
-  const LookedFile inPlace = lookAt(place);
-  std::string obstacle;
-  if (inPlace.exists() && inPlace.kind != FileKind::directory) {
-    findings.add("project.vestra_is_file", fmt::format("{} is no directory", place),
-                 {"rm " + shellWord(place)});
-  } else if (!inPlace.exists() && !canHoldFiles(place, obstacle)) {
-    findings.add("project.unwritable", fmt::format("nothing can be made in {}", obstacle),
-                 {"chmod u+rwx " + shellWord(obstacle)});
-  } else if (inPlace.exists() && !mayChangeDirectory(place)) {
-    const bool isWritten = project.identityFile.writable;
-    findings.add(isWritten ? "project.script_locked" : "project.unwritable",
-                 fmt::format("nothing can be made or removed in {} (mode {})", place, modeText(inPlace.mode)),
-                 {"chmod u+rwx " + shellWord(place)});
+  if (vestra.exists() && (vestra.mode & 0002) != 0) {
+    findings.add("project.shared_writable", describe(vestra), modeChange(vestra, "o-w"));
   }
-  if (inPlace.exists() && (inPlace.mode & 0002) != 0) {
-    findings.add("project.shared_writable", fmt::format("{} has mode {}", place, modeText(inPlace.mode)),
-                 {"chmod o-w " + shellWord(place)});
-  }
-  if (inPlace.kind == FileKind::missing) {
-    findings.add("send.none", place + " is missing");
-  }
-}
-
-void checkFileSystem(const ProjectFacts& project, Findings& findings) {
-  struct statvfs system {};
-  if (statvfs(project.directory.c_str(), &system) != 0) {
-    return;
-  }
-  if ((system.f_flag & ST_RDONLY) != 0) {
-    findings.add("project.readonly", project.directory + " lies on a read-only file system");
-  } else if (system.f_bavail == 0 || (system.f_files != 0 && system.f_favail == 0)) {
-    findings.add("project.full", "there is no room in " + project.directory);
-  }
-}
-
-void checkName(const ProjectFacts& project, Findings& findings) {
-  const std::size_t found = project.directory.find_first_of(SHELL_CHARACTERS);
-  if (found != std::string::npos) {
-    findings.add("project.shell",
-                 fmt::format("{} holds {} at byte {}; of the log, the shell would write {}",
-                             reading::inQuotes(project.directory, 400),
-                             reading::inQuotes(project.directory.substr(found, 1)), found + 1,
-                             reading::inQuotes(project.directory.substr(0, found))),
-                 {fmt::format("ln -s {} ~/project", shellWord(project.directory))});
+  if (project.root.exists() && vestra.kind == FileKind::missing) {
+    findings.add("send.none", vestra.path + " is missing");
   }
 }
 
@@ -69,8 +29,12 @@ void checkName(const ProjectFacts& project, Findings& findings) {
 
 void checkProject(const Facts& facts, Findings& findings) {
   checkDirectory(facts.project, findings);
-  checkFileSystem(facts.project, findings);
-  checkName(facts.project, findings);
+  const ToolFacts& tool = facts.toolFor(Oza::Vestra::KELVO);
+  if (tool.isPathChanged || tool.isPathUnclear) {
+    findings.add("project.shell", fmt::format("the shell reads {} as {} words than this one",
+                                              reading::inQuotes(facts.project.directory, 400),
+                                              tool.isPathChanged ? "other" : "perhaps other"));
+  }
 }
 
 }  // namespace vestra::inspect

@@ -54,7 +54,7 @@ void checkRules(const ProjectFacts& project, Product product, Findings& findings
   if (rules == nullptr) {
     return;
   }
-  const LookedFile file = readFileAt(rules->file.path);
+  const FileSnapshot file = readFileAt(rules->file.path);
   if (file.text && *file.text != Oza::rulesFileText(product)) {
     findings.add("report.rules", file.path + " differs");
   }

@@ -1,3 +1,9 @@
+#include <sys/stat.h>
+
+#include <unistd.h>
+
+#include <set>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -7,79 +13,71 @@
 namespace vestra::inspect {
 namespace {
 
-const std::vector<std::string> PATH_ADVICE = {"export LD_LIBRARY_PATH=DIRECTORY_OF_THE_LIBRARY"};
+using Oza::support_library::FILE_NAME;
 
-/// All places, one after the other: the reader has to see that his own is missing.
-std::string placesOf(const SearchResult& search) {
-  std::string text;
-  for (const Candidate& candidate : search.tried) {
-    text += fmt::format("{}{} ({}: {})", text.empty() ? "" : ", ", candidate.path, candidate.rule,
-                        candidate.reason);
+/// Who else may change a directory or a file: none of root's and the user's own, unless by its mode.
+std::string otherWriterOf(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
+    return "";
   }
-  return text;
+  if (status.st_uid != 0 && status.st_uid != geteuid()) {
+    return fmt::format("user {}", status.st_uid);
+  }
+  return (status.st_mode & S_IWOTH) != 0                         ? "everybody"
+         : (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0 ? fmt::format("group {}", status.st_gid)
+                                                                 : "";
 }
 
-void checkAbsence(const SupportFacts& support, Findings& findings) {
-  const SearchResult& search = support.search;
-  if (search.tried.empty() || search.tried.back().state != ElfState::broken) {
-    findings.add(
-        "support.absent",
-        fmt::format("{} is at none of the places {}", Oza::support_library::FILE_NAME, placesOf(search)),
-        PATH_ADVICE);
-    return;
+void checkWritability(const SupportFacts& support, Findings& findings) {
+  std::set<std::string> places;
+  for (const std::string& path : support.tried) {
+    places.insert(parentOf(path));
   }
-  const Candidate& broken = search.tried.back();
-  std::string says =
-      fmt::format("{} ({}): \"{}\". The search ends there", broken.path, broken.rule, broken.reason);
-  for (const Candidate& behind : search.notReached) {
-    says += fmt::format("; {} ({}) is not reached", behind.path, behind.rule);
+  if (!support.path.empty()) {
+    places.insert({parentOf(support.path), support.path});
   }
-  findings.add("support.hidden", says, {"rm -r " + shellWord(broken.path)});
+  for (const std::string& place : places) {
+    const std::string writer =
+        place.front() == '/' ? otherWriterOf(place) : "whoever owns the current directory";
+    if (!writer.empty()) {
+      findings.add("support.writable", fmt::format("{} may be written by {}", place, writer),
+                   modeChange(lookAt(place), "go-w"));
+    }
+  }
 }
 
-void checkChosen(const SupportFacts& support, Findings& findings) {
-  const std::string& path = support.search.chosen;
-  if (!support.missingNeeds.empty()) {
-    findings.add("support.needs",
-                 fmt::format("{} needs {}: not found", path, fmt::join(support.missingNeeds, ", ")),
-                 {fmt::format("ldd {}", shellWord(path))});
+std::string placesOf(const SupportFacts& support) {
+  std::set<std::string> places;
+  for (const std::string& path : support.tried) {
+    places.insert(parentOf(path));
   }
-  if (!support.missingEntryPoints.empty()) {
-    findings.add("support.entry",
-                 fmt::format("{} lacks {}", path, fmt::join(support.missingEntryPoints, ", ")),
-                 {fmt::format("nm -D {}", shellWord(path))});
-  }
-  if (support.mayNotRun) {
-    findings.add("support.noexec", path + " lies on a file system that is mounted noexec");
-  }
-  if (support.isStandIn) {
-    findings.add("support.standin", path, {"unset LD_LIBRARY_PATH"});
-  }
+  return places.empty() ? "" : fmt::format("; looked in {}", fmt::join(places, ", "));
 }
 
 }  // namespace
 
 void checkSupport(const Facts& facts, Findings& findings) {
   const SupportFacts& support = facts.support;
-  if (support.search.chosen.empty()) {
-    checkAbsence(support, findings);
-  } else {
-    checkChosen(support, findings);
+  if (support.state == SupportState::absent) {
+    findings.add("support.absent", fmt::format("the loader finds no {}{}", FILE_NAME, placesOf(support)));
+  } else if (support.state == SupportState::unknown) {
+    findings.add("support.unknown", support.reason);
+  } else if (!support.opens()) {
+    findings.add("support.broken", fmt::format("the loader says: {}", support.reason));
+  } else if (!support.missingEntryPoints.empty()) {
+    findings.add("support.entry",
+                 fmt::format("{} lacks {}", support.path, fmt::join(support.missingEntryPoints, ", ")));
   }
-  if (support.hostIsPrivileged) {
-    findings.add("support.secure", facts.view.host + " runs with other rights than its user's");
+  for (const char* answer : {"exec_path", "regid", "environment"}) {
+    if (facts.toolFor(Oza::Vestra::KELVO).isNull(answer)) {
+      findings.add("support.null", fmt::format("the stand-in returns null for {}", answer));
+    }
   }
-  if (!support.inRunpath.empty()) {
-    findings.add("support.runpath",
-                 fmt::format("{} has RUNPATH {}", facts.view.host, *support.host->runpath));
+  if (support.isStandIn) {
+    findings.add("support.standin", support.path);
   }
-  for (const std::string& place : support.writableByOthers) {
-    findings.add("support.writable",
-                 place == "."
-                     ? "an empty element or \".\" in LD_LIBRARY_PATH stands for the current directory"
-                     : fmt::format("others may write {}", place),
-                 place == "." ? PATH_ADVICE : std::vector<std::string>{"chmod o-w " + shellWord(place)});
-  }
+  checkWritability(support, findings);
 }
 
 }  // namespace vestra::inspect

@@ -1,12 +1,13 @@
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <set>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "checks/checks.h"
 #include "handler/product_profile.h"
+#include "reading/visible_text.h"
 
 namespace vestra::inspect {
 namespace {
@@ -16,23 +17,19 @@ bool isWanted(const Facts& facts, const std::string& product) {
                      [&](Product wanted) { return Oza::profileOf(wanted).name == product; });
 }
 
-void checkLog(const Facts& facts, Findings& findings) {
-  const std::string log = facts.project.pathOf(Oza::LOG_FILE);
-  if (!canBeRemoved(log)) {
-    findings.add("tool.log", log + " cannot be removed", {"rm -r " + shellWord(log)});
-  } else if (isWanted(facts, "TAVLO") && facts.project.find("log", "TAVLO") == nullptr) {
-    findings.add("tool.log_missing", log + " is missing");
+/// What stands where the library writes and removes.
+void checkPlaces(const Facts& facts, Product product, Findings& findings) {
+  const ToolFacts& tool = facts.toolFor(product);
+  if (tool.isLogStuck) {
+    findings.add("tool.log", facts.project.pathOf(Oza::LOG_FILE) + " cannot be removed");
   }
-}
-
-/// What stands where the library writes and removes: a file that it may replace, or nothing.
-void checkPlace(const ProjectFacts& project, const char* name, Findings& findings) {
-  const std::string path = project.pathOf(name);
-  const LookedFile file = lookAt(path);
-  if (file.exists() && (!file.isRegular() || !file.writable || !canBeRemoved(path))) {
-    findings.add("tool.script_place",
-                 fmt::format("{} is a {} with mode {}", path, nameOf(file.kind), modeText(file.mode)),
-                 {"rm -r " + shellWord(path)});
+  std::set<std::string> stuck(tool.notWritable.begin(), tool.notWritable.end());
+  stuck.insert(tool.notRemovable.begin(), tool.notRemovable.end());
+  const FileSnapshot directory = lookAt(facts.project.directory + "/vestra");
+  const bool isLocked = directory.kind == FileKind::directory && !mayChangeDirectory(directory.path);
+  if (!stuck.empty() && reasonOf(facts.project).empty()) {
+    findings.add("tool.script_place", fmt::format("{} cannot be replaced or removed", fmt::join(stuck, ", ")),
+                 isLocked ? modeChange(directory, "u+rwx") : Fixes());
   }
 }
 
@@ -61,14 +58,19 @@ void checkCopies(const Facts& facts, const char* product, Findings& findings) {
 }  // namespace
 
 void checkTool(const Facts& facts, Findings& findings) {
-  if (access("/bin/sh", X_OK) != 0) {
+  if (facts.toolFor(Oza::Vestra::KELVO).lacksShell) {
     findings.add("tool.shell", "/bin/sh is missing or may not be run");
   }
-  checkLog(facts, findings);
+  const std::string& missing = facts.toolFor(Oza::Vestra::KELVO).missingTool;
+  if (!missing.empty()) {
+    findings.add("tool.missing",
+                 fmt::format("the stand-in names {}, which is not there", reading::inQuotes(missing)));
+  }
   for (const Product product : {Oza::Vestra::KELVO, Oza::Vestra::TAVLO}) {
-    checkPlace(facts.project, Oza::profileOf(product).script, findings);
-    checkPlace(facts.project, Oza::profileOf(product).rules, findings);
     checkCopies(facts, Oza::profileOf(product).name, findings);
+    if (isWanted(facts, Oza::profileOf(product).name)) {
+      checkPlaces(facts, product, findings);
+    }
   }
 }
 

@@ -1,4 +1,3 @@
-#include <sys/statvfs.h>
 #include <sys/vfs.h>
 
 #include <linux/magic.h>
@@ -24,8 +23,8 @@ bool isUuid(const std::string& text) {
   return fits;
 }
 
-std::string lineRemoval(const std::string& path, std::size_t line) {
-  return fmt::format("sed -i {}d {}", line, shellWord(path));
+Fixes lineRemoval(const UserFacts& user, std::size_t line) {
+  return editOf(user.file, fmt::format("{}d", line));
 }
 
 /// A line that a person would take for an identifier, and the library does not.
@@ -35,60 +34,56 @@ bool isNearMiss(const std::string& line) {
   return word != std::string::npos && lower.find('=', word) != std::string::npos;
 }
 
-void checkLines(const UserFacts& user, Findings& findings) {
+void checkLines(const Facts& facts, Findings& findings) {
+  const UserFacts& user = facts.user;
   const std::vector<std::string> lines = linesOf(*user.file.text);
-  int pairs = 0;
+  bool isFirst = true;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string line = boost::algorithm::trim_copy(lines[i]);
-    const std::string says = fmt::format("{}:{}: {}", user.file.path, i + 1, reading::inQuotes(line));
+    const std::string says =
+        fmt::format("{}:{}: {}", user.file.path, i + 1, facts.secret(line, "<settings-line>"));
     const bool isPair = line.rfind("RandomID=", 0) == 0 && line.find('=', 9) == std::string::npos;
-    pairs += isPair ? 1 : 0;
-    if (isPair && line.size() == 9 && pairs == 1) {
-      findings.add("settings.empty_first", says, {lineRemoval(user.file.path, i + 1)});
+    if (isPair && isFirst && line.size() == 9) {
+      findings.add("settings.empty_first", says, lineRemoval(user, i + 1));
     } else if (!isPair && isNearMiss(line)) {
       findings.add("settings.near_miss", says);
     }
-  }
-  if (pairs > 1) {
-    findings.add("settings.several", fmt::format("{} has {} lines RandomID", user.file.path, pairs));
-  }
-  if (user.file.text->find('\r') != std::string::npos) {
-    findings.add("settings.carriage_return", user.file.path + " has carriage returns");
+    isFirst = isFirst && !isPair;
   }
 }
 
-void checkIdentifier(const UserFacts& user, Findings& findings) {
+void checkIdentifier(const Facts& facts, Findings& findings) {
+  const UserFacts& user = facts.user;
   if (user.randomId.empty()) {
     return;
   }
   const std::string says =
-      fmt::format("{}:{}: {}", user.file.path, user.line, reading::inQuotes(user.randomId));
-  const std::vector<std::string> removal = {lineRemoval(user.file.path, user.line)};
+      fmt::format("{}:{}: {}", user.file.path, user.line, facts.secret(user.randomId, "<user-id>"));
   if (user.randomId.find('\0') != std::string::npos) {
-    findings.add("settings.id_nul", says, removal);
+    findings.add("settings.id_nul", says, lineRemoval(user, user.line));
   } else if (holdsScript(user.randomId)) {
-    findings.add("settings.id_script", says, removal);
+    findings.add("settings.id_script", says, lineRemoval(user, user.line));
   } else if (!isUuid(user.randomId)) {
     findings.add("settings.id_form", says + " is no UUID");
-  }
-  if (!user.file.writable) {
-    findings.add("settings.readonly", user.file.path + " cannot be written");
   }
 }
 
 void checkWriting(const UserFacts& user, Findings& findings) {
   const std::string& path = user.file.path;
   if (!user.makesNew) {
-    const std::string place = user.obstacle.empty() ? path : user.obstacle;
-    findings.add("settings.unwritable", place + " cannot be written", {"chmod u+rwX " + shellWord(place)});
+    const FileSnapshot place = lookAt(user.obstacle.empty() || user.file.link ? path : user.obstacle);
+    findings.add("settings.unwritable", place.path + " cannot be written",
+                 place.path == path && place.isRegular() ? modeChange(place, "u+rw")
+                 : place.kind == FileKind::directory     ? modeChange(place, "u+rwx")
+                                                         : Fixes());
   } else if (user.file.kind == FileKind::missing) {
     findings.add("settings.missing", path + " is missing");
   } else if (!user.file.text) {
-    findings.add("settings.unreadable", path + " cannot be read", {"chmod u+r " + shellWord(path)});
+    findings.add("settings.unreadable", path + " cannot be read", modeChange(user.file, "u+r"));
   } else if (!user.file.text->empty() && user.file.text->back() != '\n') {
     findings.add("settings.no_newline", fmt::format("the last line of {} has no line end", path),
                  {"echo >> " + shellWord(path)});
-  } else {
+  } else if (user.keepsNew) {
     findings.add("settings.none", path + " holds no identifier");
   }
 }
@@ -100,18 +95,16 @@ bool isVolatile(const std::string& directory) {
 }
 
 void checkHome(const Facts& facts, Findings& findings) {
-  const std::string home = facts.view.variable("HOME");
+  const std::string home = facts.context.variable("HOME");
   if (home.empty()) {
-    findings.add("home.unset", "HOME is not set; the settings are " + facts.user.file.path,
-                 {"export HOME=~"});
+    findings.add("home.unset", "HOME is not set; the settings are " + facts.user.file.path);
   } else if (home.front() != '/') {
-    findings.add("home.relative", "HOME is " + reading::inQuotes(home), {"export HOME=~"});
+    findings.add("home.relative", "HOME is " + reading::inQuotes(home));
   } else if (isVolatile(home)) {
     findings.add("home.volatile", home + " lies on a file system in memory or of a container");
   }
-  struct statvfs system {};
-  if (facts.user.makesNew && statvfs(home.c_str(), &system) == 0 && system.f_bavail == 0) {
-    findings.add("settings.full", "there is no room in " + home);
+  if (facts.user.makesNew && isFull(home)) {
+    findings.add("settings.full", "no space or no inodes are left in " + home);
   }
 }
 
@@ -126,14 +119,13 @@ void checkUser(const Facts& facts, Findings& findings) {
   checkHome(facts, findings);
   if (user.file.exists() && !user.file.isRegular()) {
     findings.add("settings.special",
-                 fmt::format("{} is a {}, no file", user.file.path, nameOf(user.file.kind)),
-                 {"rm -r " + shellWord(user.file.path)});
+                 fmt::format("{} is a {}, no file", user.file.path, nameOf(user.file.kind)));
     return;
   }
   if (user.file.text) {
-    checkLines(user, findings);
+    checkLines(facts, findings);
   }
-  checkIdentifier(user, findings);
+  checkIdentifier(facts, findings);
   if (user.randomId.empty()) {
     checkWriting(user, findings);
   }

@@ -1,5 +1,7 @@
 #include "facts/facts.h"
 
+#include "reading/visible_text.h"
+
 namespace vestra::inspect {
 namespace {
 
@@ -8,7 +10,7 @@ void readReports(Facts& facts) {
     if (file.role != "script") {
       continue;
     }
-    LookedFile script = readFileAt(file.file.path);
+    FileSnapshot script = readFileAt(file.file.path);
     if (script.text) {
       facts.reports.push_back(readReport(std::move(script), facts.person));
     }
@@ -26,19 +28,37 @@ const ReportFacts* Facts::reportOf(const std::string& product) const {
   return nullptr;
 }
 
-Facts lookAtAll(const View& view, const std::string& directory, const std::vector<Product>& products) {
+std::string Facts::secret(const std::string& text, const char* mark) const {
+  return isRedacted && *mark != '\0' ? mark : reading::inQuotes(text);
+}
+
+Facts lookAtMachine(const HostContext& context) {
   Facts facts;
-  facts.view = view;
-  facts.person = lookAtPerson(view);
-  facts.user = lookAtUser(view);
-  facts.project = lookAtProject(view, directory);
-  facts.site = lookAtSite(view);
-  facts.support = lookAtSupport(view);
-  readReports(facts);
+  facts.context = context;
+  facts.person = lookAtPerson(context);
+  facts.user = lookAtUser(context);
+  facts.site = lookAtSite(context);
+  facts.support = lookAtSupport(context);
+  return facts;
+}
+
+void lookInto(const std::string& directory, const std::vector<Product>& products, Facts& facts) {
+  facts.project = lookAtProject(facts.context, directory);
   facts.products = products.empty() ? productsOf(facts.project) : products;
+  facts.tools.clear();
+  facts.predictions.clear();
   for (const Product product : allProducts()) {
-    facts.predictions.push_back(predict(view, facts.user, facts.project, facts.support, product));
+    facts.tools.push_back(lookAtTool(facts.context, facts.project, facts.support, product));
+    facts.predictions.push_back(
+        predict(facts.context, facts.user, facts.project, facts.support, facts.tools.back(), product));
   }
+}
+
+Facts lookAtAll(const HostContext& context, const std::string& directory,
+                const std::vector<Product>& products) {
+  Facts facts = lookAtMachine(context);
+  lookInto(directory, products, facts);
+  readReports(facts);
   return facts;
 }
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <limits>
 
-#include "handler/product_profile.h"
+#include "handler/support_library.h"
 
 namespace vestra::inspect {
 namespace {
@@ -16,24 +16,58 @@ std::string reported(const std::string& identifier) {
   return identifier.c_str();  // NOLINT(readability-redundant-string-cstr)
 }
 
-std::string obstacleOf(const ProjectFacts& project, const SupportFacts& support) {
-  switch (project.state) {
-    case IdentityState::damaged:
-      return project.fault->isTooLarge ? "identity.range" : "identity.number";
-    case IdentityState::unusable:
-      return project.identityFile.exists() || project.identityFile.error != 0 ? "identity.unusable"
-                                                                              : "project.unwritable";
-    default:
-      return support.opens() ? "" : "support.absent";
+/// What ends a run before the attempt is counted.
+void decideAtStart(const ProjectFacts& project, const SupportFacts& support, const ToolFacts& tool,
+                   Prediction& next) {
+  const auto is = [&](Outcome outcome, const char* reason) {
+    next.outcome = outcome;
+    next.reason = reason;
+  };
+  next.reason = reasonOf(project);
+  if (!next.reason.empty()) {
+    next.outcome = project.state == IdentityState::unknown ? Outcome::unknown : Outcome::nothing;
+    next.deletesIdentity = project.state == IdentityState::corrupt && canBeRemoved(project.identityFile.path);
+  } else if (support.state == SupportState::unknown) {
+    is(Outcome::unknown, "support.unknown");
+  } else if (!support.opens()) {
+    is(support.state == SupportState::crashes ? Outcome::dies : Outcome::nothing,
+       support.state == SupportState::absent ? "support.absent" : "support.broken");
+  } else if (support.lacks(Oza::support_library::ENVIRONMENT_ENTRY) ||
+             support.lacks(Oza::support_library::REGISTRATION_ENTRY)) {
+    is(Outcome::throws, "support.entry");
+  } else if (tool.isNull("environment") || tool.isNull("regid")) {
+    is(Outcome::throws, "support.null");
   }
 }
 
-/// Where the library fails with the report in its hands: the attempt is counted then.
-std::string laterFault(const ProjectFacts& project, Product product) {
-  if (product == Oza::Vestra::TAVLO && !canBeRemoved(project.pathOf(Oza::LOG_FILE))) {
-    return "tool.log";
+/// What stands in the way of a report that is due.
+void decideWhenDue(const HostContext& context, const SupportFacts& support, const ToolFacts& tool,
+                   Prediction& next) {
+  const bool isRemoved = !context.isSwitchedOn(KEEP_VARIABLE);
+  const struct {
+    bool applies;
+    Outcome outcome;
+    const char* reason;
+  } obstacles[] = {
+      {support.lacks(Oza::support_library::EXEC_PATH_ENTRY), Outcome::throws, "support.entry"},
+      {tool.isNull("exec_path"), Outcome::throws, "support.null"},
+      {tool.isLogStuck, Outcome::throws, "tool.log"},
+      {isRemoved && !tool.notRemovable.empty(), Outcome::throws, "tool.script_place"},
+      {tool.lacksShell, Outcome::lost, "tool.shell"},
+      {!tool.missingTool.empty(), Outcome::lost, "tool.missing"},
+      {tool.isPathChanged, Outcome::lost, "project.shell"},
+      {!tool.notWritable.empty(), Outcome::lost, "tool.script_place"},
+      {tool.isDiskFull, Outcome::lost, "project.full"},
+      {tool.isPathUnclear, Outcome::unknown, "project.shell"},
+  };
+  next.outcome = Outcome::reports;
+  for (const auto& obstacle : obstacles) {
+    if (obstacle.applies) {
+      next.outcome = obstacle.outcome;
+      next.reason = obstacle.reason;
+      return;
+    }
   }
-  return "";
 }
 
 /// A time near the edge of its type stays there.
@@ -42,27 +76,10 @@ std::int64_t dueAfter(std::int64_t last) {
   return last == 0 ? 0 : std::min(last, latest) + SECONDS_PER_DAY + 1;
 }
 
-void decide(const ProjectFacts& project, const SupportFacts& support, Prediction& next) {
-  next.reason = obstacleOf(project, support);
-  next.deletesIdentity = project.state == IdentityState::damaged && canBeRemoved(project.identityFile.path);
-  if (!next.reason.empty()) {
-    return;
-  }
-  if (!support.missingEntryPoints.empty()) {
-    next.reason = "support.entry";
-    next.outcome = Outcome::throws;
-  } else if (!next.isDue) {
-    next.outcome = Outcome::notDue;
-  } else {
-    next.reason = laterFault(project, next.product);
-    next.outcome = next.reason.empty() ? Outcome::reports : Outcome::throws;
-  }
-}
-
 }  // namespace
 
-Prediction predict(const View& view, const UserFacts& user, const ProjectFacts& project,
-                   const SupportFacts& support, Product product) {
+Prediction predict(const HostContext& context, const UserFacts& user, const ProjectFacts& project,
+                   const SupportFacts& support, const ToolFacts& tool, Product product) {
   Prediction next;
   next.product = product;
   next.makesProjectId = project.state == IdentityState::fresh;
@@ -72,19 +89,24 @@ Prediction predict(const View& view, const UserFacts& user, const ProjectFacts& 
   next.randomId = reported(user.randomId);
   next.last = Oza::lastSendTime(project.identity, product);
   next.dueFrom = dueAfter(next.last);
-  next.isDue = Oza::isReportDue(project.identity, product, view.now);
-  decide(project, support, next);
+  next.isDue = Oza::isReportDue(project.identity, product, context.now);
+  decideAtStart(project, support, tool, next);
+  if (next.reason.empty()) {
+    decideWhenDue(context, support, tool, next);
+    next.outcome = next.isDue ? next.outcome : Outcome::notDue;
+  }
   return next;
 }
 
 const char* nameOf(Outcome outcome) {
-  constexpr std::array<const char*, 4> names = {"reports", "not_due", "nothing", "throws"};
+  constexpr std::array<const char*, 7> names = {"reports", "not_due", "nothing", "throws",
+                                                "lost",    "dies",    "unknown"};
   return names.at(static_cast<std::size_t>(outcome));
 }
 
-Oza::ProjectIdentity identityAfter(const View& view, const ProjectFacts& project, Product product) {
+Oza::ProjectIdentity identityAfter(const HostContext& context, const ProjectFacts& project, Product product) {
   Oza::ProjectIdentity after = project.identity;
-  Oza::countAttempt(after, product, view.now);
+  Oza::countAttempt(after, product, context.now);
   return after;
 }
 

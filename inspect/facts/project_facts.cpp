@@ -1,5 +1,8 @@
 #include "facts/project_facts.h"
 
+#include <sys/statvfs.h>
+
+#include <cerrno>
 #include <sstream>
 #include <stdexcept>
 
@@ -38,7 +41,7 @@ std::optional<NumberFault> faultIn(const std::string& text) {
 IdentityState stateOfText(ProjectFacts& project) {
   project.fault = faultIn(*project.identityFile.text);
   if (project.fault) {
-    return IdentityState::damaged;
+    return IdentityState::corrupt;
   }
   std::istringstream in(*project.identityFile.text);
   Oza::readProjectIdentity(in, project.identity);
@@ -46,27 +49,40 @@ IdentityState stateOfText(ProjectFacts& project) {
 }
 
 IdentityState stateOf(ProjectFacts& project) {
-  const LookedFile& file = project.identityFile;
+  const FileSnapshot& file = project.identityFile;
   if (file.kind == FileKind::missing) {
-    const std::string target =
-        file.link ? boost::filesystem::weakly_canonical(file.path).string() : file.path;
-    const std::string directory = target.substr(0, target.find_last_of('/') + 1);
-    const bool canBeMade = canHoldFiles(project.vestra.path, project.obstacle) &&
-                           (!file.link || canHoldFiles(directory, project.obstacle));
+    const bool canBeMade =
+        canHoldFiles(project.vestra.path, project.obstacle) && (!file.link || canCreateTarget(file));
     return canBeMade ? IdentityState::fresh : IdentityState::unusable;
   }
   if (file.kind == FileKind::device && file.writable) {
     return IdentityState::unreadable;
   }
-  if (!file.isRegular() || !file.writable || file.readFailed) {
+  if (file.kind == FileKind::unknown && file.error != ELOOP && file.error != EACCES) {
+    return IdentityState::unknown;
+  }
+  if (!file.isRegular() || !file.writable || (!file.text && !file.isUnreadable())) {
     return IdentityState::unusable;
   }
   return file.text ? stateOfText(project) : IdentityState::unreadable;
 }
 
+/// Why there can be no identity file where there is none.
+std::string whyNotCreated(const ProjectFacts& project) {
+  const std::string vestra = project.directory + "/vestra";
+  struct statvfs system {};
+  if (lookAt(vestra).exists() && lookAt(vestra).kind != FileKind::directory) {
+    return "project.vestra_is_file";
+  }
+  if (statvfs(project.obstacle.c_str(), &system) == 0 && (system.f_flag & ST_RDONLY) != 0) {
+    return "project.readonly";
+  }
+  return mayChangeDirectory(project.obstacle) ? "project.full" : "project.unwritable";
+}
+
 void addFile(const std::string& role, const Oza::ProductProfile& product, const char* name,
              ProjectFacts& project) {
-  LookedFile file = lookAt(project.pathOf(name));
+  FileSnapshot file = lookAt(project.pathOf(name));
   if (file.exists() || file.link) {
     project.files.push_back({role, product.name, std::move(file)});
   }
@@ -103,12 +119,34 @@ const ReportFile* ProjectFacts::find(const std::string& role, const std::string&
   return nullptr;
 }
 
-ProjectFacts lookAtProject(const View& view, const std::string& directory) {
+std::string reasonOf(const ProjectFacts& project) {
+  const FileSnapshot& file = project.identityFile;
+  if (project.state == IdentityState::unknown) {
+    return "identity.unknown";
+  }
+  if (project.state == IdentityState::corrupt) {
+    return "identity.number";
+  }
+  if (project.state != IdentityState::unusable) {
+    return "";
+  }
+  if (file.kind == FileKind::missing) {
+    return file.link ? "identity.link" : whyNotCreated(project);
+  }
+  if (file.kind == FileKind::unknown) {
+    return file.error == ELOOP ? "identity.loop" : "identity.unwritable";
+  }
+  return !file.isRegular() ? "identity.special"
+         : !file.writable  ? "identity.unwritable"
+                           : "identity.read_error";
+}
+
+ProjectFacts lookAtProject(const HostContext& context, const std::string& directory) {
   ProjectFacts project;
-  project.directory = boost::filesystem::absolute(directory, view.currentDirectory).string();
+  project.directory = boost::filesystem::absolute(directory, context.currentDirectory).string();
   project.root = lookAt(project.directory);
   project.vestra = lookAt(Oza::vestraDirectoryOf(project.directory));
-  project.identityFile = readFileAt(project.pathOf(Oza::PROJECT_IDENTITY_FILE));
+  project.identityFile = readFileAt(project.pathOf(Oza::PROJECT_IDENTITY_FILE), LARGEST_RECORD);
   project.state = stateOf(project);
   addFiles(Oza::Vestra::KELVO, project);
   addFiles(Oza::Vestra::TAVLO, project);

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "facts/looked_file.h"
-#include "facts/view.h"
+#include "facts/file_snapshot.h"
+#include "facts/host_context.h"
 #include "identity/project_identity.h"
 
 namespace vestra::inspect {
@@ -19,12 +19,14 @@ enum class IdentityState {
   /// It can be written and not read: the next report empties it.
   unreadable,
   /// One of its numbers is none: the next run deletes it and reports nothing.
-  damaged,
+  corrupt,
   /// Nothing is reported and nothing changes.
   unusable,
+  /// It could not be looked at.
+  unknown,
 };
 
-/// The fault of a damaged identity file.
+/// The fault of a corrupt identity file.
 struct NumberFault {
   /// Counted from 1.
   std::size_t line = 0;
@@ -37,16 +39,16 @@ struct ReportFile {
   std::string role;
   /// "KELVO" or "TAVLO"
   std::string product;
-  LookedFile file;
+  FileSnapshot file;
 };
 
 struct ProjectFacts {
   /// Absolute, as the library makes it.
   std::string directory;
-  LookedFile root;
+  FileSnapshot root;
   /// The vestra directory, with a final slash in its path.
-  LookedFile vestra;
-  LookedFile identityFile;
+  FileSnapshot vestra;
+  FileSnapshot identityFile;
   IdentityState state = IdentityState::fresh;
   Oza::ProjectIdentity identity;
   std::optional<NumberFault> fault;
@@ -59,7 +61,10 @@ struct ProjectFacts {
   std::string pathOf(const std::string& name) const { return vestra.path + name; }
 };
 
-ProjectFacts lookAtProject(const View& view, const std::string& directory);
+ProjectFacts lookAtProject(const HostContext& context, const std::string& directory);
+
+/// The finding that keeps runs from using the identity file; empty without one.
+std::string reasonOf(const ProjectFacts& project);
 
 /// The project that a person in this directory means: the nearest one upwards that holds an
 /// identity file, else the directory itself.

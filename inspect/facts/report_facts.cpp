@@ -20,6 +20,8 @@ constexpr const char* TRANSMIT = "\nvestra_transmit -clientid ";
 constexpr std::int64_t SECONDS_PER_HOUR = 3600;
 // The file's time is told by the file system, the hour in the time zone of the host.
 constexpr std::int64_t HOURS_AROUND = 36;
+// A file's time may be any number; localtime knows these years.
+constexpr std::int64_t LAST_SECOND = 253402300799;
 
 /// The text between two marks; empty when they are not there.
 std::string between(const std::string& text, std::size_t from, const std::string& begin,
@@ -96,6 +98,9 @@ void readItems(const std::string& text, const PersonFacts& person, ReportFacts& 
     ReportedItem item;
     item.hazard = reading::hazardOf(written);
     item.isRepeated = !keys.emplace(written.context, written.key).second;
+    item.isIdentifier =
+        written.client == "project" &&
+        (written.key == "project_id" || written.key == "random_id" || written.key == "registration_id");
     item.personal = personalIn(written.value, person);
     item.written = std::move(written);
     report.items.push_back(std::move(item));
@@ -181,7 +186,7 @@ bool looksLikeScript(const std::string& text) {
   return text.rfind(INIT, 0) == 0 || text.find("\nvestra_add_data ") != std::string::npos;
 }
 
-ReportFacts readReport(LookedFile file, const PersonFacts& person) {
+ReportFacts readReport(FileSnapshot file, const PersonFacts& person) {
   ReportFacts report;
   report.file = std::move(file);
   const std::string& text = *report.file.text;
@@ -192,7 +197,8 @@ ReportFacts readReport(LookedFile file, const PersonFacts& person) {
   const auto registrations = registrationsIn(text, report);
   noteLostClients(registrations, report);
   if (!report.checksum.empty()) {
-    report.checksumHour = hourOf(report.checksum, checksumText(report, registrations), report.file.modified);
+    report.checksumHour = hourOf(report.checksum, checksumText(report, registrations),
+                                 std::clamp<std::int64_t>(report.file.modified, 0, LAST_SECOND));
   }
   return report;
 }

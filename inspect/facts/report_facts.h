@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "facts/looked_file.h"
+#include "facts/file_snapshot.h"
+#include "facts/host_context.h"
 #include "facts/user_facts.h"
-#include "facts/view.h"
 #include "reading/written_items.h"
 
 namespace vestra::inspect {
@@ -18,6 +18,8 @@ struct ReportedItem {
   reading::WrittenItem written;
   /// Why the interpreter reads it otherwise; nothing when it does not.
   std::optional<std::string> hazard;
+  /// "project_id", "random_id" or "registration_id" of section 0.
+  bool isIdentifier = false;
   /// Whether an item before it in its section has the same key.
   bool isRepeated = false;
   /// What it gives away: "your login name", "your home directory", ...
@@ -26,7 +28,7 @@ struct ReportedItem {
 
 /// A report script, read as far as it goes.
 struct ReportFacts {
-  LookedFile file;
+  FileSnapshot file;
   /// "KELVO" or "TAVLO"
   std::string product;
   /// The vestra directory that it names; empty when its first line is damaged.
@@ -51,7 +53,7 @@ struct ReportFacts {
 bool looksLikeScript(const std::string& text);
 
 /// @param file  With its bytes.
-ReportFacts readReport(LookedFile file, const PersonFacts& person);
+ReportFacts readReport(FileSnapshot file, const PersonFacts& person);
 
 }  // namespace vestra::inspect
 

@@ -1,22 +1,22 @@
 #include "facts/site_facts.h"
 
+#include <boost/algorithm/string/case_conv.hpp>
+
 #include "facts/user_facts.h"
 #include "handler/site_detection.h"
 
 namespace vestra::inspect {
 namespace {
 
-/// The first line that alone names the maker's domain, and the first column from which
-/// it still does.
+/// The first line that alone names the maker's domain, and where it last begins there.
 void findEvidence(const std::string& text, SiteFacts& site) {
   const std::vector<std::string> lines = linesOf(text);
   site.resolverLines = lines.size();
   for (std::size_t i = 0; i < lines.size() && site.line == 0; ++i) {
-    std::size_t column = 0;
-    while (Oza::namesMakerDomain(lines[i].substr(column), Oza::makerDomain())) {
-      ++column;
+    const std::size_t column = boost::algorithm::to_lower_copy(lines[i]).rfind(Oza::makerDomain());
+    if (column != std::string::npos) {
+      site.column = column + 1;
       site.line = i + 1;
-      site.column = column;
       site.lineText = lines[i];
     }
   }
@@ -24,9 +24,9 @@ void findEvidence(const std::string& text, SiteFacts& site) {
 
 }  // namespace
 
-SiteFacts lookAtSite(const View& view) {
+SiteFacts lookAtSite(const HostContext& context) {
   SiteFacts site;
-  site.overrideIsOn = view.isSwitchedOn(INTERNAL_VARIABLE);
+  site.overrideIsOn = context.isSwitchedOn(INTERNAL_VARIABLE);
   const std::optional<std::string> domainName = Oza::machineDomainName();
   if (!domainName) {
     return site;

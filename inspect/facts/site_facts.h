@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "facts/view.h"
+#include "facts/host_context.h"
 
 namespace vestra::inspect {
 
@@ -25,7 +25,7 @@ struct SiteFacts {
   std::string lineText;
 };
 
-SiteFacts lookAtSite(const View& view);
+SiteFacts lookAtSite(const HostContext& context);
 
 }  // namespace vestra::inspect
 

@@ -1,43 +1,49 @@
 #ifndef VESTRA_INSPECT_FACTS_SUPPORT_FACTS_H
 #define VESTRA_INSPECT_FACTS_SUPPORT_FACTS_H
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "facts/looked_file.h"
-#include "facts/view.h"
-#include "loader/library_search.h"
+#include "facts/host_context.h"
 
 namespace vestra::inspect {
 
-/// What the loader would take for the support library, and whether it would do.
-struct SupportFacts {
-  SearchResult search;
-  LookedFile file;
-  /// Libraries that it needs and that are not found.
-  std::vector<std::string> missingNeeds;
-  std::vector<std::string> missingEntryPoints;
-  /// On a file system that forbids programs, or not readable.
-  bool mayNotRun = false;
-  /// The test kit's, which transmits nothing.
-  bool isStandIn = false;
-  /// Directories of the search whose files others may change.
-  std::vector<std::string> writableByOthers;
-  /// The program, when one was named.
-  std::optional<ElfFile> host;
-  /// Set-user-ID, set-group-ID or with capabilities.
-  bool hostIsPrivileged = false;
-  /// Where the library would be if the host's RUNPATH counted; empty otherwise.
-  std::string inRunpath;
-
-  bool opens() const { return !search.chosen.empty() && missingNeeds.empty() && !mayNotRun; }
+enum class SupportState {
+  found,
+  /// The loader finds none.
+  absent,
+  /// The loader cannot load it, or something that it needs.
+  broken,
+  /// Loading it ends the process.
+  crashes,
+  unknown,
 };
 
-SupportFacts lookAtSupport(const View& view);
+/// What the system's loader says of the support library, and whether it would do.
+struct SupportFacts {
+  SupportState state = SupportState::unknown;
+  /// The library; empty when none was found.
+  std::string path;
+  /// Why it is not found, in the loader's words, or why that is not known.
+  std::string reason;
+  /// The files that the loader tried, where their directory exists.
+  std::vector<std::string> tried;
+  std::vector<std::string> missingEntryPoints;
+  /// The test kit's, which transmits nothing.
+  bool isStandIn = false;
 
-/// Whether the loader withholds LD_LIBRARY_PATH and LD_PRELOAD from a program.
+  bool opens() const { return state == SupportState::found; }
+  bool lacks(const std::string& entryPoint) const;
+};
+
+SupportFacts lookAtSupport(const HostContext& context);
+
+/// Whether the loader withholds LD_LIBRARY_PATH and LD_PRELOAD from a program: set-user-ID,
+/// set-group-ID or with capabilities.
 bool isPrivileged(const std::string& program);
+
+/// "found", "absent", "broken", "crashes", "unknown"
+const char* nameOf(SupportState state);
 
 }  // namespace vestra::inspect
 

@@ -47,6 +47,11 @@ bool isFoundAgain(const std::string& text) {
 
 }  // namespace
 
+bool isPlainNumber(const std::string& text) {
+  const std::size_t digits = text.rfind('-', 0) == 0 ? 1 : 0;
+  return text.size() > digits && text.find_first_not_of("0123456789", digits) == std::string::npos;
+}
+
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
   boost::algorithm::split(lines, text, boost::algorithm::is_any_of("\n"));
@@ -56,9 +61,9 @@ std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
-UserFacts lookAtUser(const View& view) {
+UserFacts lookAtUser(const HostContext& context) {
   UserFacts user;
-  user.file = readFileAt(view.settingsPath());
+  user.file = readFileAt(context.settingsPath(), LARGEST_RECORD);
   const std::string text = user.file.text.value_or("");
   user.randomId = whatIsKnown(propertiesOf(text));
   user.line = lineOf(linesOf(text));
@@ -67,7 +72,8 @@ UserFacts lookAtUser(const View& view) {
   }
   const bool canBeWritten =
       user.file.kind == FileKind::missing
-          ? canHoldFiles(Oza::directoryOf(user.file.path, 6), user.obstacle)
+          ? canHoldFiles(Oza::directoryOf(user.file.path, 6), user.obstacle) &&
+                (!user.file.link || canCreateTarget(user.file))
           : user.file.writable && (user.file.isRegular() || user.file.kind == FileKind::device);
   user.makesNew = canBeWritten;
   user.keepsNew =
@@ -76,10 +82,10 @@ UserFacts lookAtUser(const View& view) {
 }
 
 // Asking the C library could open a connection to a name service.
-PersonFacts lookAtPerson(const View& view) {
+PersonFacts lookAtPerson(const HostContext& context) {
   PersonFacts person;
-  person.home = view.variable("HOME");
-  for (const std::string& line : linesOf(readFileAt("/etc/passwd").text.value_or(""))) {
+  person.home = context.variable("HOME");
+  for (const std::string& line : linesOf(readFileAt("/etc/passwd", LARGEST_RECORD).text.value_or(""))) {
     std::vector<std::string> fields;
     boost::algorithm::split(fields, line, boost::algorithm::is_any_of(":"));
     if (fields.size() > 5 && fields[2] == std::to_string(geteuid())) {
@@ -88,8 +94,8 @@ PersonFacts lookAtPerson(const View& view) {
     }
   }
   for (const char* variable : {"USER", "LOGNAME"}) {
-    if (view.isSwitchedOn(variable)) {
-      person.login = view.variable(variable);
+    if (context.isSwitchedOn(variable)) {
+      person.login = context.variable(variable);
     }
   }
   std::array<char, 256> name{};

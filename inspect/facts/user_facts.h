@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "facts/looked_file.h"
-#include "facts/view.h"
+#include "facts/file_snapshot.h"
+#include "facts/host_context.h"
 
 namespace vestra::inspect {
 
 /// The user's settings file and the identifier in it.
 struct UserFacts {
-  LookedFile file;
+  FileSnapshot file;
   /// The identifier that reports carry; empty when there is none.
   std::string randomId;
   /// Where it stands, counted from 1; 0 without one.
@@ -25,7 +25,7 @@ struct UserFacts {
   std::string obstacle;
 };
 
-UserFacts lookAtUser(const View& view);
+UserFacts lookAtUser(const HostContext& context);
 
 /// Who the user is, as far as a value could give it away.
 struct PersonFacts {
@@ -35,7 +35,10 @@ struct PersonFacts {
   std::string hostName;
 };
 
-PersonFacts lookAtPerson(const View& view);
+PersonFacts lookAtPerson(const HostContext& context);
+
+/// Whether a text is digits with at most a minus before them.
+bool isPlainNumber(const std::string& text);
 
 /// The lines of a text, their ends left out; a last line without an end counts.
 std::vector<std::string> linesOf(const std::string& text);

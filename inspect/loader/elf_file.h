@@ -8,36 +8,21 @@
 
 namespace vestra::inspect {
 
-/// What the loader makes of a file that it is offered as a library.
-enum class ElfState {
-  loadable,
-  /// Nothing there, or not readable: the loader goes on to the next place.
-  missing,
-  /// For another machine or word size: the loader goes on as well.
-  wrongClass,
-  /// No library at all: the loader stops here.
-  broken,
-};
-
-/// What an ELF file says to the loader.
+/// What a program or library for this machine says of itself.
 struct ElfFile {
-  std::string path;
-  ElfState state = ElfState::missing;
-  /// Why it is not loadable, in the loader's words.
-  std::string reason;
-  /// Whether it names a loader: a program without one is static.
-  bool hasInterpreter = false;
+  /// The loader that it names; empty for a static program and for most libraries.
+  std::string interpreter;
+  std::string soname;
   std::vector<std::string> needed;
-  /// DT_RPATH and DT_RUNPATH, `$ORIGIN` replaced.
-  std::optional<std::string> rpath;
-  std::optional<std::string> runpath;
+  /// Those of the symbols asked for that it defines for others.
+  std::set<std::string> defined;
+  /// Whether it has the sections that all but the first are read from.
+  bool hasSections = false;
 };
 
-/// Reads a program or a library for this machine.
-ElfFile readElfFile(const std::string& path);
-
-/// Those of `symbols` that the library does not define.
-std::vector<std::string> symbolsMissingIn(const std::string& path, const std::vector<std::string>& symbols);
+/// Reads an ELF file with pread, so that one that is truncated meanwhile does no harm.
+/// @return Nothing for what is no 64-bit x86-64 ELF file, or cannot be read.
+std::optional<ElfFile> readElfFile(const std::string& path, const std::vector<std::string>& symbols = {});
 
 }  // namespace vestra::inspect
 

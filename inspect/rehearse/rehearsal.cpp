@@ -166,7 +166,7 @@ std::string cachedSupportLibrary(View view) {
   view.environment.erase("LD_LIBRARY_PATH");
   view.environment.erase("LD_PRELOAD");
   const SupportFacts support = lookAtSupport(view);
-  return support.search.chosen;
+  return support.path;
 }
 
 std::vector<std::string> environmentFor(const View& view, const std::string& record) {

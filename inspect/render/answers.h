@@ -6,12 +6,21 @@
 
 #include "checks/finding.h"
 #include "facts/facts.h"
+#include "facts/project_list.h"
 #include "render/page.h"
 
 namespace vestra::inspect {
 
-/// Whether, and when, the next run reports: one sentence.
+/// Whether a product's next run reports, when, and why not: "due now", "due at ...", "cannot report: ...",
+/// "cannot tell: ...".
+std::string verdictOf(const Facts& facts, const Prediction& next);
+/// All of them, in one line.
 std::string verdictOf(const Facts& facts);
+/// The project, and a line for each product.
+void writeVerdicts(const Facts& facts, Page& page);
+
+/// Whose permissions the kernel was asked about.
+std::string whoseRights(const Facts& facts);
 
 /// What the shell will be given; "TOOL" for the main design tool, which only the support
 /// library can name.
@@ -23,6 +32,9 @@ std::string whatItProves(const Facts& facts, const ReportFile& file);
 void writeStatus(const Facts& facts, const Findings& findings, Page& page);
 
 void writeDoctor(const Facts& facts, const Findings& findings, Page& page);
+
+std::string verdictOf(const ProjectList& list);
+void writeList(const ProjectList& list, Page& page);
 
 /// The first line of a report's account.
 std::string verdictOf(const ReportFacts& report);

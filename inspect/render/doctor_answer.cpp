@@ -11,7 +11,7 @@ void writeFinding(const Finding& finding, Page& page) {
   page.level(finding.check->level, finding.check->id);
   page.paragraph(2, finding.says + ".");
   page.paragraph(2, finding.check->means);
-  for (const std::string& command : finding.mend) {
+  for (const std::string& command : finding.fixes) {
     page.command(command);
   }
 }
@@ -19,18 +19,18 @@ void writeFinding(const Finding& finding, Page& page) {
 }  // namespace
 
 void writeDoctor(const Facts& facts, const Findings& findings, Page& page) {
-  const bool isHealthy = findings.count(Level::problem) == 0;
-  page.verdict(verdictOf(facts) + (isHealthy ? "; healthy" : ""));
+  writeVerdicts(facts, page);
   for (const Finding& finding : findings.sorted()) {
     writeFinding(finding, page);
   }
   page.blank();
+  page.paragraph(0, "Rights: " + whoseRights(facts) + ".");
   page.paragraph(0, fmt::format("{} checks: {}, {}, {}.", allChecks().size(),
                                 counted(findings.count(Level::problem), "problem"),
                                 counted(findings.count(Level::warning), "warning"),
                                 counted(findings.count(Level::note), "note")));
   page.paragraph(0,
-                 "Not seen from here: what send answered or threw, what the support library answers, whether "
+                 "Not seen from here: what send returned or threw, what the support library answers, whether "
                  "anything was transmitted; refusals by a file server or by SELinux or AppArmor.");
 }
 

@@ -30,12 +30,8 @@ Json timeOf(std::int64_t seconds) {
 }
 
 const char* nameOf(IdentityState state) {
-  constexpr std::array<const char*, 5> names = {"new", "usable", "unreadable", "damaged", "unusable"};
-  return names.at(static_cast<std::size_t>(state));
-}
-
-const char* nameOf(ElfState state) {
-  constexpr std::array<const char*, 4> names = {"chosen", "missing", "wrong_class", "broken"};
+  constexpr std::array<const char*, 6> names = {"new",     "usable",   "unreadable",
+                                                "corrupt", "unusable", "unknown"};
   return names.at(static_cast<std::size_t>(state));
 }
 
@@ -54,11 +50,23 @@ struct Writer {
 
   Json text(const std::string& bytes) const { return reading::byteText(redaction(bytes)); }
 
+  /// An identifier; of one that is longer than any, the beginning and how long it is.
+  Json secret(const Facts& facts, const std::string& identifier, const char* mark) const {
+    constexpr std::size_t longest = 65536;
+    if (facts.isRedacted && !identifier.empty()) {
+      return mark;
+    }
+    return reading::byteText(identifier.size() <= longest
+                                 ? identifier
+                                 : identifier.substr(0, longest) + "... (" +
+                                       std::to_string(identifier.size()) + " bytes)");
+  }
+
   Json texts(const std::vector<std::string>& list) const {
     return listOf(list, [&](const std::string& each) { return text(each); });
   }
 
-  Json file(const LookedFile& looked) const {
+  Json file(const FileSnapshot& looked) const {
     Json json = {{"path", text(looked.path)}, {"state", inspect::nameOf(looked.kind)}};
     if (looked.link) {
       json["link"] = text(*looked.link);
@@ -75,14 +83,14 @@ struct Writer {
     return {{"schema", "vestra-inspect/1"},
             {"tool", VESTRA_VERSION},
             {"command", command},
-            {"now", timeOf(facts.view.now)},
-            {"as", {{"uid", geteuid()}, {"home", text(facts.view.variable("HOME"))}}},
+            {"now", timeOf(facts.context.now)},
+            {"as", {{"uid", geteuid()}, {"home", text(facts.context.variable("HOME"))}}},
             {"verdict", {{"text", text(verdict)}}}};
   }
 
   Json user(const Facts& facts) const {
     const UserFacts& known = facts.user;
-    return {{"random_id", {{"value", text(known.randomId)}, {"line", known.line}}},
+    return {{"random_id", {{"value", secret(facts, known.randomId, "<user-id>")}, {"line", known.line}}},
             {"makes_new", known.makesNew},
             {"keeps_new", known.keepsNew},
             {"settings_file", file(known.file)}};
@@ -92,24 +100,25 @@ struct Writer {
     const ProjectFacts& known = facts.project;
     return {{"directory", text(known.directory)},
             {"state", nameOf(known.state)},
-            {"project_id", {{"value", text(known.identity.projectId)}, {"line", 5}}},
+            {"project_id", {{"value", secret(facts, known.identity.projectId, "<project-id>")}, {"line", 5}}},
             {"iteration", std::to_string(known.identity.iteration)},
             {"orbelo_flow", known.identity.orbeloFlow},
             {"identity_file", file(known.identityFile)}};
   }
 
-  Json prediction(const Prediction& next) const {
+  Json prediction(const Facts& facts, const Prediction& next) const {
     Json json = {{"product", inspect::nameOf(next.product)},
                  {"slot", next.product == Oza::Vestra::KELVO_ALT ? 2 : 1},
                  {"last", timeOf(next.last)},
                  {"due_from", timeOf(next.dueFrom)},
                  {"is_due", next.isDue},
                  {"next_run", inspect::nameOf(next.outcome)},
+                 {"verdict", text(verdictOf(facts, next))},
                  {"reason", next.reason},
                  {"deletes_identity", next.deletesIdentity},
                  {"iteration", std::to_string(next.iteration)},
-                 {"project_id", next.makesProjectId ? Json() : text(next.projectId)},
-                 {"random_id", next.makesRandomId ? Json() : text(next.randomId)}};
+                 {"project_id", next.makesProjectId ? Json() : secret(facts, next.projectId, "<project-id>")},
+                 {"random_id", next.makesRandomId ? Json() : secret(facts, next.randomId, "<user-id>")}};
     return json;
   }
 
@@ -128,29 +137,21 @@ struct Writer {
             {"evidence", evidence}};
   }
 
-  Json candidate(const Candidate& each, const char* state) const {
-    return {{"path", text(each.path)}, {"rule", each.rule}, {"state", state}, {"reason", each.reason}};
-  }
-
   Json support(const SupportFacts& known) const {
-    Json candidates = listOf(known.search.tried,
-                             [&](const Candidate& each) { return candidate(each, nameOf(each.state)); });
-    for (const Candidate& each : known.search.notReached) {
-      candidates.push_back(candidate(each, "not_reached"));
-    }
-    return {{"candidates", candidates},
-            {"chosen", known.search.chosen.empty() ? Json() : text(known.search.chosen)},
-            {"needs_missing", texts(known.missingNeeds)},
+    return {{"state", inspect::nameOf(known.state)},
+            {"chosen", known.path.empty() ? Json() : text(known.path)},
+            {"reason", text(known.reason)},
+            {"tried", texts(known.tried)},
             {"entry_points_missing", known.missingEntryPoints},
             {"stand_in", known.isStandIn},
             {"answers", nullptr}};
   }
 
-  Json variable(const View& view, const char* name) const {
-    const bool isSet = view.environment.count(name) != 0;
+  Json variable(const HostContext& context, const char* name) const {
+    const bool isSet = context.environment.count(name) != 0;
     return {{"name", name},
-            {"value", isSet ? text(view.variable(name)) : Json()},
-            {"on", view.isSwitchedOn(name)}};
+            {"value", isSet ? text(context.variable(name)) : Json()},
+            {"on", context.isSwitchedOn(name)}};
   }
 
   Json commandLine(const Facts& facts, Product product) const {
@@ -170,19 +171,21 @@ struct Writer {
             {"level", inspect::nameOf(found.check->level)},
             {"says", text(found.says)},
             {"means", found.check->means},
-            {"mend", texts(found.mend)}};
+            {"fix", texts(found.fixes)}};
   }
 
   Json status(const Facts& facts, const Findings& findings, const std::string& command) const {
     Json document = head(facts, command, verdictOf(facts));
     document["user"] = user(facts);
     document["project"] = project(facts);
-    document["due"] = listOf(facts.predictions, [&](const Prediction& each) { return prediction(each); });
+    document["due"] =
+        listOf(facts.predictions, [&](const Prediction& each) { return prediction(facts, each); });
     document["site"] = site(facts.site);
     document["support"] = support(facts.support);
     document["command_lines"] =
         listOf(facts.products, [&](Product each) { return commandLine(facts, each); });
-    document["switches"] = {variable(facts.view, KEEP_VARIABLE), variable(facts.view, INTERNAL_VARIABLE)};
+    document["switches"] = {variable(facts.context, KEEP_VARIABLE),
+                            variable(facts.context, INTERNAL_VARIABLE)};
     document["files"] =
         listOf(facts.project.files, [&](const ReportFile& each) { return reportFile(facts, each); });
     document["findings"] = listOf(findings.sorted(), [&](const Finding& each) { return finding(each); });
@@ -195,7 +198,8 @@ struct Writer {
             {"client", text(written.client)},
             {"context", text(written.context)},
             {"key", text(written.key)},
-            {"value", text(written.value)},
+            {"value",
+             each.isIdentifier && redaction.isOn() ? Json("<" + written.key + ">") : text(written.value)},
             {"hazard", each.hazard ? text(*each.hazard) : Json()},
             {"repeated", each.isRepeated},
             {"personal", each.personal}};
@@ -240,6 +244,22 @@ struct Writer {
     return document;
   }
 
+  Json listed(const ListedProject& each) const {
+    return {{"directory", text(each.directory)},
+            {"products", listOf(each.products, [](Product product) { return inspect::nameOf(product); })},
+            {"last", timeOf(each.last)},
+            {"next", text(each.next)},
+            {"attempts", std::to_string(each.attempts)},
+            {"problems", each.problems}};
+  }
+
+  Json list(const Facts& machine, const ProjectList& known) const {
+    Json document = head(machine, "list", verdictOf(known));
+    document["projects"] = listOf(known.projects, [&](const ListedProject& each) { return listed(each); });
+    document["unreadable"] = known.unreadable;
+    return document;
+  }
+
   Json failure(const std::string& command, const std::string& reason) const {
     return {{"schema", "vestra-inspect/1"},
             {"tool", VESTRA_VERSION},
@@ -249,7 +269,7 @@ struct Writer {
   }
 };
 
-std::string textOf(const Json& document) { return document.dump(2) + "\n"; }
+std::string textOf(const Json& document) { return document.dump(2, ' ', true) + "\n"; }
 
 }  // namespace
 
@@ -268,6 +288,10 @@ std::string reportDocument(const ReportFacts& report, const Redaction& redaction
 
 std::string rehearsalDocument(const Rehearsal& rehearsal, const Redaction& redaction) {
   return textOf(Writer{redaction}.rehearsal(rehearsal));
+}
+
+std::string listDocument(const Facts& machine, const ProjectList& list, const Redaction& redaction) {
+  return textOf(Writer{redaction}.list(machine, list));
 }
 
 std::string failureDocument(const std::string& command, const std::string& reason,

@@ -5,6 +5,7 @@
 
 #include "checks/finding.h"
 #include "facts/facts.h"
+#include "facts/project_list.h"
 #include "rehearse/rehearsed.h"
 #include "render/redaction.h"
 
@@ -19,6 +20,7 @@ std::string statusDocument(const Facts& facts, const Findings& findings, const s
 std::string reportsDocument(const Facts& facts, const std::string& verdict, const Redaction& redaction);
 std::string reportDocument(const ReportFacts& report, const Redaction& redaction);
 std::string rehearsalDocument(const Rehearsal& rehearsal, const Redaction& redaction);
+std::string listDocument(const Facts& machine, const ProjectList& list, const Redaction& redaction);
 /// A document that says only what went wrong.
 std::string failureDocument(const std::string& command, const std::string& reason,
                             const Redaction& redaction);

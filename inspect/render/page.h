@@ -34,6 +34,7 @@ class Page {
   void blank() { written += '\n'; }
 
   const std::string& text() const { return written; }
+  bool isRedacted() const { return redaction.isOn(); }
 
  private:
   std::string marked(const char* code, const std::string& text) const;

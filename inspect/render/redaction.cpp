@@ -2,11 +2,25 @@
 
 #include <algorithm>
 #include <cctype>
+#include <string_view>
 
 #include <fmt/format.h>
 
 namespace vestra::inspect {
 namespace {
+
+// Of a record that is no identity, the beginning is enough: what is shown of it is marked by its source.
+constexpr std::size_t LONGEST_RECORD = 4096;
+
+/// "VESTRA_TEST_KELVO_REG" is that of "REG".
+std::string withoutTestMark(const std::string& registration) {
+  for (const char* prefix : {"VESTRA_TEST_KELVO_", "VESTRA_TEST_TAVLO_"}) {
+    if (registration.rfind(prefix, 0) == 0) {
+      return registration.substr(std::string_view(prefix).size());
+    }
+  }
+  return registration;
+}
 
 bool isPartOfWord(const std::string& text, std::size_t position) {
   return position < text.size() && std::isalnum(static_cast<unsigned char>(text[position])) != 0;
@@ -27,7 +41,7 @@ void replaceIn(std::string& text, const std::string& what, const std::string& wi
 
 }  // namespace
 
-Redaction::Redaction(const PersonFacts& person) {
+Redaction::Redaction(const PersonFacts& person) : on(true) {
   mark(person.home, "<home>", true);
   mark(person.login, "<login>", true);
   mark(person.fullName, "<name>", true);
@@ -35,14 +49,20 @@ Redaction::Redaction(const PersonFacts& person) {
 }
 
 // Identifiers may hold a name, and are marked before it.
-Redaction::Redaction(const Facts& facts) {
+Redaction::Redaction(const Facts& facts) : on(true) {
   mark(facts.user.randomId, "<user-id>", false);
   mark(facts.project.identity.projectId, "<project-id>", false);
+  for (const std::string& line :
+       linesOf(facts.project.identityFile.text.value_or("").substr(0, LONGEST_RECORD))) {
+    mark(isPlainNumber(line) ? "" : line, "<project-id>", false);
+  }
   int number = 0;
   for (const ReportFacts& report : facts.reports) {
     ++number;
-    mark(report.projectFact("random_id"), fmt::format("<report-user-id-{}>", number), false);
-    mark(report.projectFact("project_id"), fmt::format("<report-project-id-{}>", number), false);
+    for (const char* key : {"random_id", "project_id", "registration_id"}) {
+      mark(report.projectFact(key), fmt::format("<report-{}-{}>", key, number), false);
+    }
+    mark(withoutTestMark(report.registration), "<registration>", false);
   }
   const Redaction person(facts.person);
   marks.insert(marks.end(), person.marks.begin(), person.marks.end());

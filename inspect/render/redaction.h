@@ -21,6 +21,7 @@ class Redaction {
   explicit Redaction(const Facts& facts);
 
   std::string operator()(std::string text) const;
+  bool isOn() const { return on; }
 
  private:
   /// @param wordsOnly  Leaves it where it is a part of a longer word.
@@ -32,6 +33,7 @@ class Redaction {
     bool wordsOnly;
   };
   std::vector<Mark> marks;
+  bool on = false;
 };
 
 }  // namespace vestra::inspect

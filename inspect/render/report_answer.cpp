@@ -37,7 +37,8 @@ std::string shown(const std::string& text) {
 /// Keys may be long; their values then stand below.
 void writeItem(const ReportedItem& item, Page& page) {
   const reading::WrittenItem& written = item.written;
-  page.row((isMarked(item) ? "! " : "  ") + shown(written.key), shown(written.value));
+  page.row((isMarked(item) ? "! " : "  ") + shown(written.key),
+           item.isIdentifier && page.isRedacted() ? "<" + written.key + ">" : shown(written.value));
   if (item.hazard) {
     page.row("", fmt::format("line {}: {}", written.line, *item.hazard));
   }

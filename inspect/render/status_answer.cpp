@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -12,14 +14,24 @@
 namespace vestra::inspect {
 namespace {
 
+// A record is read to its first MiB: what of it is shown is enough to recognise it.
+std::string shownIdentifier(const Facts& facts, const std::string& identifier, const char* mark) {
+  constexpr std::size_t longest = 200;
+  return facts.isRedacted ? mark
+         : identifier.size() <= longest
+             ? identifier
+             : fmt::format("{}... ({} bytes)", identifier.substr(0, longest), identifier.size());
+}
+
 void writeUser(const Facts& facts, Page& page) {
   const UserFacts& user = facts.user;
   page.heading("You");
+  page.row("rights", whoseRights(facts));
   if (!user.randomId.empty()) {
-    page.row("identifier", user.randomId);
+    page.row("identifier", shownIdentifier(facts, user.randomId, "<user-id>"));
     page.row("", fmt::format("line {} of {}", user.line, user.file.path));
   } else if (user.makesNew) {
-    page.row("identifier", fmt::format("none yet. The first report makes a random one and {} {} ({})",
+    page.row("identifier", fmt::format("none yet. The first report creates a random one and {} {} ({})",
                                        user.keepsNew ? "keeps it in" : "cannot keep it in", user.file.path,
                                        nameOf(user.file.kind)));
   } else {
@@ -42,9 +54,10 @@ void writeProject(const Facts& facts, Page& page) {
       page.row("identifier", "none yet: the program's own, or a random one");
       break;
     case IdentityState::usable:
-      page.row("identifier", project.identity.projectId.empty()
-                                 ? "empty, and stays so"
-                                 : project.identity.projectId + originOf(project));
+      page.row("identifier",
+               project.identity.projectId.empty()
+                   ? "empty, and stays so"
+                   : shownIdentifier(facts, project.identity.projectId, "<project-id>") + originOf(project));
       page.row("", fmt::format("line 5 of {}", project.identityFile.path));
       break;
     default:
@@ -57,22 +70,22 @@ void writeProject(const Facts& facts, Page& page) {
                : fmt::format("number {}", project.identity.iteration));
 }
 
-std::string whenOf(const Facts& facts, const Prediction& next) {
-  if (next.last == 0) {
-    return "due now (never sent)";
-  }
-  if (next.isDue) {
-    return fmt::format("due now: last handed over {}, {} ago", timeText(next.last),
-                       durationText(facts.view.now - next.last));
-  }
-  return fmt::format("not due before {}, in {}: last handed over {}", timeText(next.dueFrom),
-                     durationText(next.dueFrom - facts.view.now), timeText(next.last));
+/// Files of the design tool beside an identity that records no report.
+std::string traceBeside(const Facts& facts, const Prediction& next) {
+  const ReportFile* xml = facts.project.find("xml", Oza::profileOf(next.product).name);
+  return next.last != 0 || xml == nullptr
+             ? ""
+             : fmt::format("; {} of {} lies beside it", xml->role, timeText(xml->file.modified));
 }
 
 void writeWhen(const Facts& facts, Page& page) {
   page.heading("When");
-  page.row("KELVO, TAVLO", whenOf(facts, facts.predictionFor(Oza::Vestra::KELVO)));
-  page.row("KELVO_ALT", whenOf(facts, facts.predictionFor(Oza::Vestra::KELVO_ALT)));
+  for (const Prediction& next : facts.predictions) {
+    page.row(nameOf(next.product), verdictOf(facts, next));
+    page.row("", (next.last == 0 ? "no report is recorded as handed over"
+                                 : "last handed over " + timeText(next.last)) +
+                     traceBeside(facts, next));
+  }
 }
 
 void writeSite(const Facts& facts, Page& page) {
@@ -92,37 +105,19 @@ void writeSite(const Facts& facts, Page& page) {
   }
 }
 
-const char* wordOf(ElfState state) {
-  switch (state) {
-    case ElfState::loadable:
-      return "taken";
-    case ElfState::missing:
-      return "not there";
-    case ElfState::wrongClass:
-      return "passed";
-    default:
-      return "the search ends here";
-  }
-}
-
 void writeSupport(const Facts& facts, Page& page) {
   const SupportFacts& support = facts.support;
   page.heading("Support library");
-  page.row(support.opens() ? "found" : "NOT FOUND",
-           support.search.chosen.empty() ? Oza::support_library::FILE_NAME : support.search.chosen);
-  for (const Candidate& each : support.search.tried) {
-    if (each.state != ElfState::missing || support.search.chosen.empty()) {
-      page.row("", fmt::format("{} by {}: {}{}", each.path, each.rule, wordOf(each.state),
-                               each.state == ElfState::loadable ? "" : " (" + each.reason + ")"));
-    }
+  page.row(nameOf(support.state), support.path.empty() ? Oza::support_library::FILE_NAME : support.path);
+  if (!support.opens()) {
+    page.row("", support.reason);
+  } else if (support.missingEntryPoints.empty()) {
+    page.row("", "has all three entry points; was not asked");
+  } else {
+    page.row("", fmt::format("lacks {}", fmt::join(support.missingEntryPoints, ", ")));
   }
-  for (const Candidate& each : support.search.notReached) {
-    page.row("", fmt::format("{} by {}: not reached", each.path, each.rule));
-  }
-  if (!support.search.chosen.empty()) {
-    page.row("", support.missingEntryPoints.empty()
-                     ? "has all three entry points; was not asked"
-                     : fmt::format("lacks {}", fmt::join(support.missingEntryPoints, ", ")));
+  for (const std::string& path : support.tried) {
+    page.row("", "tried " + path);
   }
 }
 
@@ -134,16 +129,16 @@ void writeCommandLines(const Facts& facts, Page& page) {
   page.row("", "TOOL is the support library's answer");
 }
 
-void writeSwitches(const View& view, Page& page) {
+void writeSwitches(const HostContext& context, Page& page) {
   page.heading("Switches");
   page.paragraph(
       2, fmt::format("{}: {}", KEEP_VARIABLE,
-                     view.isSwitchedOn(KEEP_VARIABLE) ? "on: script and rules file stay after a report"
-                                                      : "off: script and rules file go after a report"));
+                     context.isSwitchedOn(KEEP_VARIABLE) ? "on: script and rules file stay after a report"
+                                                         : "off: script and rules file go after a report"));
   page.paragraph(
       2, fmt::format(
              "{}: {}", INTERNAL_VARIABLE,
-             view.isSwitchedOn(INTERNAL_VARIABLE) ? "on: no report is marked as the maker's own" : "off"));
+             context.isSwitchedOn(INTERNAL_VARIABLE) ? "on: no report is marked as the maker's own" : "off"));
 }
 
 void writeFiles(const Facts& facts, Page& page) {
@@ -171,7 +166,7 @@ void writeFindings(const Findings& findings, Page& page) {
   if (findings.sorted().empty()) {
     page.row("none", "");
   } else {
-    page.row("", "vestra-inspect doctor says what they mean and how to mend them");
+    page.row("", "vestra-inspect doctor says what they mean and how to fix them");
   }
 }
 
@@ -188,27 +183,50 @@ std::string scriptProof(const Facts& facts, const ReportFile& file) {
 
 }  // namespace
 
-std::string verdictOf(const Facts& facts) {
-  const Product product = facts.products.front();
-  const Prediction& next = facts.predictionFor(product);
-  const std::string& directory = facts.project.directory;
-  const std::string who = facts.project.state == IdentityState::fresh || product != Oza::Vestra::KELVO_ALT
-                              ? "KELVO or TAVLO"
-                              : nameOf(product);
+// The reason stands with a report that is not due yet, too: waiting alone would not help.
+std::string verdictOf(const Facts& facts, const Prediction& next) {
+  const std::string reason = next.reason.empty() ? "" : ": " + next.reason;
   switch (next.outcome) {
     case Outcome::reports:
-      return fmt::format("{}: the next {} run will report{}", directory, who,
-                         next.last == 0 ? "; nothing was sent so far" : "");
+      return "due now";
     case Outcome::notDue:
-      return fmt::format("{}: not due before {}, in {}", directory, timeText(next.dueFrom),
-                         durationText(next.dueFrom - facts.view.now));
+      return fmt::format("due at {}, in {}{}", timeText(next.dueFrom),
+                         durationText(between(facts.context.now, next.dueFrom)),
+                         reason.empty() ? "" : ", but cannot report" + reason);
+    case Outcome::unknown:
+      return "cannot tell" + reason;
+    case Outcome::dies:
+      return "cannot report" + reason + "; the program is ended";
     case Outcome::throws:
-      return fmt::format("{}: the next run will get an exception and NOT report ({})", directory,
-                         next.reason);
+      return "cannot report" + reason + "; the program gets an exception";
     default:
-      return fmt::format("{}: the next run will NOT report ({}){}", directory, next.reason,
-                         next.deletesIdentity ? ", and forgets this project" : "");
+      return "cannot report" + reason + (next.deletesIdentity ? "; the project is forgotten" : "");
   }
+}
+
+std::string verdictOf(const Facts& facts) {
+  std::string verdict = facts.project.directory + ":";
+  for (const Prediction& next : facts.predictions) {
+    verdict += fmt::format("{} {} {}", verdict.back() == ':' ? "" : ";", nameOf(next.product),
+                           verdictOf(facts, next));
+  }
+  return verdict;
+}
+
+void writeVerdicts(const Facts& facts, Page& page) {
+  page.verdict(facts.project.directory);
+  for (const Prediction& next : facts.predictions) {
+    page.row(nameOf(next.product), verdictOf(facts, next));
+  }
+}
+
+std::string whoseRights(const Facts& facts) {
+  const std::string tested = fmt::format("those of user {}{}", geteuid(), geteuid() == 0 ? " (root)" : "");
+  const FileSnapshot home = lookAt(facts.context.variable("HOME"));
+  return home.exists() && home.owner != geteuid()
+             ? fmt::format("{} were tested; the home is user {}'s, and --as tests that user's", tested,
+                           home.owner)
+             : tested + " were tested";
 }
 
 std::string commandLineOf(const Facts& facts, Product product) {
@@ -233,8 +251,8 @@ std::string whatItProves(const Facts& facts, const ReportFile& file) {
 }
 
 void writeStatus(const Facts& facts, const Findings& findings, Page& page) {
-  page.verdict(verdictOf(facts));
-  page.paragraph(0, "Only looked: nothing was changed, started or sent. " + timeText(facts.view.now));
+  writeVerdicts(facts, page);
+  page.paragraph(0, "Only looked: nothing was changed or sent. " + timeText(facts.context.now));
   page.blank();
   writeUser(facts, page);
   writeProject(facts, page);
@@ -242,13 +260,19 @@ void writeStatus(const Facts& facts, const Findings& findings, Page& page) {
   writeSite(facts, page);
   writeSupport(facts, page);
   writeCommandLines(facts, page);
-  writeSwitches(facts.view, page);
+  writeSwitches(facts.context, page);
   writeFiles(facts, page);
   writeFindings(findings, page);
   page.blank();
   page.paragraph(0,
                  "What send answers to the program, and whether the main design tool transmits anything, "
                  "cannot be known from here.");
+  page.paragraph(
+      0, fmt::format("All that this machine keeps about you: {}, {}/vestra-rehearsal-* where you "
+                     "rehearsed, and a vestra directory in each project, which vestra-inspect "
+                     "list DIR finds.",
+                     facts.user.file.path,
+                     facts.context.isSwitchedOn("TMPDIR") ? facts.context.variable("TMPDIR") : "/tmp"));
 }
 
 }  // namespace vestra::inspect

@@ -5,10 +5,8 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "handler/command_line.h"
 #include "handler/report_fixture.h"
 #include "handler/support_library.h"
 #include "support/child_process.h"
@@ -48,7 +46,7 @@ class ReportRun : public vestra_test::ReportFixture {
   ScopedEnv noDebugging{"CALVIX_VESTRA_DEBUG_EXT", std::nullopt};
 };
 
-TEST_F(ReportRun, OfTheSimulatorHasItsCommandLine) {
+TEST_F(ReportRun, RunOfTheSimulatorHasItsCommandLine) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   library.nameTool("/opt/design/bin/tool");
@@ -57,7 +55,15 @@ TEST_F(ReportRun, OfTheSimulatorHasItsCommandLine) {
                                         "/vestra/kelvo_vestra.tcl -notrace "});
 }
 
-TEST_F(ReportRun, OfTheLabToolHasItsCommandLine) {
+TEST_F(ReportRun, RunOfTheAlternativeSimulatorHasTheSimulatorsCommandLine) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO_ALT);
+  EXPECT_TRUE(handler.execVestraData());
+  EXPECT_EQ(shell.commandLines(),
+            Names{"/bin/true -mode batch -source " + project.path() + "/vestra/kelvo_vestra.tcl -notrace "});
+}
+
+TEST_F(ReportRun, RunOfTheLabToolHasItsCommandLine) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   library.nameTool("/opt/design/bin/tool");
@@ -67,45 +73,60 @@ TEST_F(ReportRun, OfTheLabToolHasItsCommandLine) {
                                         "/vestra/tavlo_vestra.log 2>&1"});
 }
 
-TEST(CommandLine, QuotesNothing) {
-  EXPECT_EQ(commandLine("env X=1 'the tool'", "/a b;$c//script", ""),
-            "env X=1 'the tool' -mode batch -source /a b;$c//script -notrace ");
-  EXPECT_EQ(commandLine("", "script", redirectionTo("/a b/log")),
-            " -mode batch -source script -notrace  > /a b/log 2>&1");
-}
-
-TEST_F(ReportRun, IsNotedAndFindsItsFilesAndTheSupportLibrary) {
+TEST_F(ReportRun, RunQuotesNothing) {
   RecordingShell shell;
-  Names files;
-  std::string noted;
-  bool wasOpen = false;
-  shell.whileRunning([&] {
-    files = filesLeft();
-    noted = identity();
-    wasOpen = support_library::isOpen();
-  });
+  handler.setProjectDirectory(project.path() + "/a b;$c/");
   prepareFor(Vestra::KELVO);
-  EXPECT_TRUE(handler.sendVestraData());
-  EXPECT_EQ(files, (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"}));
-  EXPECT_EQ(noted, "1700000000\n0\n8\n0\nid\n");
-  EXPECT_TRUE(wasOpen);
-  EXPECT_FALSE(support_library::isOpen());
-  EXPECT_EQ(shell.commandLines().size(), 1U);
+  library.nameTool("env X=1 'the tool'");
+  handler.execVestraData();
+  EXPECT_EQ(shell.commandLines(), Names{"env X=1 'the tool' -mode batch -source " + project.path() +
+                                        "/a b;$c//vestra/kelvo_vestra.tcl -notrace "});
 }
 
-TEST_F(ReportRun, CleansUpWhateverItsStatus) {
-  for (const int status : {0, 256, -1, 1, 9}) {
-    SCOPED_TRACE(status);
+TEST_F(ReportRun, RunOfAnEmptyToolStillAsksTheShell) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  library.nameTool("");
+  handler.execVestraData();
+  EXPECT_EQ(shell.commandLines(),
+            Names{" -mode batch -source " + project.path() + "/vestra/kelvo_vestra.tcl -notrace "});
+}
+
+TEST_F(ReportRun, RunFindsScriptAndRulesFile) {
+  RecordingShell shell;
+  Names seen;
+  shell.whileRunning([&] { seen = filesLeft(); });
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_EQ(seen, (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"}));
+}
+
+TEST_F(ReportRun, RunSucceedsWithStatusZeroOnly) {
+  for (const int status : {256, -1, 1, 9}) {
     RecordingShell shell(status);
     prepareFor(Vestra::KELVO);
-    EXPECT_EQ(handler.execVestraData(), status == 0);
-    EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
-    EXPECT_FALSE(support_library::isOpen());
+    EXPECT_FALSE(handler.execVestraData()) << "status " << status;
   }
-  EXPECT_FALSE(library.isHeldByAnother());
+  RecordingShell shell(0);
+  prepareFor(Vestra::KELVO);
+  EXPECT_TRUE(handler.execVestraData());
 }
 
-TEST_F(ReportRun, RemovesTheFilesOfItsOwnProductOnly) {
+TEST_F(ReportRun, RunRemovesScriptAndRulesFile) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
+}
+
+TEST_F(ReportRun, RunThatFailsRemovesScriptAndRulesFileToo) {
+  RecordingShell shell(256);
+  prepareFor(Vestra::TAVLO);
+  handler.execVestraData();
+  EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
+}
+
+TEST_F(ReportRun, RunRemovesTheFilesOfItsOwnProductOnly) {
   writeFile(inVestraDirectory("tavlo_vestra.tcl"), "");
   writeFile(inVestraDirectory("usage_statistics_ext_tavlo.wdm"), "");
   writeFile(inVestraDirectory("usage_statistics_ext_kelvo.xml"), "");
@@ -116,7 +137,7 @@ TEST_F(ReportRun, RemovesTheFilesOfItsOwnProductOnly) {
                                 "usage_statistics_ext_tavlo.wdm"}));
 }
 
-TEST_F(ReportRun, DoesNotMindFilesThatAreGone) {
+TEST_F(ReportRun, RunDoesNotMindFilesThatAreGone) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   unlink(inVestraDirectory("kelvo_vestra.tcl").c_str());
@@ -124,7 +145,7 @@ TEST_F(ReportRun, DoesNotMindFilesThatAreGone) {
   EXPECT_TRUE(handler.execVestraData());
 }
 
-TEST_F(ReportRun, DoesNotMindADirectoryThatIsGone) {
+TEST_F(ReportRun, RunDoesNotMindADirectoryThatIsGone) {
   RecordingShell shell;
   shell.whileRunning([&] {
     for (const std::string& name : filesLeft()) {
@@ -136,19 +157,26 @@ TEST_F(ReportRun, DoesNotMindADirectoryThatIsGone) {
   EXPECT_TRUE(handler.execVestraData());
 }
 
-TEST_F(ReportRun, KeepsTheFilesForTheDebugger) {
-  const std::pair<const char*, bool> rows[] = {{"1", true}, {"0", true}, {" ", true}, {"", false}};
-  for (const auto& [value, isKept] : rows) {
+TEST_F(ReportRun, RunKeepsTheFilesForTheDebugger) {
+  for (const char* value : {"1", "0", " "}) {
     const ScopedEnv debugging("CALVIX_VESTRA_DEBUG_EXT", value);
     RecordingShell shell;
     prepareFor(Vestra::KELVO);
     handler.execVestraData();
-    EXPECT_EQ(exists(inVestraDirectory("kelvo_vestra.tcl")), isKept) << value;
-    EXPECT_EQ(exists(inVestraDirectory("usage_statistics_ext_kelvo.wdm")), isKept) << value;
+    EXPECT_EQ(filesLeft(),
+              (Names{".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"}));
   }
 }
 
-TEST_F(ReportRun, ReadsTheDebugVariableAfterTheRun) {
+TEST_F(ReportRun, RunRemovesTheFilesUnderAnEmptyDebugVariable) {
+  const ScopedEnv debugging("CALVIX_VESTRA_DEBUG_EXT", "");
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_EQ(filesLeft(), Names{".kelvo_vestrra.info"});
+}
+
+TEST_F(ReportRun, RunReadsTheDebugVariableAfterTheRun) {
   const ScopedEnv notYet("CALVIX_VESTRA_DEBUG_EXT", std::nullopt);
   RecordingShell shell;
   shell.whileRunning([] { setenv("CALVIX_VESTRA_DEBUG_EXT", "1", 1); });
@@ -157,7 +185,7 @@ TEST_F(ReportRun, ReadsTheDebugVariableAfterTheRun) {
   EXPECT_TRUE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorOnAScriptThatCannotBeRemoved) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorOnAScriptThatCannotBeRemoved) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   unlink(inVestraDirectory("kelvo_vestra.tcl").c_str());
@@ -167,7 +195,7 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorOnAScriptThatCannotBeRemoved) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorOnARulesFileThatCannotBeRemoved) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorOnARulesFileThatCannotBeRemoved) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   unlink(inVestraDirectory("usage_statistics_ext_kelvo.wdm").c_str());
@@ -176,7 +204,7 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorOnARulesFileThatCannotBeRemoved) {
   EXPECT_FALSE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorInAReadOnlyDirectory) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   const vestra_test::ScopedMode readOnly(project / "vestra", 0555);
@@ -191,7 +219,7 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
   EXPECT_TRUE(exists(inVestraDirectory("kelvo_vestra.tcl")));
 }
 
-TEST_F(ReportRun, DeletesTheOldLogBeforeTheLabToolStarts) {
+TEST_F(ReportRun, RunDeletesTheOldLogBeforeTheLabToolStarts) {
   writeFile(handler.getLogFileName(), "old");
   bool logWasThere = true;
   RecordingShell shell;
@@ -201,7 +229,7 @@ TEST_F(ReportRun, DeletesTheOldLogBeforeTheLabToolStarts) {
   EXPECT_FALSE(logWasThere);
 }
 
-TEST_F(ReportRun, LeavesTheLogOfTheSimulatorAlone) {
+TEST_F(ReportRun, RunLeavesTheLogOfTheSimulatorAlone) {
   writeFile(handler.getLogFileName(), "old");
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
@@ -209,7 +237,7 @@ TEST_F(ReportRun, LeavesTheLogOfTheSimulatorAlone) {
   EXPECT_EQ(readFile(handler.getLogFileName()), "old");
 }
 
-TEST_F(ReportRun, ThrowsAFilesystemErrorOnALogThatCannotBeRemovedAndRunsNothing) {
+TEST_F(ReportRun, RunThrowsAFilesystemErrorOnALogThatCannotBeRemovedAndRunsNothing) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   writeFile(handler.getLogFileName() + "/file", "");
@@ -221,7 +249,31 @@ TEST_F(ReportRun, ThrowsAFilesystemErrorOnALogThatCannotBeRemovedAndRunsNothing)
 
 // The support library.
 
-TEST_F(ReportRun, IsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
+TEST_F(ReportRun, RunClosesTheSupportLibrary) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_FALSE(library.isHeldByAnother());
+}
+
+TEST_F(ReportRun, RunThatFailsClosesTheSupportLibraryToo) {
+  RecordingShell shell(256);
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_FALSE(library.isHeldByAnother());
+}
+
+TEST_F(ReportRun, RunHoldsTheSupportLibraryUntilTheToolHasEnded) {
+  bool wasOpen = false;
+  RecordingShell shell;
+  shell.whileRunning([&] { wasOpen = support_library::isOpen(); });
+  prepareFor(Vestra::KELVO);
+  handler.execVestraData();
+  EXPECT_TRUE(wasOpen);
+  EXPECT_FALSE(support_library::isOpen());
+}
+
+TEST_F(ReportRun, RunIsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
@@ -232,7 +284,7 @@ TEST_F(ReportRun, IsFollowedByAnotherThatOpensTheSupportLibraryAgain) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, ClosesWhatSeveralPreparationsOpenedOnce) {
+TEST_F(ReportRun, RunClosesWhatSeveralPreparationsOpenedOnce) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   prepareFor(Vestra::KELVO);
@@ -240,7 +292,7 @@ TEST_F(ReportRun, ClosesWhatSeveralPreparationsOpenedOnce) {
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, LeavesTheSupportLibraryOfAnotherHandlerOpen) {
+TEST_F(ReportRun, RunLeavesTheSupportLibraryOfAnotherHandlerOpen) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   handler.execVestraData();
@@ -253,7 +305,7 @@ TEST_F(ReportRun, LeavesTheSupportLibraryOfAnotherHandlerOpen) {
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST_F(ReportRun, WithoutAToolRunsNothingAndLeavesEverything) {
+TEST_F(ReportRun, RunWithoutAToolRunsNothingAndLeavesEverything) {
   RecordingShell shell;
   prepareFor(Vestra::TAVLO);
   writeFile(handler.getLogFileName(), "old");
@@ -265,7 +317,7 @@ TEST_F(ReportRun, WithoutAToolRunsNothingAndLeavesEverything) {
   EXPECT_TRUE(library.isHeldByAnother());
 }
 
-TEST_F(ReportRun, WithoutAToolHasCountedTheAttempt) {
+TEST_F(ReportRun, RunWithoutAToolHasCountedTheAttempt) {
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
   library.nameTool(std::nullopt);
@@ -273,7 +325,7 @@ TEST_F(ReportRun, WithoutAToolHasCountedTheAttempt) {
   EXPECT_EQ(identity(), "1700000000\n0\n8\n0\nid\n");
 }
 
-TEST(ReportRunWithoutEntryPoint, ThrowsWhatIsMissing) {
+TEST(ReportRunWithoutEntryPoint, RunThrowsWhatIsMissing) {
   const vestra_test::TemporaryDirectory project;
   const vestra_test::StandInLibrary library("no_exec_path");
   RecordingShell shell;
@@ -287,13 +339,30 @@ TEST(ReportRunWithoutEntryPoint, ThrowsWhatIsMissing) {
 
 // Sending: counted always, run when due.
 
-TEST_F(ReportRun, CountsAsSentEvenWhenTheToolFails) {
+TEST_F(ReportRun, RunIsStartedWhenDue) {
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  EXPECT_TRUE(handler.sendVestraData());
+  EXPECT_EQ(shell.commandLines().size(), 1U);
+  EXPECT_EQ(identity(), "1700000000\n0\n8\n0\nid\n");
+}
+
+TEST_F(ReportRun, RunCountsAsSentEvenWhenTheToolFails) {
   RecordingShell shell(256);
   prepareFor(Vestra::KELVO);
   EXPECT_TRUE(handler.sendVestraData());
 }
 
-TEST_F(ReportRun, IsNotStartedWhenNotDue) {
+TEST_F(ReportRun, RunIsNotedInTheIdentityFileBeforeItStarts) {
+  RecordingShell shell;
+  std::string seen;
+  shell.whileRunning([&] { seen = identity(); });
+  prepareFor(Vestra::KELVO);
+  handler.sendVestraData();
+  EXPECT_EQ(seen, "1700000000\n0\n8\n0\nid\n");
+}
+
+TEST_F(ReportRun, RunIsNotStartedWhenNotDue) {
   writeIdentity("1699913600\n0\n7\n0\nid\n");
   RecordingShell shell;
   prepareFor(Vestra::KELVO);
@@ -305,7 +374,14 @@ TEST_F(ReportRun, IsNotStartedWhenNotDue) {
   EXPECT_TRUE(support_library::isOpen());
 }
 
-TEST_F(ReportRun, OfEachProductSlotIsDueOnItsOwn) {
+TEST_F(ReportRun, RunIsStartedASecondAfterADay) {
+  writeIdentity("1699913599\n0\n7\n0\nid\n");
+  RecordingShell shell;
+  prepareFor(Vestra::KELVO);
+  EXPECT_TRUE(handler.sendVestraData());
+}
+
+TEST_F(ReportRun, RunOfEachProductSlotIsDueOnItsOwn) {
   RecordingShell shell;
   for (const auto product : {Vestra::KELVO, Vestra::KELVO_ALT}) {
     prepareFor(product);
@@ -321,7 +397,7 @@ TEST_F(ReportRun, OfEachProductSlotIsDueOnItsOwn) {
 
 // A real shell and a real tool.
 
-TEST_F(ReportRun, ByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
+TEST_F(ReportRun, RunByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
   writeFile(project / "tool", "#!/bin/sh\nprintf '<%s>' \"$@\"\necho problem >&2\n");
   chmod((project / "tool").c_str(), 0755);
   prepareFor(Vestra::TAVLO);
@@ -332,7 +408,7 @@ TEST_F(ReportRun, ByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
             "<-mode><batch><-source><" + project.path() + "/vestra/tavlo_vestra.tcl><-notrace>problem\n");
 }
 
-TEST_F(ReportRun, ByARealShellTellsWhetherTheToolSucceeded) {
+TEST_F(ReportRun, RunByARealShellTellsWhetherTheToolSucceeded) {
   prepareFor(Vestra::KELVO);
   library.nameTool("/bin/false");
   EXPECT_FALSE(handler.execVestraData());

@@ -15,12 +15,12 @@ namespace {
 using vestra_test::errorOf;
 using vestra_test::StandInLibrary;
 
-TEST(SupportLibrary, ThatIsMissingCannotBeOpened) {
+TEST(SupportLibrary, SupportLibraryThatIsMissingCannotBeOpened) {
   EXPECT_EQ(support_library::open(), nullptr);
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST(SupportLibrary, IsOpenBetweenOpeningAndClosing) {
+TEST(SupportLibrary, SupportLibraryIsOpenBetweenOpeningAndClosing) {
   const StandInLibrary library;
   EXPECT_FALSE(support_library::isOpen());
   void* handle = support_library::open();
@@ -30,13 +30,13 @@ TEST(SupportLibrary, IsOpenBetweenOpeningAndClosing) {
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST(SupportLibrary, IsUnloadedByClosing) {
+TEST(SupportLibrary, SupportLibraryIsUnloadedByClosing) {
   StandInLibrary library;
   support_library::close(support_library::open());
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST(SupportLibrary, AnswersItsThreeQuestions) {
+TEST(SupportLibrary, SupportLibraryAnswersItsThreeQuestions) {
   StandInLibrary library;
   library.nameTool("/opt/design/bin/tool");
   library.nameRegistration("REG-77");
@@ -51,13 +51,13 @@ TEST(SupportLibrary, AnswersItsThreeQuestions) {
             "oza_vestra_enviroment_data(KELVO)\n");
 }
 
-TEST(SupportLibrary, IsAskedNothingByOpening) {
+TEST(SupportLibrary, SupportLibraryIsAskedNothingByOpening) {
   const StandInLibrary library;
   support_library::open();
   EXPECT_EQ(library.calls(), "");
 }
 
-TEST(SupportLibrary, IsAskedAnewEachTime) {
+TEST(SupportLibrary, SupportLibraryIsAskedAnewEachTime) {
   StandInLibrary library;
   support_library::open();
   library.nameTool("first");
@@ -66,14 +66,14 @@ TEST(SupportLibrary, IsAskedAnewEachTime) {
   EXPECT_EQ(support_library::execPath(), "second");
 }
 
-TEST(SupportLibrary, HandsANullProductNameOn) {
+TEST(SupportLibrary, SupportLibraryHandsANullProductNameOn) {
   const StandInLibrary library;
   support_library::open();
   support_library::environmentData(nullptr);
   EXPECT_EQ(library.calls(), "oza_vestra_enviroment_data(null)\n");
 }
 
-TEST(SupportLibrary, MayAnswerWithTheEmptyText) {
+TEST(SupportLibrary, SupportLibraryMayAnswerWithTheEmptyText) {
   StandInLibrary library;
   library.nameTool("");
   support_library::open();
@@ -92,7 +92,7 @@ TEST(SupportLibrary, NullAnswerThrowsTheTextThatHostsKnow) {
   EXPECT_EQ(errorOf([] { support_library::environmentData("KELVO"); }), expected);
 }
 
-TEST(SupportLibrary, WithoutAToolOpensButDoesNotCountAsOpen) {
+TEST(SupportLibrary, SupportLibraryWithoutAToolOpensButDoesNotCountAsOpen) {
   const StandInLibrary library("no_exec_path");
   EXPECT_NE(support_library::open(), nullptr);
   EXPECT_FALSE(support_library::isOpen());
@@ -101,7 +101,7 @@ TEST(SupportLibrary, WithoutAToolOpensButDoesNotCountAsOpen) {
   EXPECT_EQ(support_library::registrationId(), "REG-1");
 }
 
-TEST(SupportLibrary, WithoutARegistrationSaysSoWhenAsked) {
+TEST(SupportLibrary, SupportLibraryWithoutARegistrationSaysSoWhenAsked) {
   const StandInLibrary library("no_regid");
   support_library::open();
   EXPECT_TRUE(support_library::isOpen());
@@ -110,7 +110,7 @@ TEST(SupportLibrary, WithoutARegistrationSaysSoWhenAsked) {
   EXPECT_EQ(support_library::execPath(), "/bin/true");
 }
 
-TEST(SupportLibrary, WithoutAnEnvironmentSaysSoWhenAsked) {
+TEST(SupportLibrary, SupportLibraryWithoutAnEnvironmentSaysSoWhenAsked) {
   const StandInLibrary library("no_environment");
   support_library::open();
   EXPECT_TRUE(support_library::isOpen());
@@ -118,7 +118,7 @@ TEST(SupportLibrary, WithoutAnEnvironmentSaysSoWhenAsked) {
             "libqvzcommonvestrasupport.so lacks oza_vestra_enviroment_data");
 }
 
-TEST(SupportLibrary, OpenedAgainIsLookedUpAgain) {
+TEST(SupportLibrary, SupportLibraryOpenedAgainIsLookedUpAgain) {
   {
     const StandInLibrary library;
     support_library::close(support_library::open());

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <ctime>
 
 #include <gmock/gmock.h>
@@ -5,6 +7,7 @@
 
 #include "inspect/place.h"
 #include "support/files.h"
+#include "support/special_files.h"
 
 namespace vestra_test {
 namespace {
@@ -30,10 +33,11 @@ class Inspector : public testing::Test {
 TEST_F(Inspector, SaysOfAFreshMachineThatEverythingIsDue) {
   const Outcome status = place.inspect(at(NOW, {"--color", "never"}));
   EXPECT_EQ(status.status, 0);
-  EXPECT_THAT(status.out, StartsWith(place.project() + ": the next KELVO or TAVLO run will"));
-  EXPECT_THAT(status.out, AllOf(HasSubstr("  KELVO, TAVLO   due now (never sent)"),
-                                HasSubstr("  KELVO_ALT      due now (never sent)"),
-                                HasSubstr("Only looked: nothing was changed, started or sent.")));
+  EXPECT_THAT(status.out, StartsWith(place.project() + "\n  KELVO          due now\n"
+                                                       "  KELVO_ALT      due now\n"
+                                                       "  TAVLO          due now\n"
+                                                       "Only looked: nothing was changed or sent. "));
+  EXPECT_THAT(status.out, HasSubstr("vestra-inspect list DIR"));
   EXPECT_FALSE(exists(place.project() + "/vestra"));
   EXPECT_FALSE(exists(place.home() + "/.Calvix"));
 }
@@ -79,17 +83,82 @@ TEST_F(Inspector, GivesNoReportBeforeAFutureTimeHasPassed) {
   EXPECT_THAT(doctor.out, AllOf(HasSubstr("due.future"), HasSubstr("sed -i '1s/.*/0/'")));
 }
 
-TEST_F(Inspector, MendsWhatItSaysItMends) {
-  place.write(place.identity(), "0\n0\nx42\n0\nthe-project\n");
-  const Json document = place.document({"doctor"});
-  ASSERT_THAT(findingsOf(document), Contains("identity.number"));
-  for (const Json& finding : document["findings"]) {
-    if (finding["id"] == "identity.number") {
-      place.runProgram({"sh", "-c", finding["mend"][0].get<std::string>()});
-    }
+TEST_F(Inspector, NamesTheSentCopyBesideADeletedIdentity) {
+  place.write(place.inVestra("usage_statistics_ext_kelvo.xml"), "<x/>");
+  EXPECT_THAT(place.inspect({"--product", "KELVO"}).out,
+              HasSubstr("no report is recorded as handed over; xml of "));
+}
+
+TEST_F(Inspector, SaysWhoseRightsItTested) {
+  EXPECT_THAT(place.inspect({}).out, HasSubstr("  rights         those of user 65534 were tested"));
+}
+
+/// Root sees what root may do, and by --as what the user may do.
+TEST_F(Inspector, TestsTheRightsOfAnotherUser) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "--as requires root";
   }
-  EXPECT_EQ(readFile(place.identity()), "0\n0\n1\n0\nthe-project\n");
-  EXPECT_THAT(findingsOf(place.document({"doctor"})), Not(Contains("identity.number")));
+  place.writeIdentity(0);
+  run({"chmod", "400", place.identity()});
+  const auto asRoot = [&](const Words& more) {
+    Words words = {place.inspector(), "status", "--home", place.home(), place.project(), "--json"};
+    words.insert(words.end(), more.begin(), more.end());
+    return Json::parse(run(words, place.environment()).out);
+  };
+  EXPECT_EQ(predictionOf(asRoot({}))["next_run"], "reports");
+  const Json seen = asRoot({"--as", "65534"});
+  EXPECT_EQ(predictionOf(seen)["next_run"], "nothing");
+  EXPECT_EQ(seen["as"]["uid"], 65534);
+  EXPECT_THAT(run({place.inspector(), "--home", place.home(), place.project()}, place.environment()).out,
+              HasSubstr("--as tests"));
+  EXPECT_EQ(place.inspect({"--as", "root"}).status, 3);
+}
+
+TEST_F(Inspector, ListsProjectsByTheirLastReport) {
+  place.writeIdentity(NOW - 10);
+  place.write(place.elsewhere() + "/later/vestra/.kelvo_vestrra.info",
+              std::to_string(NOW - 5) + "\n0\n7\n0\nid\n");
+  place.write(place.elsewhere() + "/corrupt/vestra/.kelvo_vestrra.info", "abc\n");
+  makeLink(place.elsewhere() + "/link", place.project());
+  makeDirectory(place.elsewhere() + "/closed");
+  place.giveToUser();
+  run({"chmod", "0", place.elsewhere() + "/closed"});
+  const Json list = place.document(at(NOW, {"list", place.elsewhere(), place.project()}));
+  ASSERT_EQ(list["projects"].size(), 3U);
+  EXPECT_EQ(list["projects"][0]["directory"], place.elsewhere() + "/later");
+  EXPECT_EQ(list["projects"][0]["attempts"], "6");
+  EXPECT_EQ(list["projects"][1]["directory"], place.project());
+  EXPECT_EQ(list["projects"][2]["problems"], Json({"identity.number"}));
+  EXPECT_EQ(list["unreadable"], 1);
+  EXPECT_THAT(place.inspect(at(NOW, {"list", place.elsewhere()})).out,
+              AllOf(StartsWith("2 projects; 1 directory could not be read\n"), HasSubstr("; 6 attempts")));
+}
+
+/// What is larger than any record is not read whole.
+TEST_F(Inspector, ShowsOfALargeRecordTheBeginning) {
+  place.write(place.identity(), "0\n0\n5\n0\n" + std::string(100000000, 'x'));
+  for (const Words& words : {Words{"status"}, Words{"doctor"}, Words{"doctor", "--json"}}) {
+    EXPECT_LT(place.inspect(words).out.size(), 1000000U);
+  }
+}
+
+TEST_F(Inspector, SaysThatItsOutputCannotBeWritten) {
+  for (const char* output : {">/dev/full", ">&-"}) {
+    const Outcome shown = place.runProgram({"sh", "-c", place.inspector() + " " + output});
+    EXPECT_EQ(shown.status, 3) << output;
+    EXPECT_THAT(shown.err, HasSubstr("the output cannot be written")) << output;
+  }
+}
+
+TEST_F(Inspector, EscapesWhatATerminalObeysInDocumentsAndComplaints) {
+  place.writeIdentity(std::time(nullptr));
+  place.runHost("KELVO", {"c1",
+                          "\xC2\x9B"
+                          "31m",
+                          "del", "\x7F", "turned", "\xE2\x80\xAE"});
+  const std::string report = place.inspect({"report", "--json"}).out;
+  EXPECT_THAT(report, AllOf(HasSubstr("\\u009b31m"), HasSubstr("\\u007f"), HasSubstr("\\u202e")));
+  EXPECT_EQ(place.inspect({"\033[31m"}).err.find('\033'), std::string::npos);
 }
 
 TEST_F(Inspector, LeavesWithTheStatusThatFits) {
@@ -105,6 +174,12 @@ TEST_F(Inspector, LeavesWithTheStatusThatFits) {
   EXPECT_EQ(place.inspect({"--product", "OTHER"}).status, 2);
   EXPECT_EQ(place.inspect({"--host", place / "nothing"}).status, 3);
   EXPECT_EQ(place.inspect({"report", place.identity()}).status, 3);
+  EXPECT_EQ(place.inspect({"report", "/nonexistent"}).status, 3);
+  EXPECT_EQ(place.inspect({"statsu"}).status, 2);
+  EXPECT_EQ(place.inspect({"status", place.project(), place.project()}).status, 2);
+  EXPECT_EQ(place.inspect({"--now", "9223372036854775807"}).status, 2);
+  EXPECT_EQ(place.inspect({"status", "--product", "KELVO", place.project()}).status, 0);
+  EXPECT_EQ(place.inspect({"status", place.project(), "--product", "KELVO"}).status, 0);
 }
 
 TEST_F(Inspector, SaysWhatItMayNotLookAt) {
@@ -125,7 +200,7 @@ TEST_F(Inspector, LooksWithAnotherHomeAndEnvironment) {
   EXPECT_TRUE(document["switches"][0]["on"].get<bool>());
 }
 
-TEST_F(Inspector, ForetellsThatAMissingSupportLibraryStopsEverything) {
+TEST_F(Inspector, PredictsThatAMissingSupportLibraryStopsEverything) {
   place.setVariable("LD_LIBRARY_PATH", "/nowhere");
   const Json document = place.document({"doctor"});
   EXPECT_THAT(findingsOf(document), Contains("support.absent"));
@@ -147,7 +222,7 @@ TEST_F(Inspector, PutsMarksInThePlaceOfWhatIdentifies) {
                    Not(HasSubstr(place.home() + "/")), Not(IsEmpty())));
   }
   EXPECT_THAT(place.inspect({"report", "--redact"}).out,
-              AllOf(HasSubstr("<user-id>"), HasSubstr("<login> at home")));
+              AllOf(HasSubstr("<random_id>"), HasSubstr("<login> at home")));
 }
 
 std::string longestLine(const std::string& text) {

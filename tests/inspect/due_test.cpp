@@ -1,4 +1,4 @@
-// What is foretold at the borders of the day, and for each shape of a project's record, is what a host
+// What is predicted at the borders of the day, and for each shape of a project's record, is what a host
 // with its clock at that second then does.
 
 #include <limits>
@@ -14,11 +14,11 @@ namespace {
 
 constexpr std::int64_t DAY = 86400;
 
-class Foretold : public testing::Test {
+class Prediction : public testing::Test {
  protected:
-  Foretold() { place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1"); }
+  Prediction() { place.setVariable("CALVIX_VESTRA_DEBUG_EXT", "1"); }
 
-  Json foretell(const std::string& product) const {
+  Json predict(const std::string& product) const {
     return predictionOf(place.document({"--now", std::to_string(NOW)}), product);
   }
 
@@ -29,21 +29,21 @@ class Foretold : public testing::Test {
   }
 
   void expectToHappen(const std::string& product) const {
-    const Json next = foretell(product);
+    const Json next = predict(product);
     const Outcome run = runHostNow(product);
     EXPECT_EQ(run.out.rfind("true", 0) == 0, next["next_run"] == "reports") << run.out << run.err;
     const std::string script =
         readFile(place.inVestra(product == "TAVLO" ? "tavlo_vestra.tcl" : "kelvo_vestra.tcl"));
     EXPECT_EQ(valueIn(script, "project_id"), next["project_id"].get<std::string>());
     EXPECT_EQ(valueIn(script, "project_iteration"), next["iteration"].get<std::string>());
-    EXPECT_EQ(foretell(product)["last"]["seconds"],
+    EXPECT_EQ(predict(product)["last"]["seconds"],
               next["next_run"] == "reports" ? Json(NOW) : next["last"]["seconds"]);
   }
 
   Place place;
 };
 
-TEST_F(Foretold, BordersOfTheDayAreTheHosts) {
+TEST_F(Prediction, BordersOfTheDayAreTheHosts) {
   for (const std::int64_t last :
        {NOW - DAY - 1, NOW - DAY, NOW - DAY + 1, NOW - 1, NOW, NOW + 1, NOW + DAY, std::int64_t{0},
         std::int64_t{1}, std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()}) {
@@ -55,14 +55,14 @@ TEST_F(Foretold, BordersOfTheDayAreTheHosts) {
   }
 }
 
-TEST_F(Foretold, ADayAndASecondPartReports) {
+TEST_F(Prediction, ADayAndASecondPartReports) {
   place.writeIdentity(NOW - DAY);
-  EXPECT_EQ(foretell("KELVO")["next_run"], "not_due");
+  EXPECT_EQ(predict("KELVO")["next_run"], "not_due");
   place.writeIdentity(NOW - DAY - 1);
-  EXPECT_EQ(foretell("KELVO")["next_run"], "reports");
+  EXPECT_EQ(predict("KELVO")["next_run"], "reports");
 }
 
-TEST_F(Foretold, EachShapeOfARecordIsTheHosts) {
+TEST_F(Prediction, EachShapeOfARecordIsTheHosts) {
   for (const char* record :
        {"0\n0\n1\n0\n7c1d0a52-6a0e-4b7e-8a55-0f4f6f0f9b0d\n", "0\n0\n2\n1\nthe host's own\n",
         "0\n0\n2\n1\n\n", "0\n0\n2\n0\n\n", "0\n0\n2\n0\n", "0\n0\n2\n", "0\n0\n", "0\n", "", "\n\n\n\n\n",
@@ -71,10 +71,10 @@ TEST_F(Foretold, EachShapeOfARecordIsTheHosts) {
     for (const char* product : {"KELVO", "KELVO_ALT", "TAVLO"}) {
       SCOPED_TRACE(testing::PrintToString(record) + " " + product);
       place.write(place.identity(), record);
-      if (foretell(product)["next_run"] == "nothing") {
+      if (predict(product)["next_run"] == "nothing") {
         EXPECT_EQ(runHostNow(product).out.rfind("false", 0), 0U);
         EXPECT_FALSE(exists(place.identity()));
-      } else if (foretell(product)["project_id"].is_string()) {
+      } else if (predict(product)["project_id"].is_string()) {
         expectToHappen(product);
       }
     }

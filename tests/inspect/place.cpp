@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include <gtest/gtest.h>
 #include <boost/filesystem/operations.hpp>
 
 #include "support/files.h"
@@ -18,6 +19,16 @@ namespace fs = boost::filesystem;
 constexpr const char* ENVIRONMENT =
     "os_name#Linux#os_release#12#cpu_name#X1#cpu_speed#3 GHz#total_processors#8#system_ram#32 GB"
     "#date_generated#2026-11-21";
+
+constexpr const char* VALIDATOR =
+    "import json, sys, jsonschema\n"
+    "schema = json.load(open(sys.argv[1]))\n"
+    "jsonschema.Draft202012Validator.check_schema(schema)\n"
+    "validator = jsonschema.Draft202012Validator(schema)\n"
+    "documents = [json.loads(text) for text in open(sys.argv[2]).read().split(chr(0))[1:]]\n"
+    "for document in documents:\n"
+    "    validator.validate(document)\n"
+    "print(len(documents))\n";
 
 /// A second name costs less than a second file, where the file system allows it.
 void putInto(const std::string& file, const fs::path& directory, const std::string& name = "") {
@@ -43,6 +54,7 @@ Place::Place() {
   }
   putInto(VESTRA_LIBRARY, programs() + "/bin", "libvestra.so.1");
   putInto(REHEARSAL_OBJECT, programs() + "/" INSPECT_LIBDIR);
+  putInto(SUPPORT_PROBE, programs() + "/" INSPECT_LIBDIR);
   putInto(SUPPORT_LIBRARY, support());
   fs::create_directories(elsewhere());
   for (const std::string& each :
@@ -64,6 +76,13 @@ void Place::write(const std::string& path, const std::string& text) const {
 void Place::writeIdentity(std::int64_t last, std::int64_t lastAlt, const std::string& iteration) const {
   write(identity(),
         std::to_string(last) + "\n" + std::to_string(lastAlt) + "\n" + iteration + "\n0\nthe-project\n");
+}
+
+void Place::moveProject(const std::string& path) {
+  projectDirectory = path;
+  if (path.find("nowhere") == std::string::npos) {
+    fs::create_directories(path);
+  }
 }
 
 void Place::setVariable(const std::string& name, const std::string& value) {
@@ -91,7 +110,9 @@ Outcome Place::runHost(const std::string& product, const Words& items) const {
   return runProgram(all);
 }
 
-Outcome Place::runProgram(const Words& words) const { return run(asUser(words), variables, project()); }
+Outcome Place::runProgram(const Words& words) const {
+  return run(asUser(words), variables, directory / "project");
+}
 
 Command Place::asUser(const Words& words) const {
   Command command;
@@ -102,10 +123,13 @@ Command Place::asUser(const Words& words) const {
   return command;
 }
 
+// The loader reads the libraries elsewhere, as it does for ldd.
 std::string Place::snapshot() const {
-  return run({"find", home(), project(), elsewhere(), "!", "-type", "f", "-printf", "%p %y %m %l %T@ %C@\n",
-              "-o", "-printf", "%p %y %m %s %l %T@ %A@ %C@\n"})
-      .out;
+  const std::string all = "%p %y %m %s %l %T@ %C@";
+  return run({"find", home(), directory / "project", "-type", "f", "-printf", all + " %A@\n", "-o", "-printf",
+              "%p %y %m %l %T@ %C@\n"})
+             .out +
+         run({"find", elsewhere(), "-printf", all + "\n"}).out;
 }
 
 void Place::giveToUser() const {
@@ -122,6 +146,17 @@ std::vector<std::string> findingsOf(const Json& document) {
     ids.push_back(finding.at("id"));
   }
   return ids;
+}
+
+void expectValid(const std::vector<std::string>& documents) {
+  const TemporaryDirectory directory;
+  std::string all;
+  for (const std::string& document : documents) {
+    all += '\0' + document;
+  }
+  writeFile(directory / "documents", all);
+  const Outcome valid = run({"python3", "-c", VALIDATOR, SCHEMA, directory / "documents"});
+  EXPECT_EQ(valid.out, std::to_string(documents.size()) + "\n") << valid.err;
 }
 
 Json predictionOf(const Json& document, const std::string& product) {

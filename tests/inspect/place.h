@@ -27,7 +27,7 @@ class Place {
   Place();
 
   std::string home() const { return directory / "home"; }
-  std::string project() const { return directory / "project"; }
+  std::string project() const { return projectDirectory.empty() ? directory / "project" : projectDirectory; }
   /// For other homes and projects, and what else a test wants to be left alone.
   std::string elsewhere() const { return directory / "elsewhere"; }
   std::string settings() const { return home() + "/.Calvix/Common/2018.2/vestra"; }
@@ -42,6 +42,9 @@ class Place {
   void write(const std::string& path, const std::string& text) const;
   /// An identity file whose last reports went at these times.
   void writeIdentity(std::int64_t last, std::int64_t lastAlt = 0, const std::string& iteration = "5") const;
+  /// Another project than the ordinary one, which stays the working directory; created unless it is
+  /// to be missing.
+  void moveProject(const std::string& path);
   void setVariable(const std::string& name, const std::string& value);
 
   /// Runs the inspector in the project.
@@ -67,10 +70,14 @@ class Place {
  private:
   TemporaryDirectory directory;
   std::vector<std::string> variables;
+  std::string projectDirectory;
 };
 
 /// The identifiers of the findings in a document.
 std::vector<std::string> findingsOf(const Json& document);
+
+/// Expects that documents fit the schema.
+void expectValid(const std::vector<std::string>& documents);
 
 /// What a document says of the next run for KELVO, KELVO_ALT or TAVLO.
 Json predictionOf(const Json& document, const std::string& product = "KELVO");

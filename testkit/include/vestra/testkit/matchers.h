@@ -93,7 +93,6 @@ class RunCheck {
 /// A matcher of runs.
 using RunMatcher = testing::PolymorphicMatcher<RunCheck>;
 
-/// @cond
 /// `Not` of whatever is made of such matchers: does not match where one of them met a run that it
 /// could not judge.
 template <typename Matched>
@@ -140,8 +139,6 @@ class Differs {
  private:
   RunCheck check;
 };
-
-/// @endcond
 
 }  // namespace vestra::testkit
 
@@ -213,7 +210,6 @@ inline RunCheck::Check whereThereIsAScript(RunCheck::Check check) {
   };
 }
 
-/// What the matcher says of what it matches or, negated, does not match.
 template <typename Matcher>
 std::string descriptionOf(const Matcher& matcher, bool isNegated = false) {
   std::ostringstream text;
@@ -307,7 +303,6 @@ testing::Matcher<std::string> textMatcher(const Value& value) {
   }
 }
 
-/// HasItem with a matcher.
 inline RunMatcher itemMatcher(Oza::Vestra::SectionType section, const std::string& key,
                               const testing::Matcher<std::string>& value) {
   const auto check = [=, context = contextOf(section)](const HostRun& run, std::ostream& reason) {
@@ -405,7 +400,6 @@ inline RunMatcher HasNoSanitizerFindings() {
       RunCheck("has no sanitizers' findings", "has sanitizers' findings", check));
 }
 
-/// Threw with a matcher.
 inline RunMatcher exceptionMatcher(const std::string& type, const testing::Matcher<std::string>& text) {
   const auto check = [=](const HostRun& run, std::ostream& reason) {
     reason << endOf(run);

@@ -1,4 +1,4 @@
-#include "facts/view.h"
+#include "facts/host_context.h"
 
 #include <unistd.h>
 
@@ -16,14 +16,14 @@ void addEntry(const std::string& entry, Environment& environment) {
 
 }  // namespace
 
-std::string View::variable(const std::string& name) const {
+std::string HostContext::variable(const std::string& name) const {
   const auto found = environment.find(name);
   return found == environment.end() ? std::string() : found->second;
 }
 
-bool View::isSwitchedOn(const std::string& name) const { return !variable(name).empty(); }
+bool HostContext::isSwitchedOn(const std::string& name) const { return !variable(name).empty(); }
 
-std::string View::settingsPath() const { return Oza::settingsPath(variable("HOME").c_str()); }
+std::string HostContext::settingsPath() const { return Oza::settingsPath(variable("HOME").c_str()); }
 
 Environment ownEnvironment() {
   Environment environment;

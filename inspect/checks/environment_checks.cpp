@@ -2,8 +2,10 @@
 
 #include <cctype>
 #include <iterator>
+#include <vector>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
 
@@ -29,17 +31,20 @@ void checkSite(const SiteFacts& site, Findings& findings) {
   }
 }
 
-void checkEnvironment(const View& view, Findings& findings) {
-  if (view.isSwitchedOn(KEEP_VARIABLE)) {
+void checkEnvironment(const HostContext& context, Findings& findings) {
+  if (context.isSwitchedOn(KEEP_VARIABLE)) {
     findings.add("env.debug",
-                 fmt::format("{} is {}", KEEP_VARIABLE, reading::inQuotes(view.variable(KEEP_VARIABLE))),
+                 fmt::format("{} is {}", KEEP_VARIABLE, reading::inQuotes(context.variable(KEEP_VARIABLE))),
                  {fmt::format("unset {}", KEEP_VARIABLE)});
   }
-  for (const auto& [name, value] : view.environment) {
+  std::string names;
+  for (const auto& [name, value] : context.environment) {
     if (name.rfind("VESTRA_TESTKIT_", 0) == 0 || name == "VESTRA_OUTBOX") {
-      findings.add("env.testkit", fmt::format("{} is {}", name, reading::inQuotes(value)),
-                   {"unset " + shellWord(name)});
+      names += " " + shellWord(name);
     }
+  }
+  if (!names.empty()) {
+    findings.add("env.testkit", "set:" + names, {"unset" + names});
   }
 }
 
@@ -50,12 +55,13 @@ bool hasLibrary(const std::string& process) {
 
 }  // namespace
 
-void checkSurroundings(const Facts& facts, Findings& findings) {
+void checkEnvironmentAndSite(const Facts& facts, Findings& findings) {
   checkSite(facts.site, findings);
-  checkEnvironment(facts.view, findings);
+  checkEnvironment(facts.context, findings);
 }
 
 void checkRunningHosts(Findings& findings) {
+  std::vector<std::string> hosts;
   boost::system::error_code error;
   boost::filesystem::directory_iterator processes("/proc", error);
   for (; !error && processes != boost::filesystem::directory_iterator(); processes.increment(error)) {
@@ -63,15 +69,26 @@ void checkRunningHosts(Findings& findings) {
     const std::string id = processes->path().filename().string();
     if (std::isdigit(static_cast<unsigned char>(id.front())) != 0 && lookAt(path).owner == geteuid() &&
         hasLibrary(path)) {
-      findings.add("host.running", fmt::format("process {} has loaded Vestra", id));
+      hosts.push_back(id);
     }
   }
+  if (!hosts.empty()) {
+    findings.add("host.running", fmt::format("Vestra is loaded by process {}", fmt::join(hosts, ", ")));
+  }
+}
+
+Findings findingsInProject(const Facts& facts) {
+  Findings findings;
+  for (const auto check : {checkProject, checkIdentity, checkDue, checkTool}) {
+    check(facts, findings);
+  }
+  return findings;
 }
 
 Findings findingsIn(const Facts& facts) {
   Findings findings;
   for (const auto check : {checkProject, checkIdentity, checkDue, checkUser, checkSupport, checkTool,
-                           checkReports, checkSurroundings}) {
+                           checkReports, checkEnvironmentAndSite}) {
     check(facts, findings);
   }
   return findings;

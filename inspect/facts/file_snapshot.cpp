@@ -1,4 +1,4 @@
-#include "facts/looked_file.h"
+#include "facts/file_snapshot.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -6,6 +6,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -40,7 +41,7 @@ std::optional<std::string> linkAt(const std::string& path) {
                     : std::optional(std::string(target.data(), static_cast<std::size_t>(length)));
 }
 
-void note(const struct stat& status, LookedFile& file) {
+void note(const struct stat& status, FileSnapshot& file) {
   file.kind = kindOf(status.st_mode);
   file.mode = status.st_mode & 07777;
   file.owner = status.st_uid;
@@ -48,25 +49,26 @@ void note(const struct stat& status, LookedFile& file) {
   file.modified = status.st_mtim.tv_sec;
   file.modifiedNanoseconds = status.st_mtim.tv_nsec;
   file.writable = may(file.path, W_OK);
+  file.readable = may(file.path, R_OK);
 }
 
-std::optional<std::string> allOf(int descriptor) {
+// Read in pieces: a size that the file claims is not allocated before its bytes are there.
+std::optional<std::string> readUpTo(int descriptor, std::size_t limit) {
   std::string text;
   std::array<char, 65536> piece{};
-  ssize_t length = 0;
-  while ((length = read(descriptor, piece.data(), piece.size())) > 0) {
+  while (text.size() < limit) {
+    const ssize_t length = read(descriptor, piece.data(), std::min(piece.size(), limit - text.size()));
+    if (length <= 0) {
+      return length < 0 ? std::nullopt : std::optional(std::move(text));
+    }
     text.append(piece.data(), static_cast<std::size_t>(length));
   }
-  return length < 0 ? std::nullopt : std::optional(std::move(text));
+  return text;
 }
 
-std::string parentOf(const std::string& path) {
-  const std::size_t end = path.find_last_not_of('/');
-  const std::size_t slash = path.find_last_of('/', end);
-  if (slash == std::string::npos) {
-    return ".";
-  }
-  return slash == 0 ? "/" : path.substr(0, slash);
+bool isRegularFile(int descriptor) {
+  struct stat status {};
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 bool isEmptyDirectory(const std::string& path) {
@@ -100,13 +102,13 @@ bool stickinessForbids(const std::string& path, const struct stat& file) {
 
 // A file's time may be a tick ahead of the clock that tells a process the second. A stored
 // second may be the greatest that there is.
-bool LookedFile::isYoungerThan(std::int64_t moment) const {
+bool FileSnapshot::isYoungerThan(std::int64_t moment) const {
   constexpr std::int64_t TICK = 10000000;
   return modified - 1 > moment || (modified - 1 == moment && modifiedNanoseconds >= TICK);
 }
 
-LookedFile lookAt(const std::string& path) {
-  LookedFile file;
+FileSnapshot lookAt(const std::string& path) {
+  FileSnapshot file;
   file.path = path;
   file.link = linkAt(path);
   struct stat status {};
@@ -119,19 +121,24 @@ LookedFile lookAt(const std::string& path) {
   return file;
 }
 
-LookedFile readFileAt(const std::string& path) {
-  LookedFile file = lookAt(path);
+// What is opened may be another file than the one that was looked at.
+FileSnapshot readFileAt(const std::string& path, std::size_t limit) {
+  FileSnapshot file = lookAt(path);
   if (!file.isRegular()) {
     return file;
   }
   const int descriptor = openToLook(path);
+  if (descriptor >= 0 && isRegularFile(descriptor)) {
+    file.text = readUpTo(descriptor, limit);
+  }
+  file.readError = file.text ? 0 : errno;
   if (descriptor >= 0) {
-    file.text = allOf(descriptor);
-    file.readFailed = !file.text;
     close(descriptor);
   }
   return file;
 }
+
+bool FileSnapshot::isUnreadable() const { return isRegular() && readError == EACCES; }
 
 // Only a file's owner may leave its access time alone.
 int openToLook(const std::string& path) {
@@ -140,7 +147,31 @@ int openToLook(const std::string& path) {
   return descriptor < 0 && errno == EPERM ? open(path.c_str(), flags) : descriptor;
 }
 
+std::string parentOf(const std::string& path) {
+  const std::size_t end = path.find_last_not_of('/');
+  const std::size_t slash = path.find_last_of('/', end);
+  if (slash == std::string::npos) {
+    return ".";
+  }
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
 bool mayChangeDirectory(const std::string& directory) { return may(directory, W_OK | X_OK); }
+
+bool canCreateTarget(const FileSnapshot& link) {
+  constexpr int longestChain = 40;
+  std::string path = link.path;
+  for (int i = 0; i < longestChain; ++i) {
+    const auto target = linkAt(path);
+    if (!target) {
+      const std::string directory = parentOf(path);
+      return lookAt(directory).kind == FileKind::directory && mayChangeDirectory(directory) &&
+             hasRoomForNames(directory);
+    }
+    path = target->front() == '/' ? *target : parentOf(path) + "/" + *target;
+  }
+  return false;
+}
 
 bool canHoldFiles(const std::string& directory, std::string& obstacle) {
   // With its final slash, a file in the directory's place would seem to be missing.
