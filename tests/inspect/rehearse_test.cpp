@@ -4,6 +4,9 @@
 #include <ctime>
 #include <functional>
 #include <ostream>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -261,19 +264,22 @@ TEST_F(Rehearsal, RehearsesEachReportOfAHostByItself) {
   EXPECT_EQ(place.snapshot(), before);
 }
 
-TEST_F(Rehearsal, StartsNothingButTheHost) {
+TEST_F(Rehearsal, StartsNothingButTheHostAndTheLoader) {
   Words words = {"strace",          "-f",       "-qq", "-e", "trace=execve", "-o", place / "temporary/trace",
                  place.inspector(), "rehearse", "--"};
   for (const std::string& word : host()) {
     words.push_back(word);
   }
   EXPECT_THAT(place.runProgram(words).out, StartsWith("true"));
-  const std::string trace = readFile(place / "temporary/trace");
-  std::size_t starts = 0;
-  for (std::size_t at = trace.find("execve("); at != std::string::npos; at = trace.find("execve(", at + 1)) {
-    ++starts;
+  std::istringstream trace(readFile(place / "temporary/trace"));
+  std::vector<std::string> started;
+  for (std::string line; std::getline(trace, line);) {
+    if (line.find("execve(") != std::string::npos &&
+        line.find("/ld-linux-x86-64.so.2\"") == std::string::npos) {
+      started.push_back(line);
+    }
   }
-  EXPECT_EQ(starts, 2U) << trace;
+  EXPECT_THAT(started, testing::ElementsAre(HasSubstr("/vestra-inspect\""), HasSubstr(host().front())));
 }
 
 TEST_F(Rehearsal, LeavesTheHostItsStatusAndItsWords) {
@@ -418,67 +424,67 @@ TEST_F(Rehearsal, DoesNotWaitForAPipeInItsFolder) {
 }
 
 /// What is wrong in the project or home.
-struct State {
+struct CorruptFile {
   std::string name;
   std::function<void(Place&)> make;
 };
 
-std::ostream& operator<<(std::ostream& out, const State& state) { return out << state.name; }
+std::ostream& operator<<(std::ostream& out, const CorruptFile& state) { return out << state.name; }
 
-class EachDamagedState : public Rehearsal, public testing::WithParamInterface<State> {};
+class EachCorruptFile : public Rehearsal, public testing::WithParamInterface<CorruptFile> {};
 
-TEST_P(EachDamagedState, HasTheResultOfTheRealRun) {
+TEST_P(EachCorruptFile, HasTheResultOfTheRealRun) {
   GetParam().make(place);
   place.giveToUser();
   expectToBeTheRealRun(host(), "kelvo_vestra.tcl");
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rehearsal, EachDamagedState,
-    testing::Values(State{"SettingsReadOnlyWithoutIdentifier",
-                          [](Place& place) {
-                            place.write(place.settings(), "a=b\n");
-                            chmod(place.settings().c_str(), 0400);
-                          }},
-                    State{"SettingsDirectory",
-                          [](Place& place) {
-                            run({"rm", place.settings()});
-                            makeDirectory(place.settings());
-                          }},
-                    State{"SettingsLinkToNowhere",
-                          [](Place& place) {
-                            run({"rm", place.settings()});
-                            makeLink(place.settings(), "/proc/nowhere/settings");
-                          }},
-                    State{"IdentityLinkToItself",
-                          [](Place& place) {
-                            run({"rm", place.identity()});
-                            makeLink(place.identity(), place.identity());
-                          }},
-                    State{"IdentityLinkToNowhere",
-                          [](Place& place) {
-                            run({"rm", place.identity()});
-                            makeLink(place.identity(), "/proc/nowhere/identity");
-                          }},
-                    State{"IdentityDevice",
-                          [](Place& place) {
-                            run({"rm", place.identity()});
-                            makeLink(place.identity(), "/dev/null");
-                          }},
-                    State{"IdentityPipe",
-                          [](Place& place) {
-                            run({"rm", place.identity()});
-                            makeNamedPipe(place.identity());
-                          }},
-                    State{"IdentityReadOnly", [](Place& place) { chmod(place.identity().c_str(), 0400); }},
-                    State{"IdentityUnreadable", [](Place& place) { chmod(place.identity().c_str(), 0200); }},
-                    State{"VestraDirectoryReadOnly",
-                          [](Place& place) { chmod(place.inVestra("").c_str(), 0500); }},
-                    State{"VestraFile",
-                          [](Place& place) {
-                            run({"rm", "-r", place.inVestra("")});
-                            place.write(place.project() + "/vestra", "");
-                          }}),
+    Rehearsal, EachCorruptFile,
+    testing::Values(
+        CorruptFile{"SettingsReadOnlyWithoutIdentifier",
+                    [](Place& place) {
+                      place.write(place.settings(), "a=b\n");
+                      chmod(place.settings().c_str(), 0400);
+                    }},
+        CorruptFile{"SettingsDirectory",
+                    [](Place& place) {
+                      run({"rm", place.settings()});
+                      makeDirectory(place.settings());
+                    }},
+        CorruptFile{"SettingsLinkToNowhere",
+                    [](Place& place) {
+                      run({"rm", place.settings()});
+                      makeLink(place.settings(), "/proc/nowhere/settings");
+                    }},
+        CorruptFile{"IdentityLinkToItself",
+                    [](Place& place) {
+                      run({"rm", place.identity()});
+                      makeLink(place.identity(), place.identity());
+                    }},
+        CorruptFile{"IdentityLinkToNowhere",
+                    [](Place& place) {
+                      run({"rm", place.identity()});
+                      makeLink(place.identity(), "/proc/nowhere/identity");
+                    }},
+        CorruptFile{"IdentityDevice",
+                    [](Place& place) {
+                      run({"rm", place.identity()});
+                      makeLink(place.identity(), "/dev/null");
+                    }},
+        CorruptFile{"IdentityPipe",
+                    [](Place& place) {
+                      run({"rm", place.identity()});
+                      makeNamedPipe(place.identity());
+                    }},
+        CorruptFile{"IdentityReadOnly", [](Place& place) { chmod(place.identity().c_str(), 0400); }},
+        CorruptFile{"IdentityUnreadable", [](Place& place) { chmod(place.identity().c_str(), 0200); }},
+        CorruptFile{"VestraDirectoryReadOnly", [](Place& place) { chmod(place.inVestra("").c_str(), 0500); }},
+        CorruptFile{"VestraFile",
+                    [](Place& place) {
+                      run({"rm", "-r", place.inVestra("")});
+                      place.write(place.project() + "/vestra", "");
+                    }}),
     [](const auto& test) { return test.param.name; });
 
 /// Hosts that cannot be rehearsed are not started.

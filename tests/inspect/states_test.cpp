@@ -31,7 +31,9 @@ struct Handed {
 class Observed {
  public:
   explicit Observed(const State& made) : state(made) {
-    place.write(tool(), "#!/bin/sh\ncat \"$4\" >" + kept() + " 2>/dev/null\n");
+    // A pipe in the script's place would hold the tool for ever.
+    place.write(tool(),
+                "#!/bin/sh\n>" + kept() + "\n[ -p \"$4\" ] || cat \"$4\" >" + kept() + " 2>/dev/null\n");
     place.runProgram({"chmod", "755", tool()});
     place.setVariable("VESTRA_TESTKIT_EXEC_PATH", tool());
     state.make(place);
