@@ -9,7 +9,6 @@ include(CheckCXXSourceCompiles)
 set(for_each_item
   data/byte_string.cpp
   data/crc32.cpp
-  data/item_renderer.cpp
   data/vestra_add_data.cpp
   handler/vestra_handler_items.cpp
   interface/vestra.cpp)

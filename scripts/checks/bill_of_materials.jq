@@ -14,10 +14,11 @@ def relation(from; kind; to): {
   documentNamespace: ("https://calvix.example/vestra/spdx/" + $version + "-" + $sum),
   creationInfo: { created: $created, creators: ["Organization: Vestra developers", "Tool: scripts/release"] },
   hasExtractedLicensingInfos: [{
-    licenseId: "LicenseRef-vestra", name: "proprietary", extractedText: "See share/doc/vestra/copyright."
+    licenseId: "LicenseRef-Vestra", name: "proprietary", extractedText: $licence
   }],
   packages: [
-    package("vestra"; "vestra"; $version; "LicenseRef-vestra"; "NOASSERTION")
+    package("vestra"; "vestra"; $version; "LicenseRef-Vestra"; "NOASSERTION")
+      + { supplier: "Organization: Vestra developers", copyrightText: "Copyright 2026 Vestra developers" }
       + { packageFileName: $library, checksums: [{ algorithm: "SHA256", checksumValue: $sum }] },
     package("boost-filesystem"; "Boost.Filesystem"; $boost; "BSL-1.0"; "NOASSERTION"),
     package("boost-headers"; "Boost's headers: Uuid, String Algorithms and what these include"; $boost;

@@ -78,15 +78,18 @@ std::string renderChildren(VestraParentData& context, MakeFrame makeFrame, Rende
   if (!plain.contain(context)) {
     return renderEach(children, render);
   }
-  ItemFrame frame = makeFrame(context, context);
   std::string text;
-  text.reserve(sizeOfPlainItems(plain, context, frame));
   for (std::size_t i = 0; i < children.size(); ++i) {
-    if (VestraAddData* item = plain.itemOf(context, children[i])) {
+    const ItemFrame frame = makeFrame(context, context);
+    if (i == 0) {
+      text.reserve(sizeOfPlainItems(plain, context, frame));
+    }
+    for (VestraAddData* item = nullptr;
+         i < children.size() && (item = plain.itemOf(context, children[i])) != nullptr; ++i) {
       append(*item, frame, text);
-    } else if (children[i] != nullptr) {
+    }
+    if (i < children.size() && children[i] != nullptr) {
       text += (children[i]->*render)();
-      frame = makeFrame(context, context);
     }
   }
   return text;

@@ -1,13 +1,14 @@
 #include "identity/fields.h"
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
-
 namespace Oza {
 
 std::vector<std::string> fieldsOf(const std::string& text, const char* separator) {
   std::vector<std::string> fields;
-  boost::algorithm::split(fields, text, boost::algorithm::is_any_of(separator));
+  std::size_t begin = 0;
+  for (std::size_t end = 0; (end = text.find(separator, begin)) != std::string::npos; begin = end + 1) {
+    fields.push_back(text.substr(begin, end - begin));
+  }
+  fields.push_back(text.substr(begin));
   return fields;
 }
 

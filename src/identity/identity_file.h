@@ -23,8 +23,8 @@ std::optional<std::string> awaitIdentityText(const Descriptor& file, TimeBudget&
 std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string corrupt,
                                               TimeBudget& timeBudget);
 
-/// The text that a counted attempt overwrites. Nothing for a text that cannot be read,
-/// which must not be overwritten; but one that cannot be read and is empty is known.
+/// The text that a counted attempt overwrites. Nothing for a file that cannot be read and
+/// must not be overwritten; empty for one that cannot be read and is empty.
 std::optional<std::string> identityTextToOverwrite(const Descriptor& file);
 
 }  // namespace Oza

@@ -29,8 +29,8 @@ bool canHoldARecord(const Descriptor& file) { return file.hasStatus() && !S_ISFI
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}
 
-// A path that cannot be examined counts as absent too; making the file there
-// tells whether it can be used.
+// A path whose status cannot be read counts as absent too; creating the file there
+// shows whether it can be used.
 bool VestraProjectInfo::loadOrCreate() {
   try {
     const Descriptor file(filePath, O_RDWR, timeBudget);
@@ -70,7 +70,8 @@ void VestraProjectInfo::startNewProject() {
 // The values first reach the file with the first attempt to send.
 bool VestraProjectInfo::makeFile() const { return Descriptor(filePath, O_RDWR | O_CREAT | O_EXCL).isOpen(); }
 
-// Another host has made the file in between, a link leads nowhere, or opening has failed.
+// Another host has created the file in between, the path is a dangling link, or opening
+// has failed.
 bool VestraProjectInfo::loadOthers() {
   const Descriptor file(filePath, O_RDWR, timeBudget);
   if (file.isRegular()) {

@@ -24,24 +24,24 @@ class VestraProjectInfo {
   ///                 product. Must outlive the record.
   VestraProjectInfo(std::string path, VestraHandler* handler);
 
-  /// Loads the identity file or, where there is none, makes an empty one with its
+  /// Loads the identity file or, if there is none, creates an empty one with its
   /// directories and a new identifier in memory. An identifier that the host added
-  /// as an item "project_id" wins over a new and over a stored one. Where another host
-  /// is making the project new at this moment, waits for its identifier.
+  /// as an item "project_id" wins over a new and over a stored one. If another host is
+  /// initialising the project, waits for its identifier.
   ///
   /// A file that may be written and not read (EACCES) is emptied and starts a record
   /// without an identifier. No other failure to open or read it changes the file.
   ///
   /// @return Whether the record can be used. False when the file can be neither
-  ///         opened nor made or a file-system call fails, and when its numbers are
+  ///         opened nor created or a file-system call fails, and when its numbers are
   ///         unreadable: it is deleted then, so that the project is new at the
   ///         next run.
   bool loadOrCreate();
 
-  /// Counts an attempt to send, notes the time when it is due, and overwrites the
-  /// identity file: reads it anew, decides and writes under a lock, where the file
+  /// Counts an attempt to send, stores the time when it is due, and overwrites the
+  /// identity file: reads it again, decides and writes under a lock, if the file
   /// system has one and no other process holds it for too long. A failure to write is
-  /// not noticed. A file that cannot be read again is not written, unless it is empty.
+  /// not reported. A file that cannot be read again is not written, unless it is empty.
   ///
   /// @return Whether more than 86400 seconds have passed since the last report for
   ///         this product's slot.

@@ -49,12 +49,12 @@ class VestraSetting {
   std::string getCalvixVersion() const;
 
   /// The random installation identifier: the value of "RandomID" or, where that is
-  /// missing or empty, a new UUID, appended to the settings file (made with its
-  /// directories where missing) and kept in the table. Before it is appended, the file is
+  /// missing or empty, a new UUID, appended to the settings file (created with its
+  /// directories if missing) and kept in the table. Before it is appended, the file is
   /// locked and read again: what another process has appended meanwhile is used instead.
   ///
-  /// @return Empty, with nothing made, when the file's directory cannot be made
-  ///         or the file cannot be opened. A failed write is not noticed.
+  /// @return Empty, with nothing written, when the file's directory cannot be created
+  ///         or the file cannot be opened. A failed write is not reported.
   std::string getRandomId();
 
  private:

@@ -4,10 +4,14 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
 #include <string>
 
 #include "files/sigxfsz_guard.h"
+#include "support/child_process.h"
+#include "support/failing_system_call.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
 
@@ -71,6 +75,19 @@ TEST_F(OverwrittenFile, KeepsTheOldTextWhenTheNewOneExceedsTheSizeLimit) {
 TEST_F(OverwrittenFile, TakesATextThatIsAsLongAsTheSizeLimit) {
   const ScopedFileSizeLimit three(3);
   EXPECT_EQ(overwritten("", "new"), "new");
+}
+
+TEST_F(OverwrittenFile, GetsTheOldTextBackAfterAShortWrite) {
+  writeFile(path, "old");
+  const std::string outcome = vestra_test::inChildProcess([&] {
+    const SigxfszGuard guard;
+    const ScopedFileSizeLimit four(4);
+    // Asking for the limit fails, which passes no new one.
+    vestra_test::failSystemCall(SYS_prlimit64, EPERM, 0);
+    return overwrite(Descriptor(path, O_RDWR), "old", "new text") ? "written" : "put back";
+  });
+  EXPECT_EQ(outcome, "put back");
+  EXPECT_EQ(readFile(path), "old");
 }
 
 TEST_F(OverwrittenFile, IsNotTouchedWhenTheTextExceedsTheSizeLimit) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <array>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -14,6 +15,31 @@
 
 namespace Oza {
 namespace {
+
+struct Visits {
+  const char* filled;
+  const char* visited;
+};
+
+// One digit for each context, in their order.
+constexpr Visits VISITS[] = {{"000000", "000000"}, {"111111", "111111"}, {"110000", "110000"},
+                             {"010000", "110000"}, {"100000", "100001"}, {"100100", "100100"},
+                             {"110100", "111100"}, {"101000", "111001"}, {"100001", "100001"},
+                             {"110001", "110011"}, {"111001", "111001"}, {"000001", "000011"}};
+
+TEST(VisitedContexts, AreAllButAdjacentEmptyOnes) {
+  for (const auto& [filled, visited] : VISITS) {
+    std::array<bool, CONTEXT_COUNT> isEmpty{};
+    for (std::size_t i = 0; i < CONTEXT_COUNT; ++i) {
+      isEmpty[i] = filled[i] == '0';
+    }
+    std::string digits;
+    for (const bool isVisited : visitedContexts(isEmpty)) {
+      digits += isVisited ? '1' : '0';
+    }
+    EXPECT_EQ(digits, visited) << "filled: " << filled;
+  }
+}
 
 /// The six contexts of a report.
 class SixContexts {

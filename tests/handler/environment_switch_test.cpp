@@ -4,36 +4,20 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "support/scoped_env.h"
 
 namespace Oza {
 namespace {
 
-bool isOnWith(const std::optional<std::string>& value) {
-  const vestra_test::ScopedEnv variable("VESTRA_TEST_SWITCH", value);
-  return isSwitchedOn("VESTRA_TEST_SWITCH");
-}
-
-TEST(EnvironmentSwitch, SwitchIsOffWhenUnset) { EXPECT_FALSE(isOnWith(std::nullopt)); }
-
-TEST(EnvironmentSwitch, SwitchIsOffWhenEmpty) { EXPECT_FALSE(isOnWith("")); }
-
-TEST(EnvironmentSwitch, SwitchIsOnWithAnyText) {
-  EXPECT_TRUE(isOnWith("1"));
-  EXPECT_TRUE(isOnWith("0"));
-  EXPECT_TRUE(isOnWith("false"));
-  EXPECT_TRUE(isOnWith(" "));
-}
-
-TEST(EnvironmentSwitch, SwitchIsReadAnewEachTime) {
-  const vestra_test::ScopedEnv on("VESTRA_TEST_SWITCH", "1");
-  EXPECT_TRUE(isSwitchedOn("VESTRA_TEST_SWITCH"));
-  {
-    const vestra_test::ScopedEnv off("VESTRA_TEST_SWITCH", std::nullopt);
-    EXPECT_FALSE(isSwitchedOn("VESTRA_TEST_SWITCH"));
+TEST(EnvironmentSwitch, IsOnWithAnyTextButTheEmptyOne) {
+  const std::pair<std::optional<std::string>, bool> rows[] = {
+      {std::nullopt, false}, {"1", true}, {"", false}, {"0", true}, {"false", true}, {" ", true}};
+  for (const auto& [value, isOn] : rows) {
+    const vestra_test::ScopedEnv variable("VESTRA_TEST_SWITCH", value);
+    EXPECT_EQ(isSwitchedOn("VESTRA_TEST_SWITCH"), isOn) << value.value_or("unset");
   }
-  EXPECT_TRUE(isSwitchedOn("VESTRA_TEST_SWITCH"));
 }
 
 }  // namespace

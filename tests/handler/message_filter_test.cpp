@@ -3,7 +3,6 @@
 #include <boost/filesystem/exception.hpp>
 
 #include <string>
-#include <vector>
 
 #include "handler/vestra_handler.h"
 #include "support/child_process.h"
@@ -43,86 +42,61 @@ class MessageFilter : public testing::Test {
   vestra_test::TimeLimit limit;
 };
 
-TEST_F(MessageFilter, MessageFilterOfTheSimulatorIsEmptyAndLeavesTheLog) {
+TEST_F(MessageFilter, OfTheSimulatorIsEmptyAndLeavesTheLog) {
   writeFile(log(), "old");
   handler.setProductType(Vestra::KELVO);
-  EXPECT_EQ(handler.getVestraMsgFilter(), "");
-  handler.setProductType(Vestra::KELVO_ALT);
   EXPECT_EQ(handler.getVestraMsgFilter(), "");
   EXPECT_EQ(readFile(log()), "old");
 }
 
-TEST_F(MessageFilter, MessageFilterOfTheLabToolDeletesTheOldLogEachTime) {
-  writeFile(log(), "old");
-  expectRemoval();
-  writeFile(log(), "newer");
-  expectRemoval();
-}
+struct OldLog {
+  const char* name;
+  void (*make)(const std::string& path);
+};
 
-TEST_F(MessageFilter, MessageFilterOfAnyOtherProductIsTheLabTools) {
-  handler.setProductType(static_cast<Vestra::ProductType>(7));
-  writeFile(log(), "old");
-  expectRemoval();
-}
+const OldLog OLD_LOGS[] = {
+    {"file", [](const std::string& path) { writeFile(path, "old"); }},
+    {"nothing", [](const std::string&) {}},
+    {"empty directory", [](const std::string& path) { makeDirectory(path); }},
+    {"named pipe", [](const std::string& path) { makeNamedPipe(path); }},
+    {"socket", [](const std::string& path) { makeSocket(path); }},
+    {"link to a device", [](const std::string& path) { makeLink(path, "/dev/null"); }},
+    {"link to nowhere", [](const std::string& path) { makeLink(path, path + ".missing"); }},
+    {"link to itself", [](const std::string& path) { makeLink(path, path); }}};
 
-TEST_F(MessageFilter, MessageFilterDoesNotMindAMissingLog) {
+TEST_F(MessageFilter, OfTheLabToolDeletesTheOldLogEachTime) {
   makeDirectory(project / "vestra");
-  expectRemoval();
+  for (const OldLog& old : OLD_LOGS) {
+    SCOPED_TRACE(old.name);
+    old.make(log());
+    expectRemoval();
+  }
+  EXPECT_TRUE(exists("/dev/null"));
 }
 
-TEST_F(MessageFilter, MessageFilterDoesNotMindAMissingDirectory) { expectRemoval(); }
-
-TEST_F(MessageFilter, MessageFilterDoesNotMindAFileForTheVestraDirectory) {
-  writeFile(project / "vestra", "");
-  EXPECT_EQ(handler.getVestraMsgFilter(), " > " + log() + " 2>&1");
-  EXPECT_EQ(readFile(project / "vestra"), "");
-}
-
-TEST_F(MessageFilter, MessageFilterDeletesAnEmptyDirectory) {
-  makeDirectory(log());
-  expectRemoval();
-}
-
-TEST_F(MessageFilter, MessageFilterThrowsAFilesystemErrorOnAFullDirectory) {
-  writeFile(log() + "/file", "");
-  EXPECT_THROW(handler.getVestraMsgFilter(), boost::filesystem::filesystem_error);
-  EXPECT_TRUE(exists(log() + "/file"));
-}
-
-TEST_F(MessageFilter, MessageFilterDeletesANamedPipeWithoutWaiting) {
-  makeNamedPipe(log());
-  expectRemoval();
-}
-
-TEST_F(MessageFilter, MessageFilterDeletesASocket) {
-  makeSocket(log());
-  expectRemoval();
-}
-
-TEST_F(MessageFilter, MessageFilterDeletesALinkAndLeavesItsTarget) {
+TEST_F(MessageFilter, LeavesTheTargetOfALink) {
   writeFile(project / "target", "kept");
+  makeDirectory(project / "vestra");
   makeLink(log(), project / "target");
   expectRemoval();
   EXPECT_EQ(readFile(project / "target"), "kept");
 }
 
-TEST_F(MessageFilter, MessageFilterDeletesALinkToADeviceAndLeavesTheDevice) {
-  makeLink(log(), "/dev/null");
+TEST_F(MessageFilter, DoesNotMindAMissingDirectory) { expectRemoval(); }
+
+TEST_F(MessageFilter, DoesNotMindAFileForTheVestraDirectory) {
+  writeFile(project / "vestra", "");
   expectRemoval();
-  EXPECT_TRUE(exists("/dev/null"));
+  EXPECT_EQ(readFile(project / "vestra"), "");
 }
 
-TEST_F(MessageFilter, MessageFilterDeletesALinkToNowhere) {
-  makeLink(log(), project / "missing");
-  expectRemoval();
+TEST_F(MessageFilter, ThrowsAFilesystemErrorOnAFullDirectory) {
+  writeFile(log() + "/file", "");
+  EXPECT_THROW(handler.getVestraMsgFilter(), boost::filesystem::filesystem_error);
+  EXPECT_TRUE(exists(log() + "/file"));
 }
 
-TEST_F(MessageFilter, MessageFilterDeletesALinkToItself) {
-  makeLink(log(), "tavlo_vestra.log");
-  expectRemoval();
-}
-
-TEST_F(MessageFilter, MessageFilterDeletesAReadOnlyLog) {
+TEST_F(MessageFilter, DeletesAReadOnlyLog) {
   writeFile(log(), "old");
   const vestra_test::ScopedMode anybody(project / "vestra", 0777);
   chmod(log().c_str(), 0444);
@@ -131,7 +105,7 @@ TEST_F(MessageFilter, MessageFilterDeletesAReadOnlyLog) {
   EXPECT_FALSE(exists(log()));
 }
 
-TEST_F(MessageFilter, MessageFilterThrowsAFilesystemErrorInAReadOnlyDirectory) {
+TEST_F(MessageFilter, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
   writeFile(log(), "old");
   const vestra_test::ScopedMode readOnly(project / "vestra", 0555);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&]() -> std::string {

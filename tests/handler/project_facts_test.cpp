@@ -96,7 +96,7 @@ TEST_F(ProjectFacts, FactThatComesAtTheEndOfAnotherIsKept) {
   EXPECT_EQ(ends, "late");
 }
 
-TEST_F(ProjectFacts, FactsStandInTheReportsOrder) {
+TEST_F(ProjectFacts, StandInTheReportsOrder) {
   add("project_iteration", "o");
   add("project_id", "n");
   add("random_id", "m");
@@ -118,14 +118,7 @@ TEST_F(ProjectFacts, FactsStandInTheReportsOrder) {
   EXPECT_EQ(ends, "abcdefghijklmno");
 }
 
-TEST_F(ProjectFacts, FactsKeepTheVeryItems) {
-  VestraAddData* item = add("BETA", "value");
-  handler->uniqueAndReorderData();
-  EXPECT_EQ(item->toTclString(),
-            "vestra_add_data -client client -key beta -value \"value\" -context \"context\"\n");
-}
-
-TEST_F(ProjectFacts, FactsAreTheSameAfterASecondTime) {
+TEST_F(ProjectFacts, AreTheSameAfterASecondTime) {
   add("beta", "b");
   add("os_platform", "a");
   handler->uniqueAndReorderData();
@@ -145,7 +138,7 @@ TEST_F(ProjectFacts, AddedAfterTheFirstTimeFollowTheSameRules) {
   EXPECT_EQ(ends, "xzy") << "os_platform has been filled in by the first time";
 }
 
-TEST_F(ProjectFacts, FactsOfOtherSectionsAreUntouched) {
+TEST_F(ProjectFacts, OfOtherSectionsAreUntouched) {
   for (const auto section : {Vestra::USER_ENVIRONMENT, Vestra::KELVO_COMMAND_LINE_OPTIONS,
                              Vestra::KELVO_USAGE, Vestra::TAVLO_COMMAND_LINE_OPTIONS, Vestra::TAVLO_USAGE}) {
     auto* item = new EndingItem("Key", "k", &context, ends);
@@ -157,18 +150,7 @@ TEST_F(ProjectFacts, FactsOfOtherSectionsAreUntouched) {
   }
 }
 
-TEST_F(ProjectFacts, FactsAreTheSameForBothProducts) {
-  handler->setProductType(Vestra::TAVLO);
-  add("unknown", "u");
-  add("beta", "b");
-  add("os_platform", "a");
-  handler->uniqueAndReorderData();
-  EXPECT_EQ(ends, "u");
-  handler.reset();
-  EXPECT_EQ(ends, "uab");
-}
-
-TEST_F(ProjectFacts, FactsAreLoweredByTheGlobalLocale) {
+TEST_F(ProjectFacts, AreLoweredByTheGlobalLocale) {
   VestraAddData* item = add("Qroject_Id", "value");
   const vestra_test::ScopedLocale odd(vestra_test::oddLettersLocale());
   handler->uniqueAndReorderData();
@@ -184,27 +166,7 @@ class ProjectFactsInTheScript : public vestra_test::ReportFixture {
   }
 };
 
-TEST_F(ProjectFactsInTheScript, MissingOnesAreNotApplicable) {
-  writeIdentity("0\n0\n7\n0\nid\n");
-  EXPECT_EQ(facts(),
-            "date_generated=not_applicable\n"
-            "product_version=not_applicable\n"
-            "build_version=not_applicable\n"
-            "os_platform=not_applicable\n"
-            "registration_id=not_applicable\n"
-            "tool_flow=not_applicable\n"
-            "beta=not_applicable\n"
-            "route_design=not_applicable\n"
-            "target_family=not_applicable\n"
-            "target_device=not_applicable\n"
-            "target_package=not_applicable\n"
-            "target_speed=not_applicable\n"
-            "random_id=not_applicable\n"
-            "project_id=id\n"
-            "project_iteration=7\n");
-}
-
-TEST_F(ProjectFactsInTheScript, FactsThatTheHostAddedAreKept) {
+TEST_F(ProjectFactsInTheScript, AreTheHostsOrNotApplicable) {
   writeIdentity("0\n0\n7\n0\nid\n");
   add("Target_Speed", "-2", PROJECT);
   add("unknown", "x", PROJECT);
@@ -241,15 +203,6 @@ TEST_F(ProjectFactsInTheScript, HostsIdentifierAndIterationComeFirst) {
 TEST_F(ProjectFactsInTheScript, ToolFlowOfANewProjectWithAHostsIdentifierIsNoted) {
   add("project_id", "host's", PROJECT);
   EXPECT_NE(facts().find("tool_flow=kelvo_orbelo\n"), std::string::npos);
-}
-
-TEST_F(ProjectFactsInTheScript, ToolFlowIsTheSameWordForTheLabTool) {
-  handler.setProductType(Vestra::TAVLO);
-  add("project_id", "host's", PROJECT);
-  handler.prepareVestraData();
-  EXPECT_NE(vestra_test::readFile(inVestraDirectory("tavlo_vestra.tcl"))
-                .find("-key tool_flow -value \"kelvo_orbelo\""),
-            std::string::npos);
 }
 
 TEST_F(ProjectFactsInTheScript, ToolFlowOfTheHostWins) {

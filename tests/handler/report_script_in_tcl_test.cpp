@@ -26,35 +26,11 @@ ScriptCommand addData(const std::string& key, const std::string& value) {
   return {"vestra_add_data", "-client", "kelvo", "-key", key, "-value", value, "-context", "kelvo\\usage"};
 }
 
-TEST(ItemInTcl, ItemIsOneCommandWithOneBackslashInItsContext) {
-  EXPECT_EQ(commandsOfItem("runs", "2"), std::vector<ScriptCommand>{addData("runs", "2")});
-}
-
-TEST(ItemInTcl, ItemMayHoldBlanksBracesAndLineFeedsInItsValue) {
-  for (const char* value :
-       {"", " ", "a b", "{", "}", "a ; b", "# no comment", "one\ntwo", "\t", "]", "-key", "\xc3\xa9\xff"}) {
-    EXPECT_EQ(commandsOfItem("k", value), std::vector<ScriptCommand>{addData("k", value)}) << value;
+TEST(ItemInTcl, WithAHazardBreaksTheScript) {
+  for (const char* value : {"a\"b", "$undefined", "[undefined]", "[exec ls]"}) {
+    EXPECT_THROW(commandsOfItem("k", value), std::runtime_error) << value;
+    EXPECT_THROW(commandsOfItem(std::string("[") + value, "v"), std::runtime_error) << value;
   }
-}
-
-TEST(ItemInTcl, ItemMayHoldQuotesAndBracesInsideItsKey) {
-  for (const char* key : {"a\"b", "a{b", "a}b", "}", "#", "-value", "a.b:c/d=e,f", "\xc3\xa9\xff"}) {
-    EXPECT_EQ(commandsOfItem(key, "v"), std::vector<ScriptCommand>{addData(key, "v")}) << key;
-  }
-}
-
-TEST(ItemInTcl, ItemWithAQuoteInItsValueBreaksTheScript) {
-  EXPECT_THROW(commandsOfItem("k", "a\"b"), std::runtime_error);
-}
-
-TEST(ItemInTcl, ItemWithADollarOrABracketInItsValueBreaksTheScript) {
-  EXPECT_THROW(commandsOfItem("k", "$undefined"), std::runtime_error);
-  EXPECT_THROW(commandsOfItem("k", "[undefined]"), std::runtime_error);
-  EXPECT_THROW(commandsOfItem("k", "[exec ls]"), std::runtime_error);
-}
-
-TEST(ItemInTcl, ItemWithABackslashInItsValueComesOutChanged) {
-  EXPECT_EQ(commandsOfItem("k", "a\\\\b"), std::vector<ScriptCommand>{addData("k", "a\\b")});
 }
 
 // Items without hazards: what the interpreter does not read as anything else.
@@ -74,7 +50,7 @@ rc::Gen<std::string> harmlessKey() {
       rc::gen::container<std::string>(rc::gen::suchThat(rc::gen::arbitrary<char>(), isHarmlessInAKey)));
 }
 
-RC_GTEST_PROP(ItemInTcl, ItemWithoutHazardsComesOutAsItWentIn, ()) {
+RC_GTEST_PROP(ItemInTcl, WithoutHazardsComesOutAsItWentIn, ()) {
   const std::string key = *harmlessKey();
   const std::string value = *harmlessValue();
   RC_ASSERT(commandsOfItem(key, value) == std::vector<ScriptCommand>{addData(key, value)});
@@ -114,25 +90,6 @@ std::string checksumTextOf(const std::vector<ScriptCommand>& commands, const std
   return text;
 }
 
-TEST(ReportInTcl, ScriptOfTheSimulatorIsInitItemsTransmitTerminate) {
-  Report report;
-  report.add("runs", "2", Vestra::KELVO_USAGE);
-  const std::vector<ScriptCommand> commands = report.commands();
-  const std::string directory = report.project.path() + "/vestra/";
-  ASSERT_EQ(commands.size(), 27U);
-  EXPECT_EQ(commands[0], (ScriptCommand{"vestra_init", "-vestra_dir", directory}));
-  EXPECT_EQ(commands[1], (ScriptCommand{"vestra_register_client", "-client", "project"}));
-  EXPECT_EQ(commands[23], (ScriptCommand{"vestra_register_client", "-client", "kelvo"}));
-  EXPECT_EQ(commands[24], addData("runs", "2"));
-  EXPECT_EQ(commands[25],
-            (ScriptCommand{
-                "vestra_transmit", "-clientid", zlibCrc32Text(checksumTextOf(commands, "318202322")),
-                "-regid", "REG-1", "-xml", directory + "usage_statistics_ext_kelvo.xml", "-html",
-                directory + "usage_statistics_ext_kelvo.html", "-wdm",
-                directory + "usage_statistics_ext_kelvo.wdm", "-intro", "<H3>KELVO Usage Report</H3><BR>"}));
-  EXPECT_EQ(commands[26], ScriptCommand{"vestra_terminate"});
-}
-
 using Items = std::vector<std::pair<std::string, std::string>>;
 
 Items itemsOf(const std::vector<ScriptCommand>& commands, const std::string& context) {
@@ -145,7 +102,7 @@ Items itemsOf(const std::vector<ScriptCommand>& commands, const std::string& con
   return items;
 }
 
-RC_GTEST_PROP(ReportInTcl, ScriptHoldsTheItemsAsTheyWentInAndTheirChecksum, ()) {
+RC_GTEST_PROP(ReportInTcl, HoldsTheItemsAsTheyWentInAndTheirChecksum, ()) {
   const Items options = *rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue()));
   const Items usage =
       *rc::gen::nonEmpty(rc::gen::container<Items>(rc::gen::pair(harmlessKey(), harmlessValue())));

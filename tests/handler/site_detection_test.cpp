@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "support/child_process.h"
 #include "support/files.h"
@@ -31,110 +32,85 @@ class SiteText : public testing::Test {
   vestra_test::TimeLimit limit;
 };
 
-TEST_F(SiteText, SiteTextIsTheDomainNameWhereItSaysSomething) {
-  writeFile(resolver(), "search calvix.example\n");
-  EXPECT_EQ(siteText("lab.example.org", resolver()), "lab.example.org");
-  EXPECT_EQ(siteText(" ", resolver()), " ");
-  EXPECT_EQ(siteText("none", resolver()), "none");
-  EXPECT_EQ(siteText("(none) ", resolver()), "(none) ");
-}
+struct SiteSample {
+  std::string domainName;
+  std::string resolver;
+  std::string text;
+};
 
-TEST_F(SiteText, SiteTextIsTheResolverFileWithoutADomainName) {
-  writeFile(resolver(), "search calvix.example\nnameserver 10.0.0.1\n");
-  EXPECT_EQ(siteText("", resolver()), "search calvix.example\nnameserver 10.0.0.1\n");
-}
-
-TEST_F(SiteText, SiteTextIsTheResolverFileWhereTheDomainNameIsNoneInAnyLetterCase) {
-  writeFile(resolver(), "text");
-  EXPECT_EQ(siteText("(none)", resolver()), "text");
-  EXPECT_EQ(siteText("(NONE)", resolver()), "text");
-  EXPECT_EQ(siteText("(NoNe)", resolver()), "text");
-}
-
-TEST_F(SiteText, SiteTextEndsAtTheResolverFilesFirstNul) {
-  writeFile(resolver(), "nameserver 10.0.0.1\n\0search calvix.example\n"s);
-  EXPECT_EQ(siteText("", resolver()), "nameserver 10.0.0.1\n");
-}
-
-TEST_F(SiteText, SiteTextOfAnEmptyResolverFileIsEmpty) {
-  writeFile(resolver(), "");
-  EXPECT_EQ(siteText("", resolver()), "");
-  EXPECT_EQ(siteText("(none)", resolver()), "");
-}
-
-TEST_F(SiteText, SiteTextOfALongResolverFileIsWhole) {
+TEST_F(SiteText, IsTheDomainNameOrTheResolverFile) {
   const std::string longText = std::string(1048576, '#') + "\nsearch calvix.example\n";
-  writeFile(resolver(), longText);
-  EXPECT_EQ(siteText("", resolver()), longText);
-}
-
-TEST_F(SiteText, SiteTextKeepsTheResolverFilesBytesUnderTheHostsLocale) {
-  writeFile(resolver(), "Search \xff Calvix\r\n");
+  const SiteSample sites[] = {{"lab.example.org", "text", "lab.example.org"},
+                              {" ", "text", " "},
+                              {"none", "text", "none"},
+                              {"(none) ", "text", "(none) "},
+                              {"", "one\ntwo\n", "one\ntwo\n"},
+                              {"(none)", "text", "text"},
+                              {"(NONE)", "text", "text"},
+                              {"(NoNe)", "text", "text"},
+                              {"", "before\n\0after\n"s, "before\n"},
+                              {"", "", ""},
+                              {"(none)", "", ""},
+                              {"", longText, longText},
+                              {"", "Search \xff Calvix\r\n", "Search \xff Calvix\r\n"}};
   const ScopedLocale swapping(vestra_test::caseSwappingFilesLocale());
-  EXPECT_EQ(siteText("", resolver()), "Search \xff Calvix\r\n");
+  for (const SiteSample& site : sites) {
+    writeFile(resolver(), site.resolver);
+    EXPECT_EQ(siteText(site.domainName, resolver()), site.text) << site.domainName;
+  }
 }
 
-TEST_F(SiteText, SiteTextIsTheDomainNameWhereTheResolverFileIsMissing) {
+TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileIsMissing) {
   EXPECT_EQ(siteText("", resolver()), "");
   EXPECT_EQ(siteText("(NONE)", resolver()), "(NONE)");
 }
 
-TEST_F(SiteText, SiteTextIsTheDomainNameWhereTheResolverFileIsNoRegularFile) {
+TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileIsNoRegularFile) {
   makeDirectory(directory / "directory");
   makeNamedPipe(directory / "pipe");
   makeSocket(directory / "socket");
   makeLink(directory / "loop", "loop");
   makeLink(directory / "dangling", "nowhere");
-  EXPECT_EQ(siteText("(none)", directory / "directory"), "(none)");
-  EXPECT_EQ(siteText("(none)", directory / "pipe"), "(none)");
-  EXPECT_EQ(siteText("(none)", directory / "socket"), "(none)");
-  EXPECT_EQ(siteText("(none)", directory / "loop"), "(none)");
-  EXPECT_EQ(siteText("(none)", directory / "dangling"), "(none)");
-  EXPECT_EQ(siteText("(none)", "/dev/null"), "(none)");
-  EXPECT_EQ(siteText("(none)", "/dev/zero"), "(none)");
+  for (const std::string& file : {directory / "directory", directory / "pipe", directory / "socket",
+                                  directory / "loop", directory / "dangling", "/dev/null"s, "/dev/zero"s}) {
+    EXPECT_EQ(siteText("(none)", file), "(none)") << file;
+  }
 }
 
 // The process's own memory is a regular file whose first byte cannot be read.
-TEST_F(SiteText, SiteTextIsEmptyWhereReadingTheResolverFileFails) {
+TEST_F(SiteText, IsEmptyWhereReadingTheResolverFileFails) {
   EXPECT_EQ(siteText("(none)", "/proc/self/mem"), "");
 }
 
-TEST_F(SiteText, SiteTextFollowsALinkToTheResolverFile) {
+TEST_F(SiteText, FollowsALinkToTheResolverFile) {
   writeFile(directory / "stub-resolv.conf", "search calvix.example\n");
   makeLink(resolver(), "stub-resolv.conf");
   EXPECT_EQ(siteText("", resolver()), "search calvix.example\n");
 }
 
-TEST_F(SiteText, SiteTextIsTheDomainNameWhereTheResolverFileCannotBeRead) {
+TEST_F(SiteText, IsTheDomainNameWhereTheResolverFileCannotBeRead) {
   writeFile(resolver(), "search calvix.example\n");
   const vestra_test::ScopedMode none(resolver(), 0000);
   EXPECT_EQ(vestra_test::asOrdinaryUser([&] { return siteText("(none)", resolver()); }), "(none)");
 }
 
-TEST(MakerDomain, MakersDomainIsFoundAnywhere) {
-  EXPECT_TRUE(namesMakerDomain("calvix.example", "calvix.example"));
-  EXPECT_TRUE(namesMakerDomain("lab.calvix.example.org", "calvix.example"));
-  EXPECT_TRUE(namesMakerDomain("nameserver 10.0.0.1\n# notcalvix.example\n", "calvix.example"));
+TEST(MakerDomain, IsFoundAnywhereInAnyLetterCase) {
+  const std::pair<std::string, bool> rows[] = {{"calvix.example", true},
+                                               {"lab.calvix.example.org", true},
+                                               {"nameserver 10.0.0.1\n# notcalvix.example\n", true},
+                                               {"Lab.CalVix.eXample", true},
+                                               {"a\0calvix.example"s, true},
+                                               {"", false},
+                                               {"calvix", false},
+                                               {"calvix.\nexample", false},
+                                               {"calvix_example", false},
+                                               {"(none)", false}};
+  for (const auto& [text, isFound] : rows) {
+    EXPECT_EQ(namesMakerDomain(text, "calvix.example"), isFound) << text;
+  }
 }
 
-TEST(MakerDomain, MakersDomainIsFoundInAnyLetterCase) {
-  EXPECT_TRUE(namesMakerDomain("LAB.CALVIX.EXAMPLE", "calvix.example"));
-  EXPECT_TRUE(namesMakerDomain("Lab.CalVix.eXample", "calvix.example"));
-}
-
-TEST(MakerDomain, MakersDomainIsNotFoundInOtherText) {
-  EXPECT_FALSE(namesMakerDomain("", "calvix.example"));
-  EXPECT_FALSE(namesMakerDomain("calvix", "calvix.example"));
-  EXPECT_FALSE(namesMakerDomain("calvix.\nexample", "calvix.example"));
-  EXPECT_FALSE(namesMakerDomain("calvix_example", "calvix.example"));
-  EXPECT_FALSE(namesMakerDomain("(none)", "calvix.example"));
-}
-
-TEST(MakerDomain, MakersDomainIsFoundBehindANul) {
-  EXPECT_TRUE(namesMakerDomain("a\0calvix.example"s, "calvix.example"));
-}
-
-TEST(MakerDomain, MakersDomainIsLoweredByTheGlobalLocale) {
+TEST(MakerDomain, IsLoweredByTheGlobalLocale) {
   EXPECT_FALSE(namesMakerDomain("lab.Qart.example", "part.example"));
   const ScopedLocale odd(vestra_test::oddLettersLocale());
   EXPECT_TRUE(namesMakerDomain("lab.Qart.example", "part.example"));
@@ -150,7 +126,7 @@ void PrintTo(const ResolverSample& sample, std::ostream* out) { *out << sample.n
 
 class ResolverFile : public testing::TestWithParam<ResolverSample> {};
 
-TEST_P(ResolverFile, ResolverFileTellsTheNetwork) {
+TEST_P(ResolverFile, TellsTheNetwork) {
   const std::string file = std::string(RESOLVER_FILES "/") + GetParam().name + ".conf";
   ASSERT_NE(readFile(file), "");
   EXPECT_EQ(namesMakerDomain(siteText("", file), "calvix.example"), GetParam().internal);

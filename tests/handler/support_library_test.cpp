@@ -15,12 +15,12 @@ namespace {
 using vestra_test::errorOf;
 using vestra_test::StandInLibrary;
 
-TEST(SupportLibrary, SupportLibraryThatIsMissingCannotBeOpened) {
+TEST(SupportLibrary, ThatIsMissingCannotBeOpened) {
   EXPECT_EQ(support_library::open(), nullptr);
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST(SupportLibrary, SupportLibraryIsOpenBetweenOpeningAndClosing) {
+TEST(SupportLibrary, IsOpenBetweenOpeningAndClosing) {
   const StandInLibrary library;
   EXPECT_FALSE(support_library::isOpen());
   void* handle = support_library::open();
@@ -30,13 +30,13 @@ TEST(SupportLibrary, SupportLibraryIsOpenBetweenOpeningAndClosing) {
   EXPECT_FALSE(support_library::isOpen());
 }
 
-TEST(SupportLibrary, SupportLibraryIsUnloadedByClosing) {
+TEST(SupportLibrary, IsUnloadedByClosing) {
   StandInLibrary library;
   support_library::close(support_library::open());
   EXPECT_FALSE(library.isHeldByAnother());
 }
 
-TEST(SupportLibrary, SupportLibraryAnswersItsThreeQuestions) {
+TEST(SupportLibrary, AnswersItsThreeQuestions) {
   StandInLibrary library;
   library.nameTool("/opt/design/bin/tool");
   library.nameRegistration("REG-77");
@@ -51,13 +51,13 @@ TEST(SupportLibrary, SupportLibraryAnswersItsThreeQuestions) {
             "oza_vestra_enviroment_data(KELVO)\n");
 }
 
-TEST(SupportLibrary, SupportLibraryIsAskedNothingByOpening) {
+TEST(SupportLibrary, IsAskedNothingByOpening) {
   const StandInLibrary library;
   support_library::open();
   EXPECT_EQ(library.calls(), "");
 }
 
-TEST(SupportLibrary, SupportLibraryIsAskedAnewEachTime) {
+TEST(SupportLibrary, IsAskedAnewEachTime) {
   StandInLibrary library;
   support_library::open();
   library.nameTool("first");
@@ -66,14 +66,14 @@ TEST(SupportLibrary, SupportLibraryIsAskedAnewEachTime) {
   EXPECT_EQ(support_library::execPath(), "second");
 }
 
-TEST(SupportLibrary, SupportLibraryHandsANullProductNameOn) {
+TEST(SupportLibrary, HandsANullProductNameOn) {
   const StandInLibrary library;
   support_library::open();
   support_library::environmentData(nullptr);
   EXPECT_EQ(library.calls(), "oza_vestra_enviroment_data(null)\n");
 }
 
-TEST(SupportLibrary, SupportLibraryMayAnswerWithTheEmptyText) {
+TEST(SupportLibrary, MayAnswerWithTheEmptyText) {
   StandInLibrary library;
   library.nameTool("");
   support_library::open();
@@ -92,7 +92,7 @@ TEST(SupportLibrary, NullAnswerThrowsTheTextThatHostsKnow) {
   EXPECT_EQ(errorOf([] { support_library::environmentData("KELVO"); }), expected);
 }
 
-TEST(SupportLibrary, SupportLibraryWithoutAToolOpensButDoesNotCountAsOpen) {
+TEST(SupportLibrary, WithoutAToolOpensButDoesNotCountAsOpen) {
   const StandInLibrary library("no_exec_path");
   EXPECT_NE(support_library::open(), nullptr);
   EXPECT_FALSE(support_library::isOpen());
@@ -101,7 +101,7 @@ TEST(SupportLibrary, SupportLibraryWithoutAToolOpensButDoesNotCountAsOpen) {
   EXPECT_EQ(support_library::registrationId(), "REG-1");
 }
 
-TEST(SupportLibrary, SupportLibraryWithoutARegistrationSaysSoWhenAsked) {
+TEST(SupportLibrary, WithoutARegistrationSaysSoWhenAsked) {
   const StandInLibrary library("no_regid");
   support_library::open();
   EXPECT_TRUE(support_library::isOpen());
@@ -110,7 +110,7 @@ TEST(SupportLibrary, SupportLibraryWithoutARegistrationSaysSoWhenAsked) {
   EXPECT_EQ(support_library::execPath(), "/bin/true");
 }
 
-TEST(SupportLibrary, SupportLibraryWithoutAnEnvironmentSaysSoWhenAsked) {
+TEST(SupportLibrary, WithoutAnEnvironmentSaysSoWhenAsked) {
   const StandInLibrary library("no_environment");
   support_library::open();
   EXPECT_TRUE(support_library::isOpen());
@@ -118,7 +118,7 @@ TEST(SupportLibrary, SupportLibraryWithoutAnEnvironmentSaysSoWhenAsked) {
             "libqvzcommonvestrasupport.so lacks oza_vestra_enviroment_data");
 }
 
-TEST(SupportLibrary, SupportLibraryOpenedAgainIsLookedUpAgain) {
+TEST(SupportLibrary, OpenedAgainIsLookedUpAgain) {
   {
     const StandInLibrary library;
     support_library::close(support_library::open());

@@ -4,7 +4,9 @@
 
 #include <boost/filesystem/exception.hpp>
 
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/child_process.h"
@@ -19,21 +21,21 @@ namespace {
 using vestra_test::ScopedCurrentDirectory;
 using vestra_test::TemporaryDirectory;
 
-TEST(Handler, HandlerStartsWithSixEmptyContexts) {
+TEST(Handler, StartsWithSixEmptyContexts) {
   VestraHandler handler;
   for (unsigned int i = 0; i < 6; ++i) {
     EXPECT_TRUE(handler.isParentEmpty(i)) << "context " << i;
   }
 }
 
-TEST(Handler, HandlerStartsAsTheSimulatorWithoutAProject) {
+TEST(Handler, StartsAsTheSimulatorWithoutAProject) {
   VestraHandler handler;
   EXPECT_EQ(handler.getProductType(), Vestra::KELVO);
   EXPECT_EQ(handler.getVestraCommandTcl(), "kelvo_vestra.tcl");
   EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
 }
 
-TEST(Handler, HandlerFilesAnItemUnderOneContextOnly) {
+TEST(Handler, FilesAnItemUnderOneContextOnly) {
   for (unsigned int section = 0; section < 6; ++section) {
     VestraHandler handler;
     handler.addData("k", "v", static_cast<Vestra::SectionType>(section));
@@ -43,7 +45,7 @@ TEST(Handler, HandlerFilesAnItemUnderOneContextOnly) {
   }
 }
 
-TEST(Handler, HandlerFilesAnItemWithEmptyKeyAndValue) {
+TEST(Handler, FilesAnItemWithEmptyKeyAndValue) {
   VestraHandler handler;
   handler.addData("", "", Vestra::KELVO_USAGE);
   EXPECT_FALSE(handler.isParentEmpty(Vestra::KELVO_USAGE));
@@ -63,7 +65,7 @@ class Noted : public Node {
   std::string& endsSeen;
 };
 
-TEST(Handler, HandlerOwnsTheNodesThatAreFiled) {
+TEST(Handler, OwnsTheNodesThatAreFiled) {
   std::string ends;
   VestraParentData context("c", "p", true);
   {
@@ -76,7 +78,7 @@ TEST(Handler, HandlerOwnsTheNodesThatAreFiled) {
   EXPECT_EQ(ends, "item ");
 }
 
-TEST(Handler, HandlerFreesItsContextsInTheirOrder) {
+TEST(Handler, FreesItsContextsInTheirOrder) {
   std::string ends;
   VestraParentData context("c", "p", true);
   {
@@ -89,7 +91,7 @@ TEST(Handler, HandlerFreesItsContextsInTheirOrder) {
   EXPECT_EQ(ends, "012345");
 }
 
-TEST(Handler, HandlerTakesAFurtherContextBehindItsSix) {
+TEST(Handler, TakesAFurtherContextBehindItsSix) {
   std::string ends;
   {
     VestraHandler handler;
@@ -101,114 +103,47 @@ TEST(Handler, HandlerTakesAFurtherContextBehindItsSix) {
   EXPECT_EQ(ends, "further");
 }
 
-class ProductProfile : public testing::TestWithParam<std::uint32_t> {
- protected:
-  ProductProfile() { handler.setProductType(static_cast<Vestra::ProductType>(GetParam())); }
-
-  VestraHandler handler;
-};
-
-class SimulatorProfile : public ProductProfile {};
-
-TEST_P(SimulatorProfile, SimulatorHasTheSimulatorsNames) {
-  EXPECT_TRUE(handler.isKelvo());
-  EXPECT_EQ(handler.getProductType(), GetParam());
-  EXPECT_EQ(handler.getProductName(), "KELVO");
-  EXPECT_EQ(handler.getProductNameL(), "kelvo");
-  EXPECT_EQ(handler.getVestraCommandTcl(), "kelvo_vestra.tcl");
-  EXPECT_EQ(handler.getVestraWdm(), "usage_statistics_ext_kelvo.wdm");
-  EXPECT_EQ(handler.getVestraXml(), "usage_statistics_ext_kelvo.xml");
-  EXPECT_EQ(handler.getVestraHtml(), "usage_statistics_ext_kelvo.html");
-}
-
-TEST_P(SimulatorProfile, SimulatorHasTheLabToolsLog) {
-  EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
-}
-
-INSTANTIATE_TEST_SUITE_P(Product, SimulatorProfile, testing::Values(0U, 1U));
-
-class LabToolProfile : public ProductProfile {};
-
-TEST_P(LabToolProfile, LabToolHasTheLabToolsNames) {
-  EXPECT_FALSE(handler.isKelvo());
-  EXPECT_EQ(handler.getProductType(), GetParam());
-  EXPECT_EQ(handler.getProductName(), "TAVLO");
-  EXPECT_EQ(handler.getProductNameL(), "tavlo");
-  EXPECT_EQ(handler.getVestraCommandTcl(), "tavlo_vestra.tcl");
-  EXPECT_EQ(handler.getVestraWdm(), "usage_statistics_ext_tavlo.wdm");
-  EXPECT_EQ(handler.getVestraXml(), "usage_statistics_ext_tavlo.xml");
-  EXPECT_EQ(handler.getVestraHtml(), "usage_statistics_ext_tavlo.html");
-  EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
-}
-
-INSTANTIATE_TEST_SUITE_P(Product, LabToolProfile,
-                         testing::Values(2U, 3U, 7U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU));
-
-TEST(ProjectDirectory, ProjectDirectoryKeepsAnAbsoluteDirectory) {
-  VestraHandler handler;
-  handler.setProjectDirectory("/a/b");
-  EXPECT_EQ(handler.getLogFileName(), "/a/b/vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, ProjectDirectoryKeepsASlashAtTheEnd) {
-  VestraHandler handler;
-  handler.setProjectDirectory("/a/b/");
-  EXPECT_EQ(handler.getLogFileName(), "/a/b//vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, ProjectDirectoryKeepsDotsAndDoubledSlashes) {
-  VestraHandler handler;
-  handler.setProjectDirectory("/a//./../b c");
-  EXPECT_EQ(handler.getLogFileName(), "/a//./../b c/vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, RelativeOneIsResolvedAtTheTimeOfTheCall) {
-  const TemporaryDirectory directory;
-  VestraHandler handler;
-  {
-    const ScopedCurrentDirectory there(directory.path());
-    handler.setProjectDirectory("proj");
+TEST(ProductsNames, AreThoseOfTheSimulatorOrTheLabTool) {
+  const std::pair<std::uint32_t, bool> rows[] = {{0U, true},  {1U, true},           {2U, false},
+                                                 {7U, false}, {0x80000000U, false}, {0xFFFFFFFFU, false}};
+  for (const auto& [type, isSimulator] : rows) {
+    SCOPED_TRACE(type);
+    VestraHandler handler;
+    handler.setProductType(static_cast<Vestra::ProductType>(type));
+    const std::string name = isSimulator ? "kelvo" : "tavlo";
+    EXPECT_EQ(handler.isKelvo(), isSimulator);
+    EXPECT_EQ(handler.getProductType(), type);
+    EXPECT_EQ(handler.getProductName(), isSimulator ? "KELVO" : "TAVLO");
+    EXPECT_EQ(handler.getProductNameL(), name);
+    EXPECT_EQ(handler.getVestraCommandTcl(), name + "_vestra.tcl");
+    EXPECT_EQ(handler.getVestraWdm(), "usage_statistics_ext_" + name + ".wdm");
+    EXPECT_EQ(handler.getVestraXml(), "usage_statistics_ext_" + name + ".xml");
+    EXPECT_EQ(handler.getVestraHtml(), "usage_statistics_ext_" + name + ".html");
+    EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
   }
-  EXPECT_EQ(handler.getLogFileName(), directory / "proj/vestra/tavlo_vestra.log");
 }
 
-TEST(ProjectDirectory, DotStaysInTheText) {
+TEST(ProjectDirectory, IsMadeAbsoluteAndKeptOtherwise) {
   const TemporaryDirectory directory;
-  const ScopedCurrentDirectory there(directory.path());
+  const std::pair<std::string, std::string> rows[] = {{"/a/b", "/a/b"},
+                                                      {"/a/b/", "/a/b/"},
+                                                      {"/a//./../b c", "/a//./../b c"},
+                                                      {"/\xc3\xa9\xff", "/\xc3\xa9\xff"},
+                                                      {"proj", directory / "proj"},
+                                                      {".", directory / "."},
+                                                      {"", directory.path()}};
   VestraHandler handler;
-  handler.setProjectDirectory(".");
-  EXPECT_EQ(handler.getLogFileName(), directory / "./vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, EmptyOneIsTheCurrentDirectory) {
-  const TemporaryDirectory directory;
-  const ScopedCurrentDirectory there(directory.path());
-  VestraHandler handler;
-  handler.setProjectDirectory("");
-  EXPECT_EQ(handler.getLogFileName(), directory / "vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, ProjectDirectoryIsNeitherLookedAtNorMade) {
-  const TemporaryDirectory directory;
-  VestraHandler handler;
-  handler.setProjectDirectory(directory / "missing");
+  for (const auto& [given, stored] : rows) {
+    {
+      const ScopedCurrentDirectory there(directory.path());
+      handler.setProjectDirectory(given);
+    }
+    EXPECT_EQ(handler.getLogFileName(), stored + "/vestra/tavlo_vestra.log") << given;
+  }
   EXPECT_EQ(vestra_test::namesIn(directory.path()), std::vector<std::string>{});
 }
 
-TEST(ProjectDirectory, LastOneCounts) {
-  VestraHandler handler;
-  handler.setProjectDirectory("/a");
-  handler.setProjectDirectory("/b");
-  EXPECT_EQ(handler.getLogFileName(), "/b/vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, ProjectDirectoryKeepsBytesAbove127) {
-  VestraHandler handler;
-  handler.setProjectDirectory("/\xc3\xa9\xff");
-  EXPECT_EQ(handler.getLogFileName(), "/\xc3\xa9\xff/vestra/tavlo_vestra.log");
-}
-
-TEST(ProjectDirectory, ProjectDirectoryWithoutACurrentDirectoryThrowsAFilesystemError) {
+TEST(ProjectDirectory, WithoutACurrentDirectoryThrowsAFilesystemError) {
   const TemporaryDirectory directory;
   vestra_test::makeDirectory(directory / "gone");
   const ScopedCurrentDirectory there(directory / "gone");

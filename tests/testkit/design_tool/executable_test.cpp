@@ -74,6 +74,23 @@ TEST_F(Executable, SaysWhatItHasReadAndWritten) {
   EXPECT_EQ(outcome.err, "");
 }
 
+TEST_F(Executable, LinksToThePageAboutPrivacy) {
+  ASSERT_EQ(start(RUN).status, 0);
+  const std::string page = readFile(directory / "vestra/usage_statistics_ext_kelvo.html");
+  const std::size_t link = page.find("file://") + 7;
+  const std::string privacy = readFile(page.substr(link, page.find('"', link) - link));
+  EXPECT_THAT(privacy, HasSubstr("<h1 id=\"what-is-reported-about-you\">What is reported about you</h1>\n"));
+  EXPECT_THAT(privacy, HasSubstr("<a href=\"#stop-it\">stop it</a>"));
+  EXPECT_THAT(privacy, HasSubstr("<h2 id=\"stop-it\">Stop it</h2>\n<p>"));
+  EXPECT_THAT(privacy, HasSubstr("<pre><code>vestra-inspect status my_project\n</code></pre>\n"));
+  EXPECT_THAT(privacy,
+              HasSubstr("<tr><td>a registration identifier</td><td>the support library</td><td></td></tr>"));
+  EXPECT_THAT(privacy, HasSubstr("<li>It opens no network connection.</li>\n"));
+  for (const char* markdown : {"<!--", "\n|", "\n#", "```", "**", "]("}) {
+    EXPECT_EQ(privacy.find(markdown, privacy.find("<main>")), std::string::npos) << markdown;
+  }
+}
+
 TEST_F(Executable, ReadsThePathsOfTheScriptAgainstItsWorkingDirectory) {
   writeFile(directory / "r.wdm", "version = \"1.0\"; clients = ();");
   const Outcome outcome = startOn(

@@ -1,7 +1,8 @@
-// Neighbours that are missing, slow or failing.
+// A support library and a design tool that are missing, slow or failing.
 
 #include <dlfcn.h>
 
+#include <functional>
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -12,80 +13,51 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using Oza::Vestra;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
+using testing::ResultOf;
 using vestra::testkit::HostRun;
 using vestra::testkit::Sandbox;
 using vestra::testkit::SupportAnswers;
 using vestra::testkit::Threw;
 using vestra::testkit::WasSent;
 
-class Neighbours : public testing::Test {
- protected:
-  HostRun runWith(const SupportAnswers& answers) {
-    sandbox.setSupportAnswers(answers);
-    return sandbox.run(Vestra::KELVO, [] { Vestra::add("runs", "2", Vestra::KELVO_USAGE); });
-  }
-
-  HostRun runMissing(const std::vector<std::string>& what) {
-    SupportAnswers answers;
-    answers.missing = what;
-    return runWith(answers);
-  }
-
+HostRun runWith(const SupportAnswers& answers) {
   Sandbox sandbox;
-};
-
-TEST_F(Neighbours, WithoutASupportLibraryNothingIsSent) {
-  const HostRun run = runMissing({"library"});
-  EXPECT_THAT(run, Not(WasSent()));
-  EXPECT_EQ(whyNotSent(run), "which found no support library, libqvzcommonvestrasupport.so");
-  EXPECT_THAT(run.supportCalls, IsEmpty());
+  sandbox.setSupportAnswers(answers);
+  return sandbox.run(Oza::Vestra::KELVO, [] {});
 }
 
-TEST_F(Neighbours, EachEntryPointMayBeMissing) {
-  EXPECT_THAT(runMissing({"regid"}), Threw<std::logic_error>(HasSubstr("oza_vestra_regid")));
-  EXPECT_THAT(runMissing({"environment"}), Threw<std::logic_error>(HasSubstr("oza_vestra_enviroment_data")));
-  EXPECT_THAT(runMissing({"exec_path"}), Threw<std::logic_error>(HasSubstr("oza_vestra_exec_path")));
-}
-
-TEST_F(Neighbours, WithoutADesignToolThereIsNoReport) {
-  const HostRun run = runMissing({"tool"});
-  EXPECT_EQ(run.answer, true);
-  EXPECT_THAT(run, Not(WasSent()));
-  EXPECT_THAT(whyNotSent(run), HasSubstr("ended with status 127"));
-}
-
-TEST_F(Neighbours, DesignToolMayFail) {
+SupportAnswers missing(const std::string& what) {
   SupportAnswers answers;
-  answers.toolStatus = 3;
-  const HostRun run = runWith(answers);
-  EXPECT_EQ(run.answer, true);
-  EXPECT_EQ(whyNotSent(run), "whose design tool ended with status 3 and made no report");
+  answers.missing = {what};
+  return answers;
 }
 
-TEST_F(Neighbours, DesignToolMayBeTooSlow) {
-  SupportAnswers answers;
-  answers.toolDelay = 1h;
-  sandbox.setTimeLimit(500ms);
-  const HostRun run = runWith(answers);
-  EXPECT_TRUE(run.timedOut);
-  ASSERT_THAT(run.toolRuns, SizeIs(1));
-  EXPECT_FALSE(run.toolRuns[0].status);
+TEST(SupportAnswers, DecideWhatBecomesOfAReport) {
+  const auto notSent = [](const std::string& reason) {
+    return testing::AllOf(testing::Not(WasSent()), ResultOf(vestra::testkit::whyNotSent, HasSubstr(reason)));
+  };
+  SupportAnswers failing;
+  failing.toolStatus = 3;
+  SupportAnswers slow;
+  slow.toolDelay = 1ms;
+  const std::vector<std::pair<SupportAnswers, testing::Matcher<const HostRun&>>> cases{
+      {missing("library"), notSent("which found no support library, libqvzcommonvestrasupport.so")},
+      {missing("regid"), Threw<std::logic_error>(HasSubstr("oza_vestra_regid"))},
+      {missing("environment"), Threw<std::logic_error>(HasSubstr("oza_vestra_enviroment_data"))},
+      {missing("exec_path"), Threw<std::logic_error>(HasSubstr("oza_vestra_exec_path"))},
+      {missing("tool"), notSent("whose design tool ended with status 127 and made no report: ")},
+      {failing, notSent("whose design tool ended with status 3 and made no report")},
+      {slow, WasSent()},
+  };
+  for (const auto& [answers, matcher] : cases) {
+    EXPECT_THAT(runWith(answers), matcher);
+  }
 }
 
-TEST_F(Neighbours, DesignToolThatIsSlowReportsInTheEnd) {
-  SupportAnswers answers;
-  answers.toolDelay = 1ms;
-  EXPECT_THAT(runWith(answers), WasSent());
-}
-
-TEST_F(Neighbours, UnknownOnesCannotBeMissing) {
+TEST(SupportAnswers, CannotMissWhatIsUnknown) {
   try {
-    runMissing({"registration"});
+    runWith(missing("registration"));
     ADD_FAILURE() << "nothing was thrown";
   } catch (const std::runtime_error& error) {
     EXPECT_THAT(error.what(),
@@ -93,12 +65,12 @@ TEST_F(Neighbours, UnknownOnesCannotBeMissing) {
   }
 }
 
-TEST_F(Neighbours, SupportLibraryInReachMayBeMissing) {
-  void* const inReach = dlopen(vestra::testkit::supportLibraryPath().c_str(), RTLD_LAZY);
-  const HostRun run = runMissing({"library"});
+TEST(SupportAnswers, MayMissALibraryThatIsLoaded) {
+  void* const loaded = dlopen(vestra::testkit::supportLibraryPath().c_str(), RTLD_LAZY);
+  const HostRun run = runWith(missing("library"));
   EXPECT_EQ(run.answer, false);
-  EXPECT_THAT(run.supportCalls, IsEmpty());
-  dlclose(inReach);
+  EXPECT_THAT(run.supportCalls, testing::IsEmpty());
+  dlclose(loaded);
 }
 
 }  // namespace

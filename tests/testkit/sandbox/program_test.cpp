@@ -25,6 +25,8 @@ using vestra::testkit::HasItem;
 using vestra::testkit::HasNoHazards;
 using vestra::testkit::HostRun;
 using vestra::testkit::Sandbox;
+using vestra::testkit::Send;
+using vestra::testkit::SendsAre;
 using vestra::testkit::SupportAnswers;
 using vestra::testkit::WasSent;
 
@@ -45,18 +47,11 @@ TEST_F(Program, ReportLeavesTheSameRecordAsARun) {
   EXPECT_THAT(run, HasNoHazards());
   EXPECT_EQ(run.exitStatus, 0);
   EXPECT_EQ(run.output, "the host is done\n");
+  EXPECT_THAT(run, SendsAre(ElementsAre(Send{sandbox.project(), Vestra::KELVO, true})));
   ASSERT_THAT(run.toolRuns, SizeIs(1));
-  EXPECT_THAT(run.toolRuns[0].output, HasSubstr("nothing was transmitted"));
   EXPECT_EQ(run.toolRuns[0].script, run.script);
-  EXPECT_THAT(run.script, HasSubstr("vestra_terminate\n"));
   EXPECT_THAT(run.supportCalls, SizeIs(3));
-  ASSERT_THAT(run.added, SizeIs(1));
-  EXPECT_EQ(run.added[0].key, "runs");
-  ASSERT_THAT(run.sends, SizeIs(1));
-  EXPECT_EQ(run.sends[0].projectDirectory, sandbox.project());
-  EXPECT_EQ(run.sends[0].answer, true);
-  EXPECT_EQ(run.identity->iteration, 2U);
-  EXPECT_EQ(run.settings->randomId.size(), 36U);
+  EXPECT_THAT(run.added, SizeIs(1));
 }
 
 TEST_F(Program, AnswerIsThatOfItsLastSend) {

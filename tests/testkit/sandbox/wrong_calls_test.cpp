@@ -153,7 +153,7 @@ TEST(AWrongCall, IsNoticed) {
       {"never", "WasSent", [](Host& h, S) { h.send = [] { return true; }; }},
       {"before the items", "UsageIs",
        [](Host& h, S) {
-         h.addFacts = [&h, add = h.addFacts, send = h.send] {
+         h.addFacts = [add = h.addFacts, send = h.send] {
            send();
            add();
          };

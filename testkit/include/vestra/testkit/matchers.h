@@ -93,6 +93,7 @@ class RunCheck {
 /// A matcher of runs.
 using RunMatcher = testing::PolymorphicMatcher<RunCheck>;
 
+/// @cond
 /// `Not` of whatever is made of such matchers: does not match where one of them met a run that it
 /// could not judge.
 template <typename Matched>
@@ -139,6 +140,8 @@ class Differs {
  private:
   RunCheck check;
 };
+
+/// @endcond
 
 }  // namespace vestra::testkit
 
@@ -210,6 +213,7 @@ inline RunCheck::Check whereThereIsAScript(RunCheck::Check check) {
   };
 }
 
+/// What the matcher says of what it matches or, negated, does not match.
 template <typename Matcher>
 std::string descriptionOf(const Matcher& matcher, bool isNegated = false) {
   std::ostringstream text;
@@ -303,6 +307,7 @@ testing::Matcher<std::string> textMatcher(const Value& value) {
   }
 }
 
+/// HasItem with a matcher.
 inline RunMatcher itemMatcher(Oza::Vestra::SectionType section, const std::string& key,
                               const testing::Matcher<std::string>& value) {
   const auto check = [=, context = contextOf(section)](const HostRun& run, std::ostream& reason) {
@@ -400,6 +405,7 @@ inline RunMatcher HasNoSanitizerFindings() {
       RunCheck("has no sanitizers' findings", "has sanitizers' findings", check));
 }
 
+/// Threw with a matcher.
 inline RunMatcher exceptionMatcher(const std::string& type, const testing::Matcher<std::string>& text) {
   const auto check = [=](const HostRun& run, std::ostream& reason) {
     reason << endOf(run);
