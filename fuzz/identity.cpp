@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
+#include <string>
 
 #include "expect.h"
 #include "identity/project_identity.h"
@@ -22,10 +22,10 @@ bool canBeReadAgain(const ProjectIdentity& identity) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
+  const std::string text(reinterpret_cast<const char*>(data), size);
   ProjectIdentity identity;
   try {
-    Oza::readProjectIdentity(in, identity);
+    Oza::readProjectIdentity(text, identity);
   } catch (const std::invalid_argument&) {
     return 0;
   } catch (const std::out_of_range&) {
@@ -33,9 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   Oza::isReportDue(identity, Oza::Vestra::KELVO, 1542786245);
   if (canBeReadAgain(identity)) {
-    std::istringstream again(Oza::formatProjectIdentity(identity));
     ProjectIdentity readAgain;
-    Oza::readProjectIdentity(again, readAgain);
+    Oza::readProjectIdentity(Oza::formatProjectIdentity(identity), readAgain);
     expect(Oza::formatProjectIdentity(readAgain) == Oza::formatProjectIdentity(identity),
            "what was read can be written and read again");
   }

@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <sstream>
 
 #include <fmt/format.h>
 #include <boost/algorithm/string/trim.hpp>

@@ -3,7 +3,6 @@
 #include <sys/statvfs.h>
 
 #include <cerrno>
-#include <sstream>
 #include <stdexcept>
 
 #include <boost/filesystem/operations.hpp>
@@ -16,10 +15,9 @@ namespace {
 
 /// Reads a line alone, with blank ones before it for the fields that it is not about.
 bool isReadable(const std::string& line, std::size_t number, bool& tooLarge) {
-  std::istringstream in(std::string(number, '\n') + line + "\n");
   Oza::ProjectIdentity identity;
   try {
-    Oza::readProjectIdentity(in, identity);
+    Oza::readProjectIdentity(std::string(number, '\n') + line + "\n", identity);
     return true;
   } catch (const std::logic_error& error) {
     tooLarge = dynamic_cast<const std::out_of_range*>(&error) != nullptr;
@@ -43,8 +41,7 @@ IdentityState stateOfText(ProjectFacts& project) {
   if (project.fault) {
     return IdentityState::corrupt;
   }
-  std::istringstream in(*project.identityFile.text);
-  Oza::readProjectIdentity(in, project.identity);
+  Oza::readProjectIdentity(*project.identityFile.text, project.identity);
   return IdentityState::usable;
 }
 

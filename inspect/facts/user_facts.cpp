@@ -4,7 +4,6 @@
 
 #include <array>
 #include <map>
-#include <sstream>
 
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
@@ -19,8 +18,7 @@ using Properties = std::map<std::string, std::string>;
 
 Properties propertiesOf(const std::string& text) {
   Properties properties;
-  std::istringstream in(text);
-  Oza::readSettings(in, properties);
+  Oza::readSettings(text, properties);
   return properties;
 }
 
@@ -72,7 +70,7 @@ UserFacts lookAtUser(const HostContext& context) {
   }
   const bool canBeWritten =
       user.file.kind == FileKind::missing
-          ? canHoldFiles(Oza::directoryOf(user.file.path, 6), user.obstacle) &&
+          ? canHoldFiles(Oza::directoryOfFile(user.file.path), user.obstacle) &&
                 (!user.file.link || canCreateTarget(user.file))
           : user.file.writable && (user.file.isRegular() || user.file.kind == FileKind::device);
   user.makesNew = canBeWritten;

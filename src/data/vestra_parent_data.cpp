@@ -17,6 +17,8 @@ std::string setting(const std::string& name, const std::string& value) {
 
 }  // namespace
 
+VestraDataInterface::~VestraDataInterface() = default;
+
 VestraParentData::VestraParentData(std::string contextPath, std::string clientName, bool inUserEnvStyle)
     : context(std::move(contextPath)), client(std::move(clientName)), userEnvStyle(inUserEnvStyle) {}
 

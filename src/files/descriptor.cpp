@@ -19,7 +19,7 @@ auto uninterrupted(Call call) {
   return result;
 }
 
-/// @return How much of the text was written.
+/// @return How many bytes of the text were written.
 template <typename Write>
 std::size_t writeAll(const std::string& text, Write write) {
   std::size_t written = 0;
@@ -49,12 +49,12 @@ Descriptor::~Descriptor() {
   }
 }
 
-// One byte more than the file had: where that stays free, the end has been reached.
-std::optional<std::string> Descriptor::read() const {
+// Reads one byte more than st_size: a short read means end of file.
+std::optional<std::string> Descriptor::read(std::size_t most) const {
   if (!isRegular()) {
     return std::nullopt;
   }
-  std::string text(std::min(static_cast<std::size_t>(statusAtOpening.st_size) + 1, MOST_BYTES_READ), '\0');
+  std::string text(std::min(static_cast<std::size_t>(statusAtOpening.st_size) + 1, most), '\0');
   std::size_t size = 0;
   for (;;) {
     const ssize_t count = uninterrupted(
@@ -63,17 +63,17 @@ std::optional<std::string> Descriptor::read() const {
       return std::nullopt;
     }
     size += static_cast<std::size_t>(count);
-    if (count == 0 || size < text.size() || size == MOST_BYTES_READ) {
+    if (count == 0 || size < text.size() || size == most) {
       text.resize(size);
       return text;
     }
-    text.resize(std::min(2 * size, MOST_BYTES_READ));
+    text.resize(std::min(2 * size, most));
   }
 }
 
-std::size_t Descriptor::write(const std::string& text, std::size_t offset) const {
+std::size_t Descriptor::write(const std::string& text) const {
   return writeAll(text, [&](const char* rest, std::size_t size) {
-    return pwrite(number, rest, size, static_cast<off_t>(offset + text.size() - size));
+    return pwrite(number, rest, size, static_cast<off_t>(text.size() - size));
   });
 }
 

@@ -16,10 +16,10 @@ namespace Oza {
 class Descriptor {
  public:
   /// @param flags  Those of open(2).
-  /// @param mode   The permissions of a file that is made, less the process's umask.
+  /// @param mode   The permissions of a file that O_CREAT creates, less the process's umask.
   Descriptor(const std::string& path, int flags, mode_t mode = DEFAULT_MODE);
-  /// The same. While another process holds a lease on the file, opening fails with EAGAIN
-  /// and is tried again until the time budget is used up.
+  /// The same, without permissions for a new file. While another process holds a lease on
+  /// the file, open(2) fails with EAGAIN: it is repeated until the time budget is used up.
   Descriptor(const std::string& path, int flags, TimeBudget& timeBudget);
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
@@ -27,22 +27,23 @@ class Descriptor {
 
   bool isOpen() const { return number >= 0; }
   int get() const { return number; }
-  /// Why it could not be opened, as an errno value; 0 for an open file.
+  /// The errno value of the failed open(2); 0 for an open file.
   int error() const { return errorAtOpening; }
-  /// The file's status when it was opened; all zeros where it cannot be told.
+  /// What fstat(2) said when the file was opened; all zeros if it failed.
   const struct stat& status() const { return statusAtOpening; }
-  bool hasStatus() const { return statusAtOpening.st_mode != 0; }
   bool isRegular() const { return S_ISREG(statusAtOpening.st_mode); }
+  /// Whether it is open and no named pipe.
+  bool canHoldText() const { return statusAtOpening.st_mode != 0 && !S_ISFIFO(statusAtOpening.st_mode); }
 
   /// What the file holds from its beginning, read without moving its position. Nothing
-  /// for a file that is not regular and after a read error. A file is taken to end after
-  /// its first MOST_BYTES_READ bytes.
-  std::optional<std::string> read() const;
-  static constexpr std::size_t MOST_BYTES_READ = 1U << 20U;
+  /// for a file that is not regular and after a read error. The file is taken to end after
+  /// `most` bytes.
+  std::optional<std::string> read(std::size_t most = ONE_MEBIBYTE) const;
+  static constexpr std::size_t ONE_MEBIBYTE = 1U << 20U;
 
-  /// Writes a text at an offset.
-  /// @return How much of it was written: all of it, or what there was room for.
-  std::size_t write(const std::string& text, std::size_t offset = 0) const;
+  /// Writes a text at the file's beginning, without moving its position.
+  /// @return How many bytes were written: fewer than all when no space is left.
+  std::size_t write(const std::string& text) const;
   /// Appends a text to a file that was opened with O_APPEND.
   void append(const std::string& text) const;
 

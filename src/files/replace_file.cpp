@@ -7,7 +7,6 @@
 #include <cerrno>
 
 #include "files/descriptor.h"
-#include "files/open_file.h"
 #include "files/path_text.h"
 #include "files/permissions.h"
 #include "files/sigxfsz_guard.h"
@@ -52,7 +51,8 @@ bool replaceByRename(const std::string& path, const std::string& text) {
 }
 
 void writeInPlace(const std::string& path, const std::string& text) {
-  if (opensWithoutBlocking(statusOf(path), std::ios_base::out)) {
+  struct stat old {};
+  if (stat(path.c_str(), &old) != 0 || !S_ISFIFO(old.st_mode)) {
     Descriptor(path, O_WRONLY | O_CREAT | O_TRUNC).write(text);
   }
 }

@@ -1,15 +1,15 @@
 #include "handler/site_detection.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <fstream>
+#include <limits>
 #include <locale>
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/predicate.hpp>
 
-#include "files/open_file.h"
-#include "files/read_line.h"
+#include "files/descriptor.h"
 
 namespace Oza {
 
@@ -28,14 +28,13 @@ std::string siteText(const std::string& domainName, const std::string& resolverF
   if (!leavesSiteOpen(domainName)) {
     return domainName;
   }
-  std::ifstream in;
-  openFile(in, resolverFile, std::ios_base::in);
-  if (!in.is_open()) {
+  TimeBudget timeBudget;
+  const Descriptor file(resolverFile, O_RDONLY, timeBudget);
+  if (!file.isRegular()) {
     return domainName;
   }
-  std::string text;
-  readLine(in, text, '\0');
-  return text;
+  const std::string text = file.read(std::numeric_limits<std::size_t>::max()).value_or("");
+  return text.substr(0, text.find('\0'));
 }
 
 bool namesMakerDomain(std::string text, const std::string& domain) {

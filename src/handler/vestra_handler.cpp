@@ -33,10 +33,6 @@ void VestraHandler::setProjectDirectory(std::string directory) {
   projectDirectory = boost::filesystem::absolute(directory, boost::filesystem::current_path()).string();
 }
 
-void VestraHandler::setProductType(Vestra::ProductType product) { productType = product; }
-
-Vestra::ProductType VestraHandler::getProductType() { return productType; }
-
 bool VestraHandler::isKelvo() const { return isSimulator(productType); }
 
 std::string VestraHandler::getProductName() const { return profile().name; }

@@ -52,8 +52,8 @@ class VestraHandler {
   /// @throws boost::filesystem::filesystem_error when the current directory cannot
   ///         be told, whether it is needed or not.
   void setProjectDirectory(std::string directory);
-  void setProductType(Vestra::ProductType product);
-  Vestra::ProductType getProductType();
+  void setProductType(Vestra::ProductType product) { productType = product; }
+  Vestra::ProductType getProductType() { return productType; }
   /// Whether the product is the simulator: type 0 or 1.
   bool isKelvo() const;
   /// "KELVO" or "TAVLO"

@@ -1,10 +1,15 @@
+#include <ctime>
+#include <utility>
+
 #include "data/crc32.h"
 #include "files/replace_file.h"
 #include "handler/product_profile.h"
 #include "handler/report_script.h"
 #include "handler/rules_file.h"
 #include "handler/support_library.h"
+#include "handler/time_stamp.h"
 #include "handler/vestra_handler.h"
+#include "identity/environment_pairs.h"
 #include "identity/vestra_project_info.h"
 
 namespace Oza {
@@ -25,7 +30,29 @@ bool VestraHandler::prepareVestraData() {
   return true;
 }
 
-// Hosts that write the same rules at one moment leave the file alone.
+bool VestraHandler::setupVestraInfo() {
+  auto* record = new VestraProjectInfo(pathInVestraDirectory(PROJECT_IDENTITY_FILE), this);
+  delete projectInfo;
+  projectInfo = record;
+  return projectInfo->loadOrCreate();
+}
+
+void VestraHandler::addUserEnvironmentData() {
+  const std::string product = getProductName();
+  const std::string text = support_library::environmentData(isKelvo() ? product.c_str() : nullptr);
+  for (EnvironmentPair& pair : environmentPairs(text)) {
+    addData(std::move(pair.key), std::move(pair.value), pair.section);
+  }
+  // c_str(): what follows a NUL byte in a corrupt identity file is not reported.
+  addData("project_id", projectInfo->getProjectId().c_str(),  // NOLINT(readability-redundant-string-cstr)
+          Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  addData("project_iteration", std::to_string(projectInfo->getIteration()),
+          Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
+  uniqueAndReorderData();
+}
+
+// Skips the write when the file already holds this text, so that hosts which report at the
+// same time do not replace each other's rules.
 void VestraHandler::createSimWdm() {
   const std::string rules = rulesFileText(productType);
   const std::string path = pathInVestraDirectory(getVestraWdm());
@@ -33,6 +60,10 @@ void VestraHandler::createSimWdm() {
     replaceFile(path, rules);
   }
 }
+
+std::string VestraHandler::getTimeStampSeg() { return timeStamp(std::time(nullptr)); }
+
+std::string VestraHandler::getRegId() { return support_library::registrationId(); }
 
 std::uint32_t VestraHandler::getCrc32(const std::string& text) { return crc32(text.c_str()); }
 

@@ -1,10 +1,7 @@
-#include <ctime>
 #include <optional>
 
 #include "handler/environment_switch.h"
 #include "handler/site_detection.h"
-#include "handler/support_library.h"
-#include "handler/time_stamp.h"
 #include "handler/vestra_handler.h"
 
 namespace Oza {
@@ -27,9 +24,5 @@ bool VestraHandler::isInternal() {
   }
   return site == Site::INTERNAL;
 }
-
-std::string VestraHandler::getTimeStampSeg() { return timeStamp(std::time(nullptr)); }
-
-std::string VestraHandler::getRegId() { return support_library::registrationId(); }
 
 }  // namespace Oza

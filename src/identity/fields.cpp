@@ -2,7 +2,7 @@
 
 namespace Oza {
 
-std::vector<std::string> fieldsOf(const std::string& text, const char* separator) {
+std::vector<std::string> fieldsOf(const std::string& text, char separator) {
   std::vector<std::string> fields;
   std::size_t begin = 0;
   for (std::size_t end = 0; (end = text.find(separator, begin)) != std::string::npos; begin = end + 1) {

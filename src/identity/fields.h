@@ -6,12 +6,8 @@
 
 namespace Oza {
 
-/// What stands between the separators: one field more than there are separators, the empty
-/// ones included.
-///
-/// @param text       What is split.
-/// @param separator  A text of one character.
-std::vector<std::string> fieldsOf(const std::string& text, const char* separator);
+/// Splits a text: one field more than there are separators, empty ones included.
+std::vector<std::string> fieldsOf(const std::string& text, char separator);
 
 }  // namespace Oza
 

@@ -1,22 +1,22 @@
 #include "identity/project_identity.h"
 
-#include <sstream>
+#include <cstddef>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
-#include "files/read_line.h"
+#include "identity/fields.h"
 
 namespace Oza {
 namespace {
 
 constexpr std::int64_t NEVER = 0;
 
-/// Reads one line and, unless it is empty, makes a number of it.
+/// Makes a number of a line, unless the line is missing or empty.
 template <typename Number, typename Convert>
-void readNumber(std::istream& in, Number& number, Convert convert) {
-  std::string line;
-  if (readLine(in, line) && !line.empty()) {
-    number = static_cast<Number>(convert(line));
+void readNumber(const std::vector<std::string>& lines, std::size_t index, Number& number, Convert convert) {
+  if (index < lines.size() && !lines[index].empty()) {
+    number = static_cast<Number>(convert(lines[index]));
   }
 }
 
@@ -27,24 +27,24 @@ std::int64_t ProjectIdentity::*slotOf(Vestra::ProductType product) {
 
 }  // namespace
 
-void readProjectIdentity(std::istream& in, ProjectIdentity& identity) {
+void readProjectIdentity(const std::string& text, ProjectIdentity& identity) {
   const auto longNumber = [](const std::string& line) { return std::stoll(line); };
   const auto number = [](const std::string& line) { return std::stoi(line); };
-  readNumber(in, identity.lastSendTimeDefault, longNumber);
-  readNumber(in, identity.lastSendTimeType1, longNumber);
-  readNumber(in, identity.iteration, longNumber);
-  readNumber(in, identity.orbeloFlow, number);
-  std::string line;
-  if (readLine(in, line)) {
-    identity.projectId = line;
+  const std::vector<std::string> lines = fieldsOf(text, '\n');
+  readNumber(lines, 0, identity.lastSendTimeDefault, longNumber);
+  readNumber(lines, 1, identity.lastSendTimeType1, longNumber);
+  readNumber(lines, 2, identity.iteration, longNumber);
+  readNumber(lines, 3, identity.orbeloFlow, number);
+  // No line follows the last line feed.
+  if (lines.size() > 5 || (lines.size() == 5 && !lines[4].empty())) {
+    identity.projectId = lines[4];
   }
 }
 
 bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity) {
   ProjectIdentity read = identity;
-  std::istringstream in(text);
   try {
-    readProjectIdentity(in, read);
+    readProjectIdentity(text, read);
   } catch (const std::logic_error&) {
     return false;
   }

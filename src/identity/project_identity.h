@@ -1,9 +1,7 @@
 #ifndef VESTRA_IDENTITY_PROJECT_IDENTITY_H
 #define VESTRA_IDENTITY_PROJECT_IDENTITY_H
 
-#include <cstddef>
 #include <cstdint>
-#include <istream>
 #include <string>
 
 #include <vestra/vestra.h>
@@ -13,7 +11,6 @@ namespace Oza {
 /// The name of the identity file in a project's vestra directory. Its doubled letter
 /// is the name on disk.
 inline constexpr char PROJECT_IDENTITY_FILE[] = ".kelvo_vestrra.info";
-inline constexpr std::size_t PROJECT_IDENTITY_FILE_LENGTH = sizeof PROJECT_IDENTITY_FILE - 1;
 
 /// More than this must pass after a report before the next one is due.
 inline constexpr std::int64_t SECONDS_PER_DAY = 86400;
@@ -38,9 +35,9 @@ struct ProjectIdentity {
 ///
 /// @throws std::invalid_argument when one of the first four lines is no number.
 /// @throws std::out_of_range when its number does not fit.
-void readProjectIdentity(std::istream& in, ProjectIdentity& identity);
+void readProjectIdentity(const std::string& text, ProjectIdentity& identity);
 
-/// The same for a text, as one step: the identity is read whole or stays as it was.
+/// The same as one step: the identity is read whole or stays as it was.
 /// @return False when one of the first four lines is no number that fits.
 bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity);
 

@@ -7,11 +7,10 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <stdexcept>
 
 #include <boost/throw_exception.hpp>
-#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid.hpp>
 #include <boost/uuid/uuid_io.hpp>
 #include <boost/version.hpp>
 #if BOOST_VERSION >= 106700
@@ -49,30 +48,22 @@ ssize_t drawRandomBytes(void* buffer, std::size_t size) {
 #endif
 }
 
-// A uniform random bit generator for Boost.Uuid, whose own sources differ by version: some
-// ignore failures, some never read the device.
-class SystemRandomness {
- public:
-  using result_type = std::uint64_t;
-
-  static constexpr result_type min() { return 0; }
-  static constexpr result_type max() { return std::numeric_limits<result_type>::max(); }
-
-  result_type operator()() const {
-    result_type number = 0;
-    if (drawRandomBytes(&number, sizeof number) != static_cast<ssize_t>(sizeof number)) {
-      throwEntropyError();
-    }
-    return number;
-  }
-};
+void setBits(std::uint8_t& byte, unsigned int mask, unsigned int bits) {
+  byte = static_cast<std::uint8_t>((byte & ~mask) | bits);
+}
 
 }  // namespace
 
+// Not by Boost's generators: their sources of randomness differ by version. Some ignore
+// failures, some never read the device.
 std::string randomUuid() {
-  SystemRandomness randomness;
-  boost::uuids::basic_random_generator<SystemRandomness> generate(randomness);
-  return boost::uuids::to_string(generate());
+  boost::uuids::uuid uuid{};
+  if (drawRandomBytes(uuid.begin(), uuid.size()) != static_cast<ssize_t>(uuid.size())) {
+    throwEntropyError();
+  }
+  setBits(uuid.begin()[6], 0xF0, 0x40);  // version 4
+  setBits(uuid.begin()[8], 0xC0, 0x80);  // the variant of RFC 4122
+  return boost::uuids::to_string(uuid);
 }
 
 }  // namespace Oza

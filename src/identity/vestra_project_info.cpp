@@ -1,7 +1,6 @@
 #include "identity/vestra_project_info.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <ctime>
@@ -10,7 +9,6 @@
 #include <boost/filesystem/operations.hpp>
 
 #include "files/file_lock.h"
-#include "files/open_file.h"
 #include "files/overwrite.h"
 #include "files/path_text.h"
 #include "files/sigxfsz_guard.h"
@@ -19,12 +17,6 @@
 #include "identity/random_uuid.h"
 
 namespace Oza {
-namespace {
-
-/// A named pipe cannot.
-bool canHoldARecord(const Descriptor& file) { return file.hasStatus() && !S_ISFIFO(file.status().st_mode); }
-
-}  // namespace
 
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}
@@ -37,9 +29,11 @@ bool VestraProjectInfo::loadOrCreate() {
     if (file.isRegular()) {
       return load(file);
     }
-    if (!file.isOpen() && !boost::filesystem::exists(statusOf(filePath))) {
+    boost::system::error_code error;
+    if (!file.isOpen() && !boost::filesystem::exists(filePath, error)) {
       startNewProject();
-      return makeFile() || loadOthers();
+      // The new record is first written by recordSendAttempt().
+      return Descriptor(filePath, O_RDWR | O_CREAT | O_EXCL).isOpen() || loadOthers();
     }
     return loadOthers();
   } catch (...) {
@@ -52,23 +46,14 @@ bool VestraProjectInfo::recordSendAttempt() {
   return file.error() == EACCES ? countIn(Descriptor(filePath, O_WRONLY, timeBudget)) : countIn(file);
 }
 
-const std::string& VestraProjectInfo::getProjectId() const { return identity.projectId; }
-
-std::uint64_t VestraProjectInfo::getIteration() const { return identity.iteration; }
-
-std::int32_t VestraProjectInfo::getOrbeloFlow() const { return identity.orbeloFlow; }
-
 void VestraProjectInfo::startNewProject() {
-  boost::filesystem::create_directories(directoryOf(filePath, PROJECT_IDENTITY_FILE_LENGTH));
+  boost::filesystem::create_directories(directoryOf(filePath, sizeof PROJECT_IDENTITY_FILE - 1));
   if (takeHostsIdentifier()) {
     identity.orbeloFlow = 1;
   } else {
     identity.projectId = randomUuid();
   }
 }
-
-// The values first reach the file with the first attempt to send.
-bool VestraProjectInfo::makeFile() const { return Descriptor(filePath, O_RDWR | O_CREAT | O_EXCL).isOpen(); }
 
 // Another host has created the file in between, the path is a dangling link, or opening
 // has failed.
@@ -83,7 +68,7 @@ bool VestraProjectInfo::loadOthers() {
     case ENOENT:
       return Descriptor(filePath, O_WRONLY | O_CREAT).isOpen();
     default:
-      return canHoldARecord(file);
+      return file.canHoldText();
   }
 }
 
@@ -116,7 +101,7 @@ bool VestraProjectInfo::takeHostsIdentifier() {
 // O_RDWR fails with EACCES for a file that may only be read, too.
 bool VestraProjectInfo::emptyUnreadableFile() const {
   return Descriptor(filePath, O_RDONLY).error() == EACCES &&
-         canHoldARecord(Descriptor(filePath, O_WRONLY | O_TRUNC));
+         Descriptor(filePath, O_WRONLY | O_TRUNC).canHoldText();
 }
 
 // The file is read again: another host may have counted since this one has read it. The

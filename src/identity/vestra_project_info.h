@@ -47,15 +47,14 @@ class VestraProjectInfo {
   ///         this product's slot.
   bool recordSendAttempt();
 
-  const std::string& getProjectId() const;
-  std::uint64_t getIteration() const;
+  const std::string& getProjectId() const { return identity.projectId; }
+  std::uint64_t getIteration() const { return identity.iteration; }
   /// Non-zero when the host supplied the project identifier of a new project.
-  std::int32_t getOrbeloFlow() const;
+  std::int32_t getOrbeloFlow() const { return identity.orbeloFlow; }
 
  private:
   void startNewProject();
   bool takeHostsIdentifier();
-  bool makeFile() const;
   bool loadOthers();
   bool load(const Descriptor& file);
   bool emptyUnreadableFile() const;

@@ -1,13 +1,10 @@
 #include "identity/vestra_setting.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
-#include <sstream>
 #include <vector>
 
 #include <boost/algorithm/string/trim.hpp>
@@ -15,7 +12,6 @@
 
 #include "files/file_lock.h"
 #include "files/path_text.h"
-#include "files/read_line.h"
 #include "files/sigxfsz_guard.h"
 #include "identity/fields.h"
 #include "identity/random_uuid.h"
@@ -25,12 +21,10 @@ namespace {
 
 constexpr const char* RANDOM_ID = "RandomID";
 constexpr const char* CALVIX_VERSION = "2018.2";
-constexpr const char* FILE_NAME = "vestra";
 
 void readSettingsFile(const Descriptor& file, std::map<std::string, std::string>& properties) {
   if (const std::optional<std::string> text = file.read()) {
-    std::istringstream in(*text);
-    readSettings(in, properties);
+    readSettings(*text, properties);
   }
 }
 
@@ -42,11 +36,10 @@ std::string randomIdIn(const Descriptor& file) {
 
 }  // namespace
 
-void readSettings(std::istream& in, std::map<std::string, std::string>& properties) {
-  std::string line;
-  while (readLine(in, line)) {
+void readSettings(const std::string& text, std::map<std::string, std::string>& properties) {
+  for (std::string& line : fieldsOf(text, '\n')) {
     boost::algorithm::trim(line);
-    const std::vector<std::string> fields = fieldsOf(line, "=");
+    const std::vector<std::string> fields = fieldsOf(line, '=');
     if (fields.size() == 2) {
       properties.emplace(fields[0], fields[1]);
     }
@@ -54,16 +47,8 @@ void readSettings(std::istream& in, std::map<std::string, std::string>& properti
 }
 
 std::string settingsPath(const char* home) {
-  std::string path = home != nullptr ? home : "";
-  if (path.empty()) {
-    path = "/tmp";
-  }
-  path += "/.Calvix/";
-  path += "Common/";
-  path += CALVIX_VERSION;
-  path += "/";
-  path += FILE_NAME;
-  return path;
+  const bool hasHome = home != nullptr && *home != '\0';
+  return std::string(hasHome ? home : "/tmp") + "/.Calvix/Common/" + CALVIX_VERSION + "/vestra";
 }
 
 VestraSetting::VestraSetting() {
@@ -102,7 +87,7 @@ std::string VestraSetting::getRandomId() {
 
 // The lock lasts until the file is closed.
 std::string VestraSetting::findOrAppendRandomId(const Descriptor& file) {
-  if (!file.hasStatus() || S_ISFIFO(file.status().st_mode)) {
+  if (!file.canHoldText()) {
     return {};
   }
   const bool locked = lockFile(file, LockKind::EXCLUSIVE, timeBudget);
@@ -121,7 +106,7 @@ std::string VestraSetting::findOrAppendRandomId(const Descriptor& file) {
 bool VestraSetting::makeSettingsDirectory() const {
   try {
     if (!boost::filesystem::exists(settingsFile)) {
-      boost::filesystem::create_directories(directoryOf(settingsFile, std::strlen(FILE_NAME)));
+      boost::filesystem::create_directories(directoryOfFile(settingsFile));
     }
     return true;
   } catch (...) {

@@ -1,7 +1,6 @@
 #ifndef VESTRA_IDENTITY_VESTRA_SETTING_H
 #define VESTRA_IDENTITY_VESTRA_SETTING_H
 
-#include <istream>
 #include <map>
 #include <string>
 
@@ -15,7 +14,7 @@ namespace Oza {
 /// A line is trimmed as a whole by the global locale's white space and split at
 /// "="; anything but exactly one "=" drops it without a word. The first line with
 /// a key wins, over later lines and not over what the table already holds.
-void readSettings(std::istream& in, std::map<std::string, std::string>& properties);
+void readSettings(const std::string& text, std::map<std::string, std::string>& properties);
 
 /// Path of a user's settings file.
 ///

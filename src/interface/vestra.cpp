@@ -7,6 +7,14 @@
 
 namespace Oza {
 
+const char* NEW_LINE = "\n";
+const char* SPACE = " ";
+const char* PARAM_CONTEXT = "-context";
+const char* PARAM_VALUE = "-value";
+const char* PARAM_KEY = "-key";
+const char* PARAM_CLIENT = "-client";
+const char* TYPE_ADD_DATA = "vestra_add_data";
+
 // The value is copied first: with both null, its failure is the one that is seen.
 void Vestra::add(const char* key, const char* value, SectionType section) {
   std::string valueText = byteString(value);

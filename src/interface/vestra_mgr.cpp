@@ -5,7 +5,7 @@
 namespace Oza {
 namespace {
 
-// Without a destructor, so that whoever is destroyed after the manager can ask.
+// Trivially destructible: read by static destructors that run after the manager's.
 bool theManagerIsGone = false;
 
 struct TheManager {
@@ -32,9 +32,5 @@ VestraMgr::~VestraMgr() {
   delete setting;
   delete handler;
 }
-
-VestraSetting* VestraMgr::getSetting() const { return setting; }
-
-VestraHandler* VestraMgr::getHandler() const { return handler; }
 
 }  // namespace Oza

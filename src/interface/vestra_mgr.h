@@ -9,27 +9,27 @@ namespace Oza {
 /// The one owner of the process's settings and report handler.
 class VestraMgr {
  public:
-  /// The manager, made at the first call and destroyed at exit or when the library
-  /// is unloaded. Making it is safe against concurrent calls; it throws what the
-  /// settings' or the handler's constructor throws, and the next call tries again.
-  /// Not to be called once the manager is gone.
+  /// The manager, a function-local static: created by the first call, thread-safely, and
+  /// destroyed at exit or when the library is unloaded. Throws what the settings' or the
+  /// handler's constructor throws; the next call tries again. Must not be called after the
+  /// manager's destruction.
   static VestraMgr* getInstance();
 
-  /// Whether the one manager has been destroyed: a host's static object that was made
-  /// before it is destroyed after it.
+  /// Whether the manager has been destroyed: a host's static objects that were constructed
+  /// before it are destroyed after it.
   static bool isGone();
 
-  /// Makes the settings, which read their file, then the handler.
+  /// Creates the settings, which read their file, then the handler.
   VestraMgr();
   VestraMgr(const VestraMgr&) = delete;
   VestraMgr& operator=(const VestraMgr&) = delete;
-  /// Frees the settings, then the handler.
+  /// Deletes the settings, then the handler.
   ~VestraMgr();
 
   /// Owned by the manager.
-  VestraSetting* getSetting() const;
+  VestraSetting* getSetting() const { return setting; }
   /// Owned by the manager.
-  VestraHandler* getHandler() const;
+  VestraHandler* getHandler() const { return handler; }
 
  private:
   VestraSetting* setting;

@@ -22,9 +22,8 @@ constexpr std::int64_t INT64_MOST = std::numeric_limits<std::int64_t>::max();
 using Lines = std::array<std::string, 5>;
 
 ProjectIdentity read(const std::string& text) {
-  std::istringstream in(text);
   ProjectIdentity identity;
-  readProjectIdentity(in, identity);
+  readProjectIdentity(text, identity);
   return identity;
 }
 
@@ -115,18 +114,16 @@ TEST(ProjectIdentity, IsReadLineByLine) {
 }
 
 TEST(ProjectIdentity, MissingIdentifierLeavesTheOneThatIsKnown) {
-  std::istringstream in("1\n2\n3\n4\n");
   ProjectIdentity identity;
   identity.projectId = "known";
-  readProjectIdentity(in, identity);
+  readProjectIdentity("1\n2\n3\n4\n", identity);
   EXPECT_EQ(identity.projectId, "known");
 }
 
 TEST(ProjectIdentity, EmptyIdentifiersLineIsAnEmptyIdentifier) {
-  std::istringstream in("1\n2\n3\n4\n\n");
   ProjectIdentity identity;
   identity.projectId = "known";
-  readProjectIdentity(in, identity);
+  readProjectIdentity("1\n2\n3\n4\n\n", identity);
   EXPECT_EQ(identity.projectId, "");
 }
 

@@ -2,7 +2,6 @@
 #include <rapidcheck/gtest.h>
 
 #include <map>
-#include <sstream>
 #include <string>
 
 #include "identity/vestra_setting.h"
@@ -16,8 +15,7 @@ using namespace std::string_literals;
 using Properties = std::map<std::string, std::string>;
 
 Properties propertiesIn(const std::string& text, Properties properties = {}) {
-  std::istringstream in(text);
-  readSettings(in, properties);
+  readSettings(text, properties);
   return properties;
 }
 

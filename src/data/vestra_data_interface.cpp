@@ -1,7 +1,0 @@
-#include <vestra/vestra_data.h>
-
-namespace Oza {
-
-VestraDataInterface::~VestraDataInterface() = default;
-
-}  // namespace Oza
