@@ -5,12 +5,11 @@
 
 namespace Oza {
 
-/// A copy of a C string that came from outside: from the host or from the
-/// support library.
+/// A copy of a C string from the host or from the support library.
 ///
 /// @throws std::logic_error "basic_string::_M_construct null not valid" when
-///         `text` is null. Hosts know that text, while standard libraries change
-///         theirs, so it is written out here.
+///         `text` is null. Hosts rely on this message, which differs between
+///         standard libraries.
 std::string byteString(const char* text);
 
 }  // namespace Oza

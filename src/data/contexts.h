@@ -12,7 +12,7 @@ struct ContextProfile {
   /// Its path. A backslash is written twice: the script and the rules file read two
   /// as one.
   const char* path;
-  /// The client whose section it is.
+  /// The client that the section belongs to.
   const char* client;
   /// Whether the HTML report shows it in the style of the user's environment.
   bool userEnvStyle;
@@ -30,8 +30,8 @@ inline constexpr std::array<ContextProfile, CONTEXT_COUNT> CONTEXTS{{
     {"tavlo\\\\usage", "tavlo", false},
 }};
 
-/// Whether the two contexts of each client are adjacent, the first at an even position: the
-/// script registers a client there.
+/// Whether the two contexts of each client are adjacent, the first at an even position,
+/// where the script registers the client.
 constexpr bool clientsHaveAdjacentContexts() {
   for (std::size_t i = 0; i < CONTEXT_COUNT; i += 2) {
     if (std::string_view(CONTEXTS[i].client) != CONTEXTS[i + 1].client) {

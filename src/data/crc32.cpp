@@ -29,14 +29,14 @@ Crc32::Tables Crc32::makeTables() {
   return made;
 }
 
-// Filled at the first checksum, so that loading the library costs nothing.
+// Filled by the first checksum, so that loading the library costs nothing.
 const Crc32::Tables& Crc32::filledTables() {
   static const Tables filled = makeTables();
   return filled;
 }
 
-// Eight bytes at a time: their look-ups do not wait for each other. The first byte of a
-// word is its lowest on the machines that the library is made for.
+// Slicing by 8: the eight table look-ups of a word do not depend on each other. Assumes a
+// little-endian machine (x86-64).
 void Crc32::append(std::string_view piece) {
   const Tables& table = *tables;
   const char* next = piece.data();

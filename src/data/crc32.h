@@ -15,11 +15,11 @@ class Crc32 {
 
   void append(std::string_view piece);
 
-  /// That of the pieces so far; 0 for an empty text.
+  /// The checksum of the pieces so far; 0 for an empty text.
   std::uint32_t value() const { return state ^ 0xFFFFFFFFU; }
 
  private:
-  // The n-th table holds the effect of a byte that n further bytes follow.
+  // The n-th table holds the CRC of each byte followed by n zero bytes.
   using Tables = std::array<std::array<std::uint32_t, 256>, 8>;
 
   static Tables makeTables();
@@ -30,7 +30,7 @@ class Crc32 {
   bool hasEnded = false;
 };
 
-/// The same of the bytes of `text` before its terminating NUL. `text` is not null.
+/// The CRC-32 of a C string, which is not null.
 std::uint32_t crc32(const char* text);
 
 }  // namespace Oza

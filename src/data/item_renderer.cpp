@@ -7,8 +7,8 @@
 namespace Oza {
 namespace {
 
-/// Tells the library's own nodes from those of a host's derived classes by their tables of
-/// virtual functions: a host that is compiled with -fno-rtti has no type information.
+/// Tells the library's own nodes from those of a host's derived classes by their vtable
+/// pointers. typeid would crash on classes of a host that is compiled with -fno-rtti.
 class PlainNodes {
  public:
   PlainNodes()
@@ -27,7 +27,7 @@ class PlainNodes {
   }
 
  private:
-  // The base has no fields, so the pointer to the table is all that it holds.
+  // The base class has no fields: the vtable pointer is all that it holds.
   static const void* tableOf(const VestraDataInterface& node) {
     static_assert(sizeof(VestraDataInterface) == sizeof(void*));
     const void* table = nullptr;
@@ -71,7 +71,7 @@ std::size_t sizeOfPlainItems(const PlainNodes& plain, VestraParentData& context,
   return size;
 }
 
-// By index: a host's node may add to the context while it renders itself.
+// By index: rendering a host's node may add children, which invalidates iterators.
 std::string renderChildren(VestraParentData& context, MakeFrame makeFrame, Rendering render) {
   const std::vector<VestraDataInterface*>& children = NodeAccess::children(context);
   const PlainNodes plain;
@@ -97,7 +97,7 @@ std::string renderChildren(VestraParentData& context, MakeFrame makeFrame, Rende
 
 }  // namespace
 
-// The client and the key stand bare, the value and the context between quotes.
+// The client and the key are unquoted, the value and the context are quoted.
 ItemFrame lineFrame(VestraDataInterface& node, VestraParentData& context) {
   ItemFrame line;
   line.beforeKey.append(TYPE_ADD_DATA).append(SPACE).append(PARAM_CLIENT).append(SPACE);

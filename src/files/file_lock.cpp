@@ -12,7 +12,7 @@
 namespace Oza {
 namespace {
 
-// As the kernel numbers them.
+// Values of f_type, see statfs(2).
 constexpr std::uint32_t REMOTE_FILE_SYSTEMS[] = {
     0x6969,      // NFS
     0x517B,      // SMB
@@ -36,10 +36,9 @@ constexpr std::uint32_t REMOTE_FILE_SYSTEMS[] = {
     0xBACBACBC,
 };
 
-/// Whether a file's system has locks that answer at once. Those of network and cluster
-/// file systems ask another machine, and those of file systems in user space another
-/// process, either of which may never answer.
-bool answersLocksAtOnce(const Descriptor& file) {
+/// Whether F_SETLK cannot block. On network and cluster file systems it waits for another
+/// machine, on FUSE for another process, and either may never reply.
+bool locksWithoutBlocking(const Descriptor& file) {
   struct statfs system {};
   if (fstatfs(file.get(), &system) != 0) {
     return false;
@@ -60,7 +59,7 @@ bool setLock(const Descriptor& file, short type) {
 }  // namespace
 
 bool lockFile(const Descriptor& file, LockKind kind, TimeBudget& timeBudget) {
-  if (!file.isRegular() || !answersLocksAtOnce(file)) {
+  if (!file.isRegular() || !locksWithoutBlocking(file)) {
     return false;
   }
   const short type = kind == LockKind::SHARED ? F_RDLCK : F_WRLCK;

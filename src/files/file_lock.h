@@ -8,16 +8,17 @@ namespace Oza {
 
 enum class LockKind { SHARED, EXCLUSIVE };
 
-/// Takes an advisory record lock (fcntl) on a whole regular file, for this process. It ends
-/// when the process closes any descriptor of the file, or ends in whatever way: unlike one
-/// of flock, it is not inherited by a child that was forked meanwhile.
+/// Takes an advisory record lock (F_SETLK) on a whole regular file. The kernel releases it
+/// when the process closes any descriptor of the file or ends. A forked child does not
+/// inherit it, unlike one of flock(2).
+/// The concurrency design: docs/architecture.md, "Many hosts in one project".
 ///
 /// @param kind  EXCLUSIVE needs a file that is open for writing, SHARED one for reading.
-/// @return False where the file system has no locks that answer at once, and when another
-///         process holds one for longer than the time budget lasts.
+/// @return False on file systems where F_SETLK may block, and when another process holds a
+///         lock for longer than the time budget lasts.
 bool lockFile(const Descriptor& file, LockKind kind, TimeBudget& timeBudget);
 
-/// Ends the lock of a file that stays open.
+/// Releases the lock of a file that stays open.
 void unlockFile(const Descriptor& file);
 
 }  // namespace Oza

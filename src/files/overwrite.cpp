@@ -9,8 +9,8 @@
 namespace Oza {
 namespace {
 
-// A short write would have to be undone by a second one, before which a kill leaves a
-// mixture of both texts.
+// Checked before the write: a short write would have to be undone by a second one, and a kill
+// between the two would leave a mixture of both texts.
 bool fitsTheSizeLimit(const std::string& text) {
   rlimit limit{};
   return getrlimit(RLIMIT_FSIZE, &limit) != 0 || text.size() <= limit.rlim_cur;
@@ -33,7 +33,7 @@ bool overwrite(const Descriptor& file, const std::string& before, const std::str
     file.write(before);
     truncate(file, before.size());
   }
-  // Descriptor::read stops before the end of a very large file.
+  // `before` holds at most the first MiB of the file.
   const auto sizeBefore = std::max(before.size(), static_cast<std::size_t>(file.status().st_size));
   if (written && sizeBefore > text.size()) {
     truncate(file, text.size());

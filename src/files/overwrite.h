@@ -7,13 +7,14 @@
 
 namespace Oza {
 
-/// Makes a text the content of an open file with one write at its beginning, and then
-/// truncates the file if it was longer: at no moment does it hold less than either text.
+/// Replaces an open file's content with one pwrite(2) at its beginning, then truncates the
+/// file if it was longer. A kill between the two leaves the new text and the old one's end.
+/// The concurrency design: docs/architecture.md, "Many hosts in one project".
 ///
 /// Nothing is written when the text exceeds the process's file-size limit (RLIMIT_FSIZE).
-/// When the disk is full, what the file held is put back.
+/// When no space is left, the old content is restored.
 ///
-/// @param before  What the file holds, as Descriptor::read returned it.
+/// @param before  The old content, as Descriptor::read returned it.
 /// @return Whether the text was written.
 bool overwrite(const Descriptor& file, const std::string& before, const std::string& text);
 

@@ -7,9 +7,9 @@
 
 namespace Oza {
 
-/// Gives a new file the permissions and the POSIX ACL of an old one of the same owner. One
-/// that the directory's default ACL has given to the new file is removed.
-/// @return Whether both have the same group, permissions and ACL then.
+/// Gives a new file the permissions and the POSIX ACL of an old one of the same owner. An
+/// ACL that the new file inherited from the directory's default ACL is replaced or removed.
+/// @return Whether both have the same group, permissions and ACL afterwards.
 bool copyPermissions(const std::string& oldPath, const struct stat& oldStatus, const Descriptor& newFile);
 
 }  // namespace Oza

@@ -20,9 +20,10 @@ constexpr mode_t READ_AND_WRITE_FOR_ALL = 0666;
 
 bool isOwn(const struct stat& status) { return status.st_uid == geteuid(); }
 
-/// Whether a file may be renamed over. One of another owner always may, so that what the
-/// design tool executes stays out of that owner's hands. One of our own has to be such that
-/// writing in place would give the same: regular, without hard links, not read-only.
+/// Whether rename(2) may replace a file. Another user's file is always replaced, unless it
+/// is a symbolic link: that user could change what the design tool executes. Our own is
+/// replaced where writing in place would give the same: regular, without hard links, not
+/// read-only.
 bool mayBeReplaced(const struct stat& old) {
   if (!isOwn(old)) {
     return !S_ISLNK(old.st_mode);
@@ -30,9 +31,9 @@ bool mayBeReplaced(const struct stat& old) {
   return S_ISREG(old.st_mode) && old.st_nlink <= 1 && (old.st_mode & S_IWUSR) != 0;
 }
 
-// A file that is to get an old one's permissions is private until then: nobody opens it by
-// permissions that it inherits from the directory. The new file's date, not the system
-// clock, is compared with those of stale ones, since a file server may have another clock.
+// The mode is 0600 until the old file's permissions are copied: an ACL inherited from the
+// directory must let nobody open the file before. Stale files are compared with the new
+// file's st_mtime, not with the system clock: a file server's clock may differ.
 bool replaceByRename(const std::string& path, const std::string& text) {
   struct stat old {};
   const bool exists = lstat(path.c_str(), &old) == 0;

@@ -6,8 +6,8 @@
 namespace Oza {
 
 /// Blocks SIGXFSZ in the calling thread: a write beyond the process's file-size limit
-/// (RLIMIT_FSIZE) only fails, as on a full disk, where the signal would end a host that
-/// has no handler for it.
+/// (RLIMIT_FSIZE) then fails with EFBIG, while the signal would end a host that has no
+/// handler for it.
 ///
 /// The destructor discards a signal that such a write has left pending, and restores the
 /// thread's mask. A signal that was pending before stays, and so does the host's handler.
@@ -18,7 +18,7 @@ class SigxfszGuard {
   SigxfszGuard& operator=(const SigxfszGuard&) = delete;
   ~SigxfszGuard();
 
-  /// Says that every write has succeeded, so that no signal is pending.
+  /// To be called when every write has succeeded: the signal cannot be pending then.
   void endWithoutSignal() { mayBePending = false; }
 
  private:

@@ -11,9 +11,10 @@
 
 namespace Oza {
 
-/// A new file in another one's directory, which it is renamed over once it is complete.
-/// Its name is `.vestra-`process identifier`-`counter`.new`. Names that are taken, by a host
-/// in another container or on another machine too, are passed over.
+/// A new file in a target's directory, renamed to the target once it is complete. Its name is
+/// `.vestra-`process identifier`-`counter`.new`. Names that exist are skipped (O_EXCL): hosts
+/// in other containers or on other machines may have the same process identifier.
+/// The concurrency design: docs/architecture.md, "Many hosts in one project".
 class TemporaryFile {
  public:
   /// @param target  The path that it is renamed to. Outlives the object.
@@ -24,7 +25,7 @@ class TemporaryFile {
   /// Removes the file unless it was renamed.
   ~TemporaryFile();
 
-  /// Not open when the directory lets no file be made.
+  /// Not open when the file could not be created.
   const Descriptor& file() const { return *descriptor; }
 
   bool renameToTarget();
@@ -37,9 +38,9 @@ class TemporaryFile {
 };
 
 /// Removes the temporary files that killed processes have left in a directory: regular
-/// files of exactly such a name that were written more than an hour ago. Looks through
-/// about the directory's first 500 names.
-/// @param now  By the clock that dates the directory's files.
+/// files of exactly such a name whose st_mtime is more than an hour ago. Reads about the
+/// first 500 names of the directory.
+/// @param now  The time of the clock that sets the st_mtime of the directory's files.
 void removeStaleTemporaryFiles(const std::string& directory, std::time_t now);
 
 }  // namespace Oza

@@ -5,14 +5,16 @@
 
 namespace Oza {
 
-/// How long one report may wait for other hosts, in all: a quarter of a second.
+/// The total time that one report may wait for other hosts: 250 ms.
+/// The concurrency design: docs/architecture.md, "Many hosts in one project".
 class TimeBudget {
  public:
   static constexpr std::chrono::nanoseconds TOTAL = std::chrono::milliseconds(250);
 
-  /// Sleeps for a moment, which is longer each time. Signals neither prolong nor shorten it.
-  /// @param reserve  What has to be left for another wait.
-  /// @return False, without sleeping, when no more than that is left.
+  /// Sleeps for 250 us at first, twice as long each time, at most 4 ms. Signals neither
+  /// prolong nor shorten it.
+  /// @param reserve  Time that must remain for a later wait.
+  /// @return False, without sleeping, when no more than the reserve is left.
   bool pause(std::chrono::nanoseconds reserve = std::chrono::nanoseconds::zero());
 
  private:

@@ -10,7 +10,7 @@ namespace Oza {
 ///
 /// @param tool         The command that starts the tool.
 /// @param script       Path of the script.
-/// @param redirection  What stands at the end: empty, or that of `redirectionTo`.
+/// @param redirection  Appended at the end: empty, or the result of `redirectionTo`.
 std::string commandLine(const std::string& tool, const std::string& script, const std::string& redirection);
 
 /// The redirection of standard output and standard error into a log.

@@ -3,8 +3,7 @@
 
 namespace Oza {
 
-/// Whether an environment variable is set to anything but the empty text. What the
-/// text says, "0" included, has no meaning.
+/// Whether an environment variable is set and not empty. "0" counts as on, too.
 bool isSwitchedOn(const char* variable);
 
 }  // namespace Oza

@@ -11,7 +11,7 @@ namespace Oza {
 /// directory.
 struct ProductProfile {
   const char* name;
-  /// The name of its client too.
+  /// Also the name of its client.
   const char* lowerCaseName;
   const char* script;
   const char* rules;
@@ -19,7 +19,7 @@ struct ProductProfile {
   const char* html;
 };
 
-/// The lab tool's log, whose name is told for every product.
+/// The lab tool's log. getLogFileName returns its path for every product.
 inline constexpr char LOG_FILE[] = "tavlo_vestra.log";
 
 /// Whether the product is the simulator: type 0 or 1. Every other one is the lab tool.
@@ -27,8 +27,8 @@ bool isSimulator(Vestra::ProductType product);
 
 const ProductProfile& profileOf(Vestra::ProductType product);
 
-/// The directory of a project that all files of its reports lie in, with a final
-/// slash. Doubled slashes are kept.
+/// The directory of all report files of a project, with a final slash. Doubled slashes are
+/// kept.
 std::string vestraDirectoryOf(const std::string& projectDirectory);
 
 }  // namespace Oza

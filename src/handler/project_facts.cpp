@@ -27,8 +27,8 @@ const std::string& lowerCasedKey(VestraDataInterface& item) {
 
 }  // namespace
 
-// Until everything is found or made, the context keeps all that it had: running
-// out of memory on the way loses no item and frees none twice.
+// The context's list is replaced only after the last allocation: std::bad_alloc on the way
+// loses no item and frees none twice.
 void orderProjectFacts(VestraParentData& context) {
   std::vector<VestraDataInterface*>& children = NodeAccess::children(context);
   std::set<VestraDataInterface*, key_compare> items;
@@ -53,7 +53,7 @@ void orderProjectFacts(VestraParentData& context) {
     }
   }
 
-  // What is left in the set has a key that the report does not know.
+  // The items that are left in the set have keys that are not reported.
   unwanted.insert(unwanted.end(), items.begin(), items.end());
   children.swap(ordered);
   for (VestraDataInterface* item : unwanted) {

@@ -7,15 +7,15 @@
 
 namespace Oza {
 
-/// Leaves the context with the fifteen facts of a project in their fixed order: keys
-/// are lower-cased by the global locale, the first item with a key is kept, missing
-/// ones get "not_applicable", others are freed. Running out of memory loses no item.
+/// Reduces the context to the fifteen facts of a project in their fixed order: keys are
+/// lower-cased by the global locale, the first item with a key is kept, missing ones are
+/// added with the value "not_applicable", others are freed. std::bad_alloc loses no item.
 ///
 /// @param context  Holds only items.
 void orderProjectFacts(VestraParentData& context);
 
-/// The value of the first item whose key is "project_id" in any letter case; empty
-/// without one. The keys that were looked at are lower-cased in place.
+/// Lower-cases the items' keys in place, up to the first that is "project_id", and returns
+/// that item's value; empty without one.
 std::string hostProjectId(VestraParentData& context);
 
 }  // namespace Oza

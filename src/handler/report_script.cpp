@@ -21,8 +21,8 @@ void appendRegistration(VestraDataInterface& context, CollectedText& text) {
   text.checksum.append(context.getClient());
 }
 
-// So that a large text does not grow by copies. The paths of the last lines take most of
-// what is added; no file has one of more than 4096 bytes.
+// Reserves memory once, since growing would copy a large text. The last lines are mostly
+// paths, each of at most PATH_MAX (4096) bytes.
 void makeRoom(const std::vector<VestraDataInterface*>& contexts, std::string& lines) {
   std::size_t size = 4 * 4096;
   for (VestraDataInterface* context : contexts) {

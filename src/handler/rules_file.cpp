@@ -6,9 +6,8 @@
 namespace Oza {
 namespace {
 
-// The main design tool reads these files to the byte: the trailing blanks, the
-// closing braces further in than the opening ones and the empty line at the end
-// belong to the format.
+// The format is fixed byte for byte: the trailing blanks, the closing braces that are
+// indented further than the opening ones, and the empty line at the end.
 
 std::string setting(const std::string& name, const std::string& value) {
   return "                " + name + "=\"" + value + "\";\n";

@@ -9,23 +9,23 @@ namespace Oza {
 /// The maker's domain name that this library was built with, in lower case.
 const char* makerDomain();
 
-/// The file that tells the network of a machine without a domain name.
+/// The file that is searched on a machine without a domain name.
 inline constexpr char RESOLVER_FILE[] = "/etc/resolv.conf";
 
-/// The machine's domain name; nothing where the system cannot tell it.
+/// The machine's NIS domain name; nothing when getdomainname(2) fails.
 std::optional<std::string> machineDomainName();
 
-/// Whether a domain name leaves the network open: it is empty or "(none)" in any
-/// letter case.
+/// Whether a domain name does not decide the site: it is empty or "(none)" in any letter
+/// case.
 bool leavesSiteOpen(const std::string& domainName);
 
-/// The text that tells the machine's network: its domain name or, where that leaves it
-/// open, the resolver file's text up to its first NUL. A resolver file that cannot be
-/// read leaves the domain name.
+/// The text that decides the site: the domain name or, if that does not decide it, the whole
+/// resolver file up to its first NUL. The domain name too if the resolver file cannot be
+/// opened or is not a regular file; empty after a read error.
 std::string siteText(const std::string& domainName, const std::string& resolverFile);
 
-/// Whether the text, lower-cased by the global locale, holds a domain name, which is
-/// in lower case, anywhere: in a search list, a comment or a server's name too.
+/// Whether the text, lower-cased by the global locale, contains the domain name, which is in
+/// lower case. Comments and server names count, too.
 bool namesMakerDomain(std::string text, const std::string& domain);
 
 }  // namespace Oza

@@ -19,7 +19,7 @@ class EntryPoint {
   void forget() { function = nullptr; }
   bool isKnown() const { return function != nullptr; }
 
-  std::string answer(Arguments... arguments) const {
+  std::string call(Arguments... arguments) const {
     if (!isKnown()) {
       throw std::logic_error(std::string(FILE_NAME) + " lacks " + symbol);
     }
@@ -51,16 +51,16 @@ void* open() {
   return handle;
 }
 
-// The other two are looked up anew with the next opening.
+// The next open() looks the other two up again.
 void close(void* handle) {
   dlclose(handle);
   execPathEntry.forget();
 }
 
-std::string execPath() { return execPathEntry.answer(); }
+std::string execPath() { return execPathEntry.call(); }
 
-std::string registrationId() { return registrationEntry.answer("Implementation"); }
+std::string registrationId() { return registrationEntry.call("Implementation"); }
 
-std::string environmentData(const char* productName) { return environmentEntry.answer(productName); }
+std::string environmentData(const char* productName) { return environmentEntry.call(productName); }
 
 }  // namespace Oza::support_library

@@ -2,8 +2,8 @@
 
 namespace Oza {
 
-// The host may have threads and a time zone that it changes: its own localtime
-// buffer stays untouched, and the zone is read anew as localtime would.
+// localtime_r leaves the static buffer of the host's localtime calls alone. Unlike
+// localtime, it may ignore a changed TZ without tzset.
 std::string timeStamp(std::time_t time) {
   std::tm local{};
   tzset();

@@ -6,8 +6,8 @@
 
 namespace Oza {
 
-/// What a report's checksum says of its time: day of the year, year and hour of the local
-/// time, nine digits.
+/// The time in a report's checksum: day of the year, year and hour of the local time, nine
+/// digits.
 std::string timeStamp(std::time_t time);
 
 }  // namespace Oza

@@ -11,7 +11,7 @@
 
 namespace Oza {
 
-// The delegation makes the destructor free the contexts when one of them cannot be made.
+// Delegates, so that the destructor frees the contexts when creating one of them throws.
 VestraHandler::VestraHandler() : VestraHandler(Vestra::KELVO) {
   contexts.reserve(CONTEXTS.size());
   for (const ContextProfile& context : CONTEXTS) {

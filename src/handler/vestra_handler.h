@@ -14,12 +14,12 @@ class VestraProjectInfo;
 struct CollectedText;
 struct ProductProfile;
 
-/// The report handler: holds what was collected, writes the report and runs the
+/// The report handler: holds the collected items, writes the report and runs the
 /// main design tool on it.
 ///
-/// It is never reset. Items, project directory and product stay until they are
-/// added to or set again. The files of a report lie in the project directory's
-/// vestra/ directory; paths are joined as texts, and doubled slashes are kept.
+/// It is never reset: items, project directory and product remain for the next
+/// report. The files of a report are in the project directory's vestra/ directory;
+/// paths are concatenated, and doubled slashes are kept.
 class VestraHandler {
  public:
   /// Starts with the six contexts, all empty, for product KELVO and without a
@@ -31,26 +31,26 @@ class VestraHandler {
   /// library stays open: only a run of the main design tool closes it.
   ~VestraHandler();
 
-  // What was collected.
+  // The collected items.
 
-  /// Files a new item under the context at position `section`, which must be one
-  /// of the six: it is not checked.
+  /// Adds a new item to the context at position `section`, which must be one of the
+  /// six: it is not checked.
   void addData(std::string key, std::string value, Vestra::SectionType section);
-  /// Files an existing node there and takes ownership of it.
+  /// Adds an existing node to that context, which takes ownership of it.
   void addData(VestraDataInterface* item, Vestra::SectionType section);
   /// Appends a context, which must be a `VestraParentData`, and takes ownership.
   void addData(VestraDataInterface* item);
-  /// Whether nothing is filed under the context at position `index`, 0 to 5.
+  /// Whether the context at position `index`, 0 to 5, has no items.
   bool isParentEmpty(unsigned int index);
-  /// Leaves section 0 with the fifteen facts of a project, as `orderProjectFacts` says.
+  /// Reduces section 0 to the fifteen facts of a project: see `orderProjectFacts`.
   void uniqueAndReorderData();
 
-  // Whose report it is.
+  // The project and the product.
 
   /// Stores the absolute form of the directory; a relative one is resolved against
-  /// the current directory. Nothing is looked at or made on disk.
-  /// @throws boost::filesystem::filesystem_error when the current directory cannot
-  ///         be told, whether it is needed or not.
+  /// the current directory. Does not access the directory itself.
+  /// @throws boost::filesystem::filesystem_error when getcwd(3) fails, even for an
+  ///         absolute directory.
   void setProjectDirectory(std::string directory);
   void setProductType(Vestra::ProductType product) { productType = product; }
   Vestra::ProductType getProductType() { return productType; }
@@ -70,25 +70,24 @@ class VestraHandler {
   std::string getVestraHtml() const;
   /// Path of the lab tool's log, for every product.
   std::string getLogFileName() const;
-  /// The redirection at the command line's end: empty for the simulator, into the
-  /// log for the lab tool. Asking for the latter deletes the previous log.
-  /// @throws boost::filesystem::filesystem_error when that fails for another
-  ///         reason than absence.
+  /// Deletes the previous log, for the lab tool, and returns the redirection into it
+  /// for the command line's end. For the simulator, only returns the empty text.
+  /// @throws boost::filesystem::filesystem_error when an existing log cannot be deleted.
   std::string getVestraMsgFilter() const;
 
   // The project's identity and the user's environment.
 
-  /// Makes a new identity record for the project directory and loads or creates its
-  /// file. Run it after the project directory is set and the host's items are in.
+  /// Creates a new identity record for the project directory and loads or creates its
+  /// file. To be called once the project directory is set and the host's items are added.
   /// @return Whether the record can be used.
   bool setupVestraInfo();
-  /// The project identifier that the host gave as an item of section 0, as
-  /// `hostProjectId` finds it.
+  /// Lower-cases keys of section 0 and returns the project identifier that the host
+  /// added there as an item: see `hostProjectId`.
   std::string getOrbeloProjectId() const;
   /// Adds the environment data of the support library, "project_id" and
-  /// "project_iteration", and puts section 0 into its order. Needs the identity
+  /// "project_iteration", and calls `uniqueAndReorderData`. Requires the identity
   /// record and the open support library.
-  /// @throws std::logic_error when the support library answers null or lacks the
+  /// @throws std::logic_error when the support library returns null or lacks the
   ///         entry point.
   void addUserEnvironmentData();
 
@@ -97,17 +96,17 @@ class VestraHandler {
   /// Loads the identity, writes the rules file, opens the support library unless it
   /// is open, completes the items and writes the script.
   /// @return False when the identity cannot be used or the support library cannot
-  ///         be opened; no script is written then. A script file that cannot be
-  ///         written is not noticed.
-  /// @throws std::logic_error when the support library answers null or lacks an
+  ///         be opened; no script is written then. A failure to write the script is
+  ///         not reported.
+  /// @throws std::logic_error when the support library returns null or lacks an
   ///         entry point.
   bool prepareVestraData();
-  /// Writes the rules file of the current product. A failure is not noticed.
+  /// Writes the rules file of the current product. A failure is not reported.
   void createSimWdm();
   /// CRC-32 of the bytes before the first NUL.
   std::uint32_t getCrc32(const std::string& text);
-  /// Whether the machine belongs to the maker's own network; found out once. While
-  /// it does, CALVIX_VESTRA_INTERNAL_TRANSMIT is read at each call.
+  /// Whether the machine belongs to the maker's own network; determined once. If
+  /// CALVIX_VESTRA_INTERNAL_TRANSMIT is not empty at any call, false from then on.
   bool isInternal();
   /// Day of the year, year and hour of the local time: nine digits.
   std::string getTimeStampSeg();
@@ -116,14 +115,14 @@ class VestraHandler {
   std::string getRegId();
 
   /// Counts the attempt and, when a report is due, runs the main design tool.
-  /// Needs a prepared report.
+  /// Requires a prepared report.
   /// @return Whether the report was due.
   bool sendVestraData();
   /// Runs the main design tool on the script through the shell and waits for it,
   /// closes the support library, and removes script and rules file unless
   /// CALVIX_VESTRA_DEBUG_EXT is non-empty.
-  /// @return Whether the shell gave status 0.
-  /// @throws std::logic_error when the support library names no tool.
+  /// @return Whether the shell exited with status 0.
+  /// @throws std::logic_error when the support library returns no command.
   /// @throws boost::filesystem::filesystem_error when a file cannot be removed.
   bool execVestraData();
 

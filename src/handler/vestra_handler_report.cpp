@@ -75,8 +75,8 @@ bool VestraHandler::openSupportLibrary() {
   return supportLibrary != nullptr;
 }
 
-// The text is complete before its file is touched. Where it cannot be completed, because
-// the support library names no registration, the file gets what there is of it.
+// The script is written once, when its text is complete. If composing it throws, as when the
+// support library has no registration identifier, the lines so far are written.
 void VestraHandler::writeScript() {
   const std::string path = pathInVestraDirectory(getVestraCommandTcl());
   CollectedText text{initLine(vestraDirectoryOf(projectDirectory)), {}};

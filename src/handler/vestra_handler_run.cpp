@@ -18,7 +18,7 @@ bool VestraHandler::sendVestraData() {
   return due;
 }
 
-// The tool is asked for first: without one, the previous log stays.
+// execPath() comes first: if it throws, the previous log has not been deleted.
 bool VestraHandler::execVestraData() {
   const std::string tool = support_library::execPath();
   const std::string line =

@@ -7,7 +7,7 @@
 namespace Oza {
 namespace {
 
-// Where the domain name cannot be told, the resolver file is not asked either.
+// The resolver file is not read when getdomainname(2) fails.
 bool isMakersMachine() {
   const std::optional<std::string> domainName = machineDomainName();
   return domainName && namesMakerDomain(siteText(*domainName, RESOLVER_FILE), makerDomain());

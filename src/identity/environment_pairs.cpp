@@ -6,13 +6,9 @@
 #include "identity/fields.h"
 
 namespace Oza {
-namespace {
-
-constexpr std::size_t USER_ENVIRONMENT_FIELDS = 12;
-
-}  // namespace
 
 std::vector<EnvironmentPair> environmentPairs(const std::string& text) {
+  constexpr std::size_t USER_ENVIRONMENT_FIELDS = 12;
   std::vector<std::string> fields = fieldsOf(text, '#');
   std::vector<EnvironmentPair> pairs;
   for (std::size_t i = 0; i + 1 < fields.size(); i += 2) {

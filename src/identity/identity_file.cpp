@@ -18,7 +18,7 @@ bool isEmpty(const Descriptor& file) {
   return fstat(file.get(), &now) == 0 && now.st_size == 0;
 }
 
-/// Whether the file was written within the time that a host waits for another.
+/// Whether the file's st_mtime is within 250 ms of now: another host may be initialising it.
 bool isNew(const Descriptor& file) {
   const struct timespec written = file.status().st_mtim;
   const auto age = std::chrono::system_clock::now().time_since_epoch() -

@@ -9,17 +9,19 @@
 
 namespace Oza {
 
-/// The text of an open identity file, read while no other host writes it. Nothing after
-/// a read error.
+// The concurrency design: docs/architecture.md, "Many hosts in one project".
+
+/// The text of an open identity file, read under a shared lock if one can be taken. Nothing
+/// after a read error.
 std::optional<std::string> readIdentityText(const Descriptor& file, TimeBudget& timeBudget);
 
 /// The text of an identity file that was found empty. If the file was created just now,
-/// another host is initialising the project: its record is waited for. Still empty if none
-/// comes in time.
+/// another host is initialising the project: waits for its record. Still empty if that
+/// times out.
 std::optional<std::string> awaitIdentityText(const Descriptor& file, TimeBudget& timeBudget);
 
 /// The text of an identity file that was found corrupt, once two readings agree.
-/// Without a lock, the first may have met another host's writing.
+/// Without a lock, another host may have been writing during the first.
 std::optional<std::string> rereadIdentityText(const Descriptor& file, std::string corrupt,
                                               TimeBudget& timeBudget);
 

@@ -72,8 +72,8 @@ std::int64_t lastSendTime(const ProjectIdentity& identity, Vestra::ProductType p
   return identity.*slotOf(product);
 }
 
-// Compared without a difference of the two, which a stored time near the edge of
-// its type would overflow.
+// Not `now - last > SECONDS_PER_DAY`: that overflows for a stored time near the limits of
+// its type.
 bool isReportDue(const ProjectIdentity& identity, Vestra::ProductType product, std::int64_t now) {
   const std::int64_t last = lastSendTime(identity, product);
   return last == NEVER || last < now - SECONDS_PER_DAY;

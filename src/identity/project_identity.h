@@ -22,16 +22,16 @@ struct ProjectIdentity {
   std::int64_t lastSendTimeDefault = 0;
   /// The same for KELVO_ALT.
   std::int64_t lastSendTimeType1 = 0;
-  /// Number of the send attempt that comes next.
+  /// Number of the next send attempt.
   std::uint64_t iteration = 1;
-  /// 1 when the host supplied the project identifier at the time the file was made.
+  /// 1 when the host supplied the project identifier when the file was created.
   std::int32_t orbeloFlow = 0;
   std::string projectId;
 };
 
 /// Reads the five lines of an identity file: four numbers, then the identifier. A
 /// number's line that is empty or missing, and an identifier's line that is
-/// missing, leave their fields as they are; text behind a number is ignored.
+/// missing, leave their fields as they are; text after a number is ignored.
 ///
 /// @throws std::invalid_argument when one of the first four lines is no number.
 /// @throws std::out_of_range when its number does not fit.
@@ -41,9 +41,9 @@ void readProjectIdentity(const std::string& text, ProjectIdentity& identity);
 /// @return False when one of the first four lines is no number that fits.
 bool parseProjectIdentity(const std::string& text, ProjectIdentity& identity);
 
-/// An identity with the times, the iteration and the flow that its file holds by now,
-/// and with its identifier unless this one is the host's own. A corrupt text and
-/// missing lines change nothing.
+/// The identity with the times, the iteration and the flow of its file's current text, and
+/// with that text's identifier unless the host supplied its own. A corrupt text and missing
+/// lines change nothing.
 ProjectIdentity mergedWithStored(const ProjectIdentity& identity, const std::string& text,
                                  bool identifierIsHosts);
 
@@ -55,11 +55,11 @@ std::string formatProjectIdentity(const ProjectIdentity& identity);
 std::int64_t lastSendTime(const ProjectIdentity& identity, Vestra::ProductType product);
 
 /// Whether more than 86400 seconds, one day, lie between the last report for this
-/// product and `now`, in seconds since the epoch. The first report always is, even where
-/// the clock stands near the epoch.
+/// product and `now`, in seconds since the epoch. The first report is always due, even when
+/// the clock is near the epoch.
 bool isReportDue(const ProjectIdentity& identity, Vestra::ProductType product, std::int64_t now);
 
-/// Counts an attempt to send at `now` and, when a report is due, notes that time for
+/// Counts an attempt to send at `now` and, when a report is due, stores that time for
 /// the product.
 ///
 /// @return Whether it was due.

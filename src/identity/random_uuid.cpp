@@ -17,21 +17,18 @@
 #include <boost/uuid/entropy_error.hpp>
 #endif
 
+#include "files/descriptor.h"
+
 namespace Oza {
 namespace {
 
-// An empty file in its place is no source either.
 ssize_t readRandomFile(void* buffer, std::size_t size) {
-  const int file = open("/dev/urandom", O_RDONLY | O_CLOEXEC);
-  if (file < 0) {
-    return -1;
-  }
-  const ssize_t count = read(file, buffer, size);
-  close(file);
-  return count;
+  const Descriptor file("/dev/urandom", O_RDONLY);
+  return file.isOpen() ? read(file.get(), buffer, size) : -1;
 }
 
-// By number, since glibc has getrandom() from 2.25 on. Linux has it from 3.17 on.
+// Some supported C libraries lack getrandom() (glibc before 2.25), some kernels the system
+// call (Linux before 3.17).
 ssize_t drawRandomBytes(void* buffer, std::size_t size) {
   ssize_t count = 0;
   do {

@@ -21,8 +21,8 @@ namespace Oza {
 VestraProjectInfo::VestraProjectInfo(std::string path, VestraHandler* handler)
     : filePath(std::move(path)), owner(handler) {}
 
-// A path whose status cannot be read counts as absent too; creating the file there
-// shows whether it can be used.
+// A path for which stat(2) fails counts as absent too; creating the file shows whether it can
+// be used.
 bool VestraProjectInfo::loadOrCreate() {
   try {
     const Descriptor file(filePath, O_RDWR, timeBudget);
@@ -55,8 +55,8 @@ void VestraProjectInfo::startNewProject() {
   }
 }
 
-// Another host has created the file in between, the path is a dangling link, or opening
-// has failed.
+// Called when another host has created the file in between, the path is a dangling link, or
+// opening has failed.
 bool VestraProjectInfo::loadOthers() {
   const Descriptor file(filePath, O_RDWR, timeBudget);
   if (file.isRegular()) {
@@ -72,7 +72,7 @@ bool VestraProjectInfo::loadOthers() {
   }
 }
 
-// What could not be read must not be overwritten by the attempt that follows.
+// False after a read error: recordSendAttempt() must not overwrite what could not be read.
 bool VestraProjectInfo::load(const Descriptor& file) {
   std::optional<std::string> text = readIdentityText(file, timeBudget);
   if (text && text->empty() && owner->getOrbeloProjectId().empty()) {
@@ -98,14 +98,14 @@ bool VestraProjectInfo::takeHostsIdentifier() {
   return identifierIsHosts;
 }
 
-// O_RDWR fails with EACCES for a file that may only be read, too.
+// O_RDWR fails with EACCES for a read-only file too.
 bool VestraProjectInfo::emptyUnreadableFile() const {
   return Descriptor(filePath, O_RDONLY).error() == EACCES &&
          Descriptor(filePath, O_WRONLY | O_TRUNC).canHoldText();
 }
 
-// The file is read again: another host may have counted since this one has read it. The
-// lock lasts until the file is closed.
+// Reads the file again: another host may have counted since loadOrCreate(). Closing the file
+// releases the lock.
 bool VestraProjectInfo::countIn(const Descriptor& file) {
   SigxfszGuard guard;
   lockFile(file, LockKind::EXCLUSIVE, timeBudget);

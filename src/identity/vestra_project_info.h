@@ -16,17 +16,18 @@ class VestraHandler;
 /// The identity record of one project: its identifier, how many reports were
 /// attempted and when the last ones were sent. Kept in the project's
 /// vestra/.kelvo_vestrra.info.
+/// The concurrency design: docs/architecture.md, "Many hosts in one project".
 class VestraProjectInfo {
  public:
-  /// @param path     Path of the identity file; what stands before its last 19 bytes is
-  ///                 its directory.
-  /// @param handler  Asked for the host's project identifier and for the
-  ///                 product. Must outlive the record.
+  /// @param path     Path of the identity file. Its directory is the path without the last
+  ///                 19 bytes.
+  /// @param handler  Source of the host's project identifier and of the product. Must
+  ///                 outlive the record.
   VestraProjectInfo(std::string path, VestraHandler* handler);
 
   /// Loads the identity file or, if there is none, creates an empty one with its
   /// directories and a new identifier in memory. An identifier that the host added
-  /// as an item "project_id" wins over a new and over a stored one. If another host is
+  /// as an item "project_id" replaces a new and a stored one. If another host is
   /// initialising the project, waits for its identifier.
   ///
   /// A file that may be written and not read (EACCES) is emptied and starts a record
@@ -34,8 +35,7 @@ class VestraProjectInfo {
   ///
   /// @return Whether the record can be used. False when the file can be neither
   ///         opened nor created or a file-system call fails, and when its numbers are
-  ///         unreadable: it is deleted then, so that the project is new at the
-  ///         next run.
+  ///         corrupt: it is deleted then, and the next run starts a new project.
   bool loadOrCreate();
 
   /// Counts an attempt to send, stores the time when it is due, and overwrites the

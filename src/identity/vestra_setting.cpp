@@ -85,7 +85,7 @@ std::string VestraSetting::getRandomId() {
              : findOrAppendRandomId(file);
 }
 
-// The lock lasts until the file is closed.
+// Closing the file releases the lock.
 std::string VestraSetting::findOrAppendRandomId(const Descriptor& file) {
   if (!file.canHoldText()) {
     return {};
@@ -102,7 +102,7 @@ std::string VestraSetting::findOrAppendRandomId(const Descriptor& file) {
   return identifier;
 }
 
-// Where anything stands in the file's place, nothing is made.
+// Creates nothing if the path exists, whatever it is.
 bool VestraSetting::makeSettingsDirectory() const {
   try {
     if (!boost::filesystem::exists(settingsFile)) {

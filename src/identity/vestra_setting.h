@@ -11,30 +11,30 @@ namespace Oza {
 
 /// Reads settings lines, "key=value", into a table.
 ///
-/// A line is trimmed as a whole by the global locale's white space and split at
-/// "="; anything but exactly one "=" drops it without a word. The first line with
-/// a key wins, over later lines and not over what the table already holds.
+/// A line is trimmed of the global locale's white space and split at "="; a line without
+/// exactly one "=" is silently ignored. The first value of a key is kept; what the table
+/// holds already comes before all lines.
 void readSettings(const std::string& text, std::map<std::string, std::string>& properties);
 
 /// Path of a user's settings file.
 ///
-/// @param home  Null or empty for one without a home: "/tmp" takes its place.
+/// @param home  The user's home. If it is null or empty, "/tmp" is used.
 std::string settingsPath(const char* home);
 
-/// The per-user settings: the lines of `$HOME`/.Calvix/Common/2018.2/vestra as
-/// they stood when the object was made, and the random installation identifier
-/// that lives among them.
+/// The per-user settings: the lines of `$HOME`/.Calvix/Common/2018.2/vestra, read when the
+/// object is created, and the random installation identifier, which is one of them.
+/// The concurrency design: docs/architecture.md, "Many hosts in one project".
 class VestraSetting {
  public:
   /// Computes the file's path and reads the file.
   VestraSetting();
 
-  /// Computes the path of the settings file from the environment variable HOME;
-  /// where that is unset or empty, "/tmp" takes its place. Touches no file.
+  /// Computes the path of the settings file from the environment variable HOME or, if
+  /// that is unset or empty, from "/tmp". Accesses no file.
   void setOrbeloFile();
 
   /// Reads the settings file into the table. A file that is missing, unreadable
-  /// or not a regular one adds nothing, and one is taken to end after its first MiB.
+  /// or not a regular one adds nothing. Only the first MiB is read.
   void readFile();
 
   /// The value of a key, byte for byte; empty when there is none.
@@ -43,8 +43,7 @@ class VestraSetting {
   /// Whether the text begins with "true", in lower case.
   bool stringToBool(const std::string& text);
 
-  /// The version that the settings directory is named by: "2018.2", whatever the
-  /// host's own.
+  /// The version in the settings directory's name: "2018.2", whatever the host's own.
   std::string getCalvixVersion() const;
 
   /// The random installation identifier: the value of "RandomID" or, where that is

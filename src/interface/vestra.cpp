@@ -15,7 +15,7 @@ const char* PARAM_KEY = "-key";
 const char* PARAM_CLIENT = "-client";
 const char* TYPE_ADD_DATA = "vestra_add_data";
 
-// The value is copied first: with both null, its failure is the one that is seen.
+// The value is copied before the key: if both are null, the value's exception is thrown.
 void Vestra::add(const char* key, const char* value, SectionType section) {
   std::string valueText = byteString(value);
   std::string keyText = byteString(key);

@@ -26,9 +26,8 @@ class VestraMgr {
   /// Deletes the settings, then the handler.
   ~VestraMgr();
 
-  /// Owned by the manager.
+  // Both are owned by the manager.
   VestraSetting* getSetting() const { return setting; }
-  /// Owned by the manager.
   VestraHandler* getHandler() const { return handler; }
 
  private:

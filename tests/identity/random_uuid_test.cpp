@@ -69,7 +69,7 @@ TEST(RandomUuid, RandomUuidIsNotMadeUpWithoutASourceOfRandomness) {
   const std::string outcome = vestra_test::inChildProcess([] {
     takeAwayGetrandom();
     // Files to be read. A lack of descriptors would do, but the sanitizers need some.
-    failSystemCall(SYS_openat, ENOENT, O_RDONLY | O_CLOEXEC);
+    failSystemCall(SYS_openat, ENOENT, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     return randomUuid();
   });
   EXPECT_EQ(outcome, "exception: getrandom");
