@@ -136,7 +136,9 @@ TEST_F(Inspector, ListsProjectsByTheirLastReport) {
 
 /// What is larger than any record is not read whole.
 TEST_F(Inspector, ShowsOfALargeRecordTheBeginning) {
-  place.write(place.identity(), "0\n0\n5\n0\n" + std::string(100000000, 'x'));
+  std::string record = "0\n0\n5\n0\n";
+  record.resize(100000000, 'x');
+  place.write(place.identity(), record);
   for (const Words& words : {Words{"status"}, Words{"doctor"}, Words{"doctor", "--json"}}) {
     EXPECT_LT(place.inspect(words).out.size(), 1000000U);
   }
@@ -152,10 +154,8 @@ TEST_F(Inspector, SaysThatItsOutputCannotBeWritten) {
 
 TEST_F(Inspector, EscapesWhatATerminalObeysInDocumentsAndComplaints) {
   place.writeIdentity(std::time(nullptr));
-  place.runHost("KELVO", {"c1",
-                          "\xC2\x9B"
-                          "31m",
-                          "del", "\x7F", "turned", "\xE2\x80\xAE"});
+  const std::string red = std::string("\xC2\x9B") + "31m";
+  place.runHost("KELVO", {"c1", red, "del", "\x7F", "turned", "\xE2\x80\xAE"});
   const std::string report = place.inspect({"report", "--json"}).out;
   EXPECT_THAT(report, AllOf(HasSubstr("\\u009b31m"), HasSubstr("\\u007f"), HasSubstr("\\u202e")));
   EXPECT_EQ(place.inspect({"\033[31m"}).err.find('\033'), std::string::npos);

@@ -48,7 +48,9 @@ TEST(AClockThatAnotherObjectTells, CannotBeHeld) {
 
 }  // namespace
 
-/// Stands before the test kit's, as a preloaded object's does.
+/// Interposes the test kit's, as a preloaded object would. The C library's names of parameters
+/// are reserved.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" __attribute__((visibility("default"))) std::time_t time(std::time_t* out) noexcept {
   return out != nullptr ? *out = 42 : 42;
 }
