@@ -92,7 +92,7 @@ bool judgeOnce(Unobservable& program) {
 Unobservable judgeProgram(const char* path) {
   Unobservable program;
   if (std::strlen(path) < sizeof program.path) {
-    std::strcpy(program.path, path);
+    std::memcpy(program.path, path, std::strlen(path) + 1);
     for (int i = 0; i < INTERPRETERS_AT_MOST && judgeOnce(program); ++i) {
     }
   }

@@ -27,7 +27,7 @@ void note(const char* file, const std::string_view* fields, std::size_t count) {
   if (directory + name + 2 > sizeof path) {
     return;
   }
-  std::memcpy(path, directoryOfRecord, directory);
+  std::memcpy(path, directoryOfRecord, directory);  // NOLINT(bugprone-not-null-terminated-result)
   path[directory] = '/';
   std::memcpy(path + directory + 1, file, name + 1);
   const int record = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0600);

@@ -205,6 +205,8 @@ extern "C" VESTRA_INTERPOSED char* getenv(const char* name) noexcept {
   const char* value = variable(name);
   if (isInLibrary && recordDirectory() != nullptr && isHome(name) &&
       objectOf(__builtin_return_address(0)) == objectOf(ownOf(SEND))) {
+    // Out of memory, the rehearsed program ends.
+    // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
     static const auto* home = new std::string(copyOfHome(recordDirectory(), value != nullptr ? value : ""));
     return const_cast<char*>(home->c_str());
   }

@@ -24,7 +24,7 @@ void appendRegistration(VestraDataInterface& context, CollectedText& text) {
 // Reserves memory once, since growing would copy a large text. The last lines are mostly
 // paths, each of at most PATH_MAX (4096) bytes.
 void makeRoom(const std::vector<VestraDataInterface*>& contexts, std::string& lines) {
-  std::size_t size = 4 * 4096;
+  std::size_t size = std::size_t{4} * 4096;
   for (VestraDataInterface* context : contexts) {
     size += sizeOfPlainLines(static_cast<VestraParentData&>(*context));
   }

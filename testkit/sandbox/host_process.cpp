@@ -115,7 +115,8 @@ void beAHost(const RunSetup& setup, const RunPlace& place, StartingGate& gate,
              const std::function<bool()>& code) {
   try {
     settleIn(setup, place);
-    openSupportLibrary(std::getenv(SUPPORT_VARIABLE));
+    const char* supportLibrary = std::getenv(SUPPORT_VARIABLE);
+    openSupportLibrary(supportLibrary != nullptr ? supportLibrary : "");
     beginRecording();
     if (setup.now) {
       requireHeldClock(*setup.now);

@@ -58,7 +58,8 @@ const Report* HostRun::report() const { return reports.empty() ? nullptr : &repo
 
 std::vector<Item> HostRun::items(Oza::Vestra::SectionType section) const {
   const std::string context = contextOf(section);
-  const std::vector<Item>& all = report() != nullptr ? report()->items : writtenItems;
+  const Report* const last = report();
+  const std::vector<Item>& all = last != nullptr ? last->items : writtenItems;
   std::vector<Item> found;
   std::copy_if(all.begin(), all.end(), std::back_inserter(found),
                [&](const Item& item) { return item.context == context; });
