@@ -59,6 +59,9 @@ struct Start {
   std::string script;
 };
 
+/// GoogleTest would print its bytes, padding included.
+std::ostream& operator<<(std::ostream& out, const Start& start) { return out << start.name; }
+
 class EachStart : public Isolation, public testing::WithParamInterface<Start> {};
 
 TEST_P(EachStart, ReachesTheStandIns) {
