@@ -6,6 +6,8 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <ostream>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <vestra/testkit/matchers.h>
