@@ -14,20 +14,36 @@
 namespace vestra::inspect {
 namespace {
 
-constexpr const char* DESCRIPTION =
-    "Shows what Vestra keeps about you and a project, what is reported next and when,\n"
-    "and why not.\n\n"
-    "  status [PROJECT]       what is kept, what is reported next, and when\n"
-    "  report [PROJECT|FILE]  the report on the disk, item by item\n"
-    "  doctor [PROJECT]       what is wrong and how to fix it\n"
-    "  list DIR...            a line for each project below the directories\n"
-    "  rehearse -- HOST ARG...  run HOST and intercept its report";
+// Written out: what CLI11 makes of descriptions differs between its versions.
+constexpr const char* HELP =
+    R"(Usage: vestra-inspect [COMMAND] [OPTION]...
 
-constexpr const char* FOOTER =
-    "Only rehearse runs the program; nothing else changes anything.\n"
-    "Exit status: 0 answered, 1 doctor has findings, 2 invalid command line,\n"
-    "3 something could not be looked at. rehearse: the program's own; 124 it\n"
-    "leaked, 125 it cannot be rehearsed, 126 and 127 as env(1).";
+Shows what Vestra keeps about you and a project, what is reported next and
+when, and why not.
+
+  status [PROJECT]         what is kept, what is reported next, and when
+  report [PROJECT|FILE]    the report on the disk, item by item
+  doctor [PROJECT]         what is wrong and how to fix it
+  list DIR...              a line for each project below the directories
+  rehearse -- HOST ARG...  run HOST and intercept its report
+
+  --product P              KELVO, KELVO_ALT or TAVLO; else those with traces
+  --home DIR               look with another home
+  --env FILE               look with the environment in a file
+  --host FILE              look as this program would
+  --as USER                test this user's rights (root only)
+  --now SECONDS            use this as the current time, in seconds
+  --json                   one document of schema vestra-inspect/1
+  --redact                 marks for identifiers and names, for tickets
+  --fail-on LEVEL          doctor: problem, warning, note or never
+  --color WHEN             auto, always or never
+  -h, --help, --version    print this, or the version, and exit
+
+Only rehearse runs the program; nothing else changes anything.
+Exit status: 0 answered, 1 doctor has findings, 2 invalid command line,
+3 something could not be looked at. rehearse: the program's own; 124 it
+leaked, 125 it cannot be rehearsed, 126 and 127 as env(1).
+)";
 
 const std::set<std::string> COMMANDS = {"status", "report", "doctor", "list", "rehearse"};
 
@@ -38,26 +54,19 @@ const std::map<std::string, Product> PRODUCTS = {
     {"KELVO", Oza::Vestra::KELVO}, {"KELVO_ALT", Oza::Vestra::KELVO_ALT}, {"TAVLO", Oza::Vestra::TAVLO}};
 
 void addOptions(CLI::App& app, Request& request, std::vector<std::string>& words) {
-  app.add_option("WORDS", words, "")->type_name("");
-  app.add_option("--product", request.products, "KELVO, KELVO_ALT or TAVLO; else those with traces")
-      ->transform(CLI::CheckedTransformer(PRODUCTS).description(""))
-      ->allow_extra_args(false)
-      ->type_name("P");
-  app.add_option("--home", request.home, "look with another home")->type_name("DIR");
-  app.add_option("--env", request.environmentFile, "look with the environment in a file")->type_name("FILE");
-  app.add_option("--host", request.host, "look as this program would")->type_name("FILE");
-  app.add_option("--as", request.user, "test this user's rights (root only)")->type_name("USER");
-  app.add_option("--now", request.now, "use this as the current time, in seconds")
-      ->check(CLI::Range(std::int64_t{0}, LAST_SECOND).description(""))
-      ->type_name("SECONDS");
-  app.add_flag("--json", request.asJson, "one document of schema vestra-inspect/1");
-  app.add_flag("--redact", request.isRedacted, "marks for identifiers and names, for tickets");
-  app.add_option("--fail-on", request.failOn, "doctor: problem, warning, note or never")
-      ->check(CLI::IsMember({"problem", "warning", "note", "never"}).description(""))
-      ->type_name("LEVEL");
-  app.add_option("--color", request.colour, "auto, always or never")
-      ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
-      ->type_name("WHEN");
+  app.add_option("WORDS", words);
+  app.add_option("--product", request.products)
+      ->transform(CLI::CheckedTransformer(PRODUCTS))
+      ->allow_extra_args(false);
+  app.add_option("--home", request.home);
+  app.add_option("--env", request.environmentFile);
+  app.add_option("--host", request.host);
+  app.add_option("--as", request.user);
+  app.add_option("--now", request.now)->check(CLI::Range(std::int64_t{0}, LAST_SECOND));
+  app.add_flag("--json", request.asJson);
+  app.add_flag("--redact", request.isRedacted);
+  app.add_option("--fail-on", request.failOn)->check(CLI::IsMember({"problem", "warning", "note", "never"}));
+  app.add_option("--color", request.colour)->check(CLI::IsMember({"auto", "always", "never"}));
 }
 
 /// The first word is a command, or a project for `status`.
@@ -111,9 +120,7 @@ std::string documentOf(const std::string& complaint, int count, const char* cons
 
 CommandLine readCommandLine(int count, const char* const* words) {
   CommandLine line;
-  CLI::App app(DESCRIPTION, "vestra-inspect");
-  app.footer(FOOTER);
-  app.get_formatter()->column_width(20);
+  CLI::App app("", "vestra-inspect");
   app.set_version_flag("--version", "vestra-inspect " VESTRA_VERSION);
   std::vector<std::string> rest;
   addOptions(app, line.request, rest);
@@ -121,10 +128,12 @@ CommandLine readCommandLine(int count, const char* const* words) {
   try {
     app.parse(own, words);
     takeWords(rest, line.request);
+  } catch (const CLI::CallForVersion&) {
+    line.exitStatus = 0;
+    line.output = app.version() + "\n";
   } catch (const CLI::Success&) {
     line.exitStatus = 0;
-    line.output =
-        count > 1 && std::string(words[count - 1]) == "--version" ? app.version() + "\n" : app.help();
+    line.output = HELP;
   } catch (const CLI::ParseError& error) {
     const bool isRehearsal = std::find(rest.begin(), rest.end(), "rehearse") == rest.begin() && !rest.empty();
     line.exitStatus = isRehearsal ? 125 : 2;
