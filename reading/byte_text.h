@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include <boost/algorithm/hex.hpp>
 #include <nlohmann/json.hpp>
 
 #include "reading/utf8.h"
@@ -14,13 +15,7 @@ inline nlohmann::ordered_json byteText(const std::string& bytes) {
   if (isUtf8(bytes)) {
     return bytes;
   }
-  std::string digits;
-  for (const char byte : bytes) {
-    const auto value = static_cast<unsigned char>(byte);
-    digits += "0123456789abcdef"[value >> 4U];
-    digits += "0123456789abcdef"[value & 15U];
-  }
-  return {{"hex", digits}};
+  return {{"hex", boost::algorithm::hex_lower(bytes)}};
 }
 
 }  // namespace vestra::reading

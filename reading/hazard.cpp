@@ -1,29 +1,42 @@
 #include "reading/hazard.h"
 
-#include "reading/tcl_command.h"
+#include <algorithm>
+
+#include <tcl.h>
+
 #include "reading/tcl_text.h"
 
 namespace vestra::reading {
 namespace {
 
-constexpr std::size_t WORDS = 9;
-constexpr std::size_t KEY_WORD = 4;
-constexpr std::size_t VALUE_WORD = 6;
+constexpr int WORDS = 9;
+constexpr int KEY_WORD = 4;
+constexpr int VALUE_WORD = 6;
 
-bool isLiterally(const std::string& tclText, const TclWord& word, const std::string& wanted) {
-  return word.isLiteral && toBytes(tclText.substr(word.content.begin, word.content.length)) == wanted;
+/// Whether the command gets this word as it was written: no substitution takes place in it.
+bool isLiterally(const Tcl_Parse& command, int index, const std::string& wanted) {
+  const Tcl_Token* word = command.tokenPtr;
+  for (int i = 0; i < index; ++i) {
+    word += word->numComponents + 1;
+  }
+  const Tcl_Token* const begin = word + 1;
+  const Tcl_Token* const end = begin + word->numComponents;
+  return std::all_of(begin, end, [](const Tcl_Token& part) { return part.type == TCL_TOKEN_TEXT; }) &&
+         toBytes({begin->start, static_cast<std::size_t>(end[-1].start + end[-1].size - begin->start)}) ==
+             wanted;
 }
 
 bool isReadAsWritten(const WrittenItem& item) {
   const std::string text = toTclText(scriptLineOf(item));
-  try {
-    const TclCommand command = parseTclCommand(text, 0);
-    return command.end() == text.size() && command.words.size() == WORDS &&
-           isLiterally(text, command.words[KEY_WORD], item.key) &&
-           isLiterally(text, command.words[VALUE_WORD], item.value);
-  } catch (const TclSyntaxError&) {
+  Tcl_Parse command;
+  if (Tcl_ParseCommand(nullptr, text.data(), static_cast<int>(text.size()), 0, &command) != TCL_OK) {
     return false;
   }
+  const bool isWhole = command.commandStart + command.commandSize == text.data() + text.size();
+  const bool isSame = isWhole && command.numWords == WORDS && isLiterally(command, KEY_WORD, item.key) &&
+                      isLiterally(command, VALUE_WORD, item.value);
+  Tcl_FreeParse(&command);
+  return isSame;
 }
 
 bool holds(const std::string& text, const char* characters) {

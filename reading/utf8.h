@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include <boost/locale/utf.hpp>
+
 namespace vestra::reading {
 
 /// One character at the start of a byte string, as UTF-8 reads it.
@@ -15,7 +17,13 @@ struct Utf8Character {
 
 /// Decodes the first character of `bytes`. Strict: overlong forms, surrogates and values above U+10FFFF are
 /// refused.
-Utf8Character firstCharacter(std::string_view bytes);
+inline Utf8Character firstCharacter(std::string_view bytes) {
+  const char* end = bytes.data();
+  const auto codePoint = boost::locale::utf::utf_traits<char>::decode(end, bytes.data() + bytes.size());
+  return boost::locale::utf::is_valid_codepoint(codePoint)
+             ? Utf8Character{static_cast<std::size_t>(end - bytes.data()), char32_t{codePoint}}
+             : Utf8Character{};
+}
 
 /// Whether the whole of `bytes` is UTF-8 and `isAllowed` holds for each code point. The empty string is.
 template <typename IsAllowed>

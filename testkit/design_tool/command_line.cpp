@@ -14,7 +14,7 @@ using reading::inQuotes;
 using Values = std::map<std::string, std::string>;
 
 constexpr const char* USAGE =
-    "Usage: vestra-design-tool -mode batch -source FILE [-notrace] [--outbox DIR]\n"
+    "Usage: vestra-design-tool -mode batch -source FILE [-notrace]\n"
     "       vestra-design-tool --show FILE | --json FILE\n";
 
 constexpr const char* HELP = R"(
@@ -25,32 +25,26 @@ reports it asks for. Nothing is transmitted.
   -mode batch      the only mode there is
   -source FILE     the report script
   -notrace         accepted; commands are never echoed
-  --outbox DIR     keep a copy of each report in a folder of its own in DIR
   --show FILE      print what the script FILE reports, and write nothing
   --json FILE      print the report.json of the script FILE, and write nothing
   --help           print this and exit
   --version        print the version and exit
 
 Environment:
-  VESTRA_OUTBOX    the outbox when --outbox is not given
+  VESTRA_OUTBOX    a directory: keep a copy of each report in a folder of its own in it
 
 Exit status: 0 when the reports were written, 1 when the script, its rules or
 a file is at fault, 2 when the command line is invalid.
 )";
 
-bool takesValue(const std::string& option) {
-  const auto known = {"-mode", "-source", "--outbox", "--show", "--json"};
-  return std::find(known.begin(), known.end(), option) != known.end();
-}
-
 Values valuesIn(const std::vector<std::string>& arguments) {
   Values values;
   for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
-    if (*argument == "-notrace") {
+    const std::string& option = *argument;
+    if (option == "-notrace") {
       continue;
     }
-    const std::string& option = *argument;
-    if (!takesValue(option)) {
+    if (option != "-mode" && option != "-source") {
       throw UsageError(fmt::format("unexpected argument {}", inQuotes(option)));
     }
     if (++argument == arguments.end()) {
@@ -73,25 +67,22 @@ const std::string& valueOf(const Values& values, const std::string& option) {
 
 }  // namespace
 
-Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox) {
+Request readCommandLine(const std::vector<std::string>& arguments) {
   for (const auto& [option, action] : {std::pair("--help", Action::Help), {"--version", Action::Version}}) {
     if (std::find(arguments.begin(), arguments.end(), option) != arguments.end()) {
       return {action};
     }
   }
-  const Values values = valuesIn(arguments);
   for (const auto& [option, action] : {std::pair("--show", Action::Show), {"--json", Action::PrintRecord}}) {
-    if (values.count(option) != 0) {
-      return values.size() == 1 ? Request{action, values.at(option)}
-                                : throw UsageError(fmt::format("{} goes with nothing else", option));
+    if (arguments.size() == 2 && arguments[0] == option) {
+      return {action, arguments[1]};
     }
   }
+  const Values values = valuesIn(arguments);
   if (valueOf(values, "-mode") != "batch") {
     throw UsageError(fmt::format("there is no mode {}, only \"batch\"", inQuotes(values.at("-mode"))));
   }
-  const char* const outbox = defaultOutbox == nullptr ? "" : defaultOutbox;
-  return {Action::Run, valueOf(values, "-source"),
-          values.count("--outbox") == 0 ? outbox : values.at("--outbox")};
+  return {Action::Run, valueOf(values, "-source")};
 }
 
 std::string helpText() { return std::string(USAGE) + HELP; }

@@ -13,8 +13,6 @@ enum class Action { Run, Show, PrintRecord, Help, Version };
 struct Request {
   Action action;
   std::string script = {};
-  /// For a run; empty when no copy is to be kept.
-  std::string outbox = {};
 };
 
 /// An invalid command line; `what` says why.
@@ -22,13 +20,12 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads `-mode batch -source FILE [-notrace] [--outbox DIR]`, in any order, or `--show FILE`, `--json FILE`,
-/// `--help` or `--version`.
+/// Reads `-mode batch -source FILE [-notrace]`, in any order, or `--show FILE`, `--json FILE`, `--help` or
+/// `--version`.
 ///
-/// @param arguments     without the program's own name
-/// @param defaultOutbox the outbox where the command line names none; may be null or empty
+/// @param arguments without the program's own name
 /// @throws UsageError
-Request readCommandLine(const std::vector<std::string>& arguments, const char* defaultOutbox);
+Request readCommandLine(const std::vector<std::string>& arguments);
 
 /// What `--help` prints.
 std::string helpText();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <ostream>
 
@@ -18,7 +19,6 @@
 #include "design_tool/pages/report_record.h"
 #include "design_tool/pages/text_report.h"
 #include "design_tool/pages/xml_report.h"
-#include "design_tool/report/checksum.h"
 #include "design_tool/report/suspicions.h"
 #include "design_tool/rules/rules.h"
 #include "design_tool/script/script_evaluation.h"
@@ -40,6 +40,7 @@ struct Run {
   Report report;
   std::string rulesText;
   std::vector<Rule> rules;
+  /// As they are printed.
   std::vector<std::string> warnings;
 };
 
@@ -64,12 +65,10 @@ Run read(const std::string& source) {
   Run run;
   run.script = readRegularFile(source);
   run.report = evaluateScript(source, run.script);
-  for (Warning& warning : checksumWarnings(run.report, run.script, modificationTimeOf(source))) {
-    run.report.warnings.push_back(std::move(warning));
-  }
   run.rulesText = readRegularFile(run.report.transmission.wdm);
   run.rules = parseRules(run.report.transmission.wdm, run.rulesText);
-  run.warnings = warningLines(source, suspicionsAbout(run.report, run.rules));
+  run.warnings =
+      warningLines(source, suspicionsAbout(run.report, run.rules, run.script, modificationTimeOf(source)));
   return run;
 }
 
@@ -120,36 +119,14 @@ void write(const std::string& source, const std::string& outbox, const std::stri
   say(out, fmt::format("report {} is complete; nothing was transmitted", transmission.clientId));
 }
 
-/// What is to be said of single items: hazards, and items that a value has added.
-std::vector<Warning> marksOn(const Report& report, const std::vector<WrittenItem>& written) {
-  std::vector<Warning> marks = injectedItems(report, written);
-  for (const WrittenItem& item : written) {
-    if (const std::optional<std::string> hazard = reading::hazardOf(item)) {
-      marks.push_back({item.line, *hazard});
-    }
+/// What the interpreter has read.
+std::vector<WrittenItem> itemsOf(const Report& report) {
+  std::vector<WrittenItem> items;
+  for (const Item& item : report.items) {
+    const Section& section = report.sections[item.section];
+    items.push_back({section.client, section.context, item.key, item.value, item.line});
   }
-  return marks;
-}
-
-std::size_t sectionOf(const WrittenItem& item, std::vector<Section>& sections) {
-  const auto known = std::find_if(sections.begin(), sections.end(), [&](const Section& section) {
-    return section.client == item.client && section.context == item.context;
-  });
-  const auto position = static_cast<std::size_t>(known - sections.begin());
-  if (known == sections.end()) {
-    sections.push_back({item.client, item.context, item.line});
-  }
-  return position;
-}
-
-/// The items from this line on, as they were written.
-void addItemsAfter(std::size_t line, const std::vector<WrittenItem>& written, Report& report) {
-  const std::size_t lastRead = report.items.empty() ? 0 : report.items.back().line;
-  for (const WrittenItem& item : written) {
-    if (item.line >= line && item.line > lastRead) {
-      report.items.push_back({sectionOf(item, report.sections), item.key, item.value, item.line});
-    }
-  }
+  return items;
 }
 
 /// The action's status; 1 where it throws an error, which is printed.
@@ -158,7 +135,7 @@ int diagnosed(std::ostream& err, Action action) {
   try {
     return action();
   } catch (const DiagnosedError& error) {
-    err << format(error.diagnostic());
+    err << error.what() << '\n';
     return 1;
   }
 }
@@ -183,17 +160,24 @@ int runDesignTool(const std::string& source, const std::string& outbox, const st
 int showReport(const std::string& source, std::ostream& out, std::ostream& err) {
   return diagnosed(err, [&] {
     const std::string script = readRegularFile(source);
-    PartialReport evaluated = evaluateAsFarAsPossible(source, script);
     const std::vector<WrittenItem> written = reading::itemsWrittenIn(script);
-    const std::vector<Warning> marks = marksOn(evaluated.report, written);
-    if (evaluated.error) {
-      addItemsAfter(evaluated.error->line, written, evaluated.report);
+    std::map<std::size_t, std::string> hazards;
+    for (const WrittenItem& item : written) {
+      if (const std::optional<std::string> hazard = reading::hazardOf(item)) {
+        hazards.emplace(item.line, *hazard);
+      }
     }
-    out << renderText(evaluated.report, marks, evaluated.error.has_value()) << std::flush;
-    if (evaluated.error) {
-      throw DiagnosedError(*evaluated.error);
+    try {
+      const Report report = evaluateScript(source, script);
+      out << fmt::format("Report {}, registration {}\n", report.transmission.clientId,
+                         reading::inQuotes(report.transmission.registrationId))
+          << renderText(itemsOf(report), hazards);
+      return 0;
+    } catch (const DiagnosedError&) {
+      out << "Corrupt script; its items as they were written:\n"
+          << renderText(written, hazards) << std::flush;
+      throw;
     }
-    return 0;
   });
 }
 

@@ -19,7 +19,7 @@ int runDesignTool(const std::string& source, const std::string& outbox, const st
                   std::ostream& out, std::ostream& err);
 
 /// Prints what the script reports, as a text, and marks each item that the interpreter does not read as it
-/// was written. Of a corrupt script, the items before the error and after it are printed. Nothing is written.
+/// was written. Of a corrupt script, the items are printed as they were written. Nothing is written to disk.
 ///
 /// @param err gets the error, where the script is corrupt
 /// @return    the exit status: 0, or 1 after an error

@@ -35,10 +35,12 @@ std::string privacyPage() {
 }
 
 int perform(const Request& request) {
+  const char* const outbox = std::getenv("VESTRA_OUTBOX");
   limitResources(request.script);
   switch (request.action) {
     case Action::Run:
-      return runDesignTool(request.script, request.outbox, privacyPage(), std::cout, std::cerr);
+      return runDesignTool(request.script, outbox != nullptr ? outbox : "", privacyPage(), std::cout,
+                           std::cerr);
     case Action::Show:
       return showReport(request.script, std::cout, std::cerr);
     case Action::PrintRecord:
@@ -59,7 +61,7 @@ int main(int count, char** words) {
   occupyStandardDescriptors();
   try {
     const std::vector<std::string> arguments(words + 1, words + count);
-    const int status = perform(readCommandLine(arguments, std::getenv("VESTRA_OUTBOX")));
+    const int status = perform(readCommandLine(arguments));
     if (std::cout.flush()) {
       return status;
     }

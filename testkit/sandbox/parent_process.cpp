@@ -9,20 +9,12 @@
 #include <boost/filesystem.hpp>
 
 #include "recorder/recording.h"
+#include "sanitizers.h"
 
 namespace vestra::testkit {
 namespace {
 
 namespace fs = boost::filesystem;
-
-// The thread sanitizer has a thread of its own, which it takes care of itself.
-#if defined(__has_feature)
-constexpr bool HAS_SANITIZERS_THREAD = __has_feature(thread_sanitizer);
-#elif defined(__SANITIZE_THREAD__)
-constexpr bool HAS_SANITIZERS_THREAD = true;
-#else
-constexpr bool HAS_SANITIZERS_THREAD = false;
-#endif
 
 /// Where the library that holds an address begins.
 const void* libraryOf(const void* address) {
@@ -31,9 +23,10 @@ const void* libraryOf(const void* address) {
   return info.dli_fbase;
 }
 
+/// But for the thread sanitizer's own, which it takes care of itself.
 long threads() {
   const fs::directory_iterator tasks("/proc/self/task");
-  return std::distance(begin(tasks), end(tasks)) - (HAS_SANITIZERS_THREAD ? 1 : 0);
+  return std::distance(begin(tasks), end(tasks)) - (HAS_THREAD_SANITIZER ? 1 : 0);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "design_tool/pages/text_report.h"
 
 #include <algorithm>
-#include <map>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -10,67 +10,44 @@
 namespace vestra::design_tool {
 
 using reading::forTerminal;
-using reading::inQuotes;
+using reading::WrittenItem;
 
 namespace {
 
 constexpr std::size_t WIDEST_KEY_COLUMN = 32;
 
-std::size_t keyColumn(const Report& report) {
-  std::size_t width = 0;
-  for (const Item& item : report.items) {
-    width = std::max(width, forTerminal(item.key).size());
-  }
-  return std::min(width, WIDEST_KEY_COLUMN);
-}
-
-std::string sectionTitle(const Section& section) {
-  return fmt::format("\n  {} ({})\n", forTerminal(section.context), forTerminal(section.client));
-}
-
-std::string valueOf(const Item& item) {
+std::string valueOf(const WrittenItem& item) {
   return reading::isBlank(item.value) ? reading::namedBytes(item.value) : forTerminal(item.value);
-}
-
-using Marks = std::multimap<std::size_t, std::string>;
-
-Marks byLine(const std::vector<Warning>& warnings) {
-  Marks marks;
-  for (const Warning& warning : warnings) {
-    marks.emplace(warning.line, warning.message);
-  }
-  return marks;
-}
-
-std::string itemText(const Item& item, std::size_t column, const Marks& marks) {
-  const auto [begin, end] = marks.equal_range(item.line);
-  std::string text = fmt::format("  {} {:<{}}  {}\n", begin == end ? ' ' : '!', forTerminal(item.key), column,
-                                 valueOf(item));
-  for (auto mark = begin; mark != end; ++mark) {
-    text += fmt::format("    {:<{}}  ({})\n", "", column, mark->second);
-  }
-  return text;
-}
-
-std::string headOf(const Report& report, bool isCorrupt) {
-  return isCorrupt ? std::string("Corrupt script; what can be read of it:\n")
-                   : fmt::format("Report {}, registration {}\n", report.transmission.clientId,
-                                 inQuotes(report.transmission.registrationId));
 }
 
 }  // namespace
 
-std::string renderText(const Report& report, const std::vector<Warning>& marks, bool isCorrupt) {
-  const std::size_t column = keyColumn(report);
-  const Marks marked = byLine(marks);
-  std::string text = headOf(report, isCorrupt);
-  for (std::size_t section = 0; section < report.sections.size(); ++section) {
-    text += sectionTitle(report.sections[section]);
-    for (const Item& item : report.items) {
-      if (item.section == section) {
-        text += itemText(item, column, marked);
-      }
+std::string renderText(const std::vector<WrittenItem>& items,
+                       const std::map<std::size_t, std::string>& hazards) {
+  std::size_t column = 0;
+  for (const WrittenItem& item : items) {
+    column = std::min(std::max(column, forTerminal(item.key).size()), WIDEST_KEY_COLUMN);
+  }
+  std::vector<std::pair<std::string, std::string>> sections;
+  for (const WrittenItem& item : items) {
+    const std::string title =
+        fmt::format("\n  {} ({})\n", forTerminal(item.context), forTerminal(item.client));
+    auto section = std::find_if(sections.begin(), sections.end(),
+                                [&](const auto& known) { return known.first == title; });
+    if (section == sections.end()) {
+      section = sections.insert(section, {title, ""});
     }
+    const auto hazard = hazards.find(item.line);
+    const bool isHazard = hazard != hazards.end();
+    section->second +=
+        fmt::format("  {} {:<{}}  {}\n", isHazard ? '!' : ' ', forTerminal(item.key), column, valueOf(item));
+    if (isHazard) {
+      section->second += fmt::format("    {:<{}}  ({})\n", "", column, hazard->second);
+    }
+  }
+  std::string text;
+  for (const auto& [title, lines] : sections) {
+    text += title + lines;
   }
   return text;
 }

@@ -1,19 +1,20 @@
 #ifndef VESTRA_DESIGN_TOOL_TEXT_REPORT_H
 #define VESTRA_DESIGN_TOOL_TEXT_REPORT_H
 
+#include <map>
 #include <string>
 #include <vector>
 
-#include "design_tool/report/report.h"
+#include "reading/written_items.h"
 
 namespace vestra::design_tool {
 
-/// The report for a terminal: who, then each section with its items, keys and values in two columns.
+/// The items of a report for a terminal: each context with its items, keys and values in two columns.
 ///
-/// @param marks     what is to be said of items, by their lines: each such item gets a `!` and the words
-///                  below it
-/// @param isCorrupt whether the script ended in an error, so that its number is not known
-std::string renderText(const Report& report, const std::vector<Warning>& marks = {}, bool isCorrupt = false);
+/// @param hazards by their lines, why the interpreter does not read these items as they were written: each
+///                gets a `!` and the words below it
+std::string renderText(const std::vector<reading::WrittenItem>& items,
+                       const std::map<std::size_t, std::string>& hazards = {});
 
 }  // namespace vestra::design_tool
 

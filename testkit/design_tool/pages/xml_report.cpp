@@ -1,5 +1,7 @@
 #include "design_tool/pages/xml_report.h"
 
+#include <sstream>
+
 #include <fmt/format.h>
 #include <pugixml.hpp>
 
@@ -13,41 +15,27 @@ using reading::isXmlText;
 
 namespace {
 
-class StringWriter : public pugi::xml_writer {
- public:
-  void write(const void* data, std::size_t size) override {
-    text.append(static_cast<const char*>(data), size);
+/// The bytes as XML can hold them; the element says which of its parts are escaped.
+std::string held(pugi::xml_node element, const char* part, const std::string& bytes) {
+  if (isXmlText(bytes)) {
+    return bytes;
   }
-  std::string release() { return std::move(text); }
-
- private:
-  std::string text;
-};
-
-void markEscaped(pugi::xml_node element, const char* part) {
   pugi::xml_attribute mark = element.attribute("escaped");
   if (!mark) {
     mark = element.append_attribute("escaped");
   }
   const std::string marked = mark.value();
   mark.set_value((marked.empty() ? part : marked + " " + part).c_str());
+  return escapedForXml(bytes);
 }
 
 void addAttribute(pugi::xml_node element, const char* name, const std::string& bytes) {
-  const bool isText = isXmlText(bytes);
-  element.append_attribute(name).set_value(isText ? bytes.c_str() : escapedForXml(bytes).c_str());
-  if (!isText) {
-    markEscaped(element, name);
-  }
+  element.append_attribute(name).set_value(held(element, name, bytes).c_str());
 }
 
 void setContent(pugi::xml_node element, const std::string& bytes) {
-  const bool isText = isXmlText(bytes);
   if (!bytes.empty()) {
-    element.append_child(pugi::node_pcdata).set_value(isText ? bytes.c_str() : escapedForXml(bytes).c_str());
-  }
-  if (!isText) {
-    markEscaped(element, "text");
+    element.append_child(pugi::node_pcdata).set_value(held(element, "text", bytes).c_str());
   }
 }
 
@@ -95,9 +83,9 @@ std::string renderXml(const Report& report, const std::vector<Rule>& rules) {
   pugi::xml_document document;
   addDeclaration(document);
   addRoot(document, report, rules);
-  StringWriter writer;
-  document.save(writer, "  ", pugi::format_indent, pugi::encoding_utf8);
-  return writer.release();
+  std::ostringstream text;
+  document.save(text, "  ", pugi::format_indent, pugi::encoding_utf8);
+  return text.str();
 }
 
 }  // namespace vestra::design_tool

@@ -1,7 +1,6 @@
 #include "design_tool/report/report.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace vestra::design_tool {
 namespace {
@@ -27,13 +26,6 @@ std::string titleOf(const Report& report) {
 }
 
 std::string productOf(const Report& report) {
-  const std::string title = titleOf(report);
-  std::string product = title.substr(0, std::min(title.find(" Usage Report"), title.size()));
-  if (!product.empty() && product != title) {
-    std::transform(product.begin(), product.end(), product.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return product;
-  }
   const auto registered =
       std::find_if(report.registrations.begin(), report.registrations.end(),
                    [](const Registration& registration) { return registration.client != SHARED_CLIENT; });

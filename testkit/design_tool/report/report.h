@@ -58,8 +58,6 @@ struct Report {
   /// In order of the script.
   std::vector<Item> items;
   Transmission transmission;
-  /// What was noticed while the script ran; see also suspicionsAbout.
-  std::vector<Warning> warnings;
 };
 
 /// The first value that client "project" reported for `key`, an empty text where there is none.
@@ -69,8 +67,7 @@ std::string projectValue(const Report& report, const std::string& key);
 /// title as a whole, tags included.
 std::string titleOf(const Report& report);
 
-/// The word before " Usage Report" in the title, in lower case: "kelvo" or "tavlo". Where the title has none,
-/// the first registered client besides "project"; empty without one.
+/// The first registered client besides "project", "kelvo" or "tavlo"; empty without one.
 std::string productOf(const Report& report);
 
 }  // namespace vestra::design_tool

@@ -17,8 +17,6 @@ namespace {
 
 using libconfig::Setting;
 
-constexpr const char* BLANKS = " \t\r";
-
 std::size_t lineOf(const Setting& setting) { return setting.isRoot() ? 1 : setting.getSourceLine(); }
 
 class RulesReader {
@@ -31,8 +29,8 @@ class RulesReader {
     parse(config);
     const std::string version = textOf(config.getRoot(), "version");
     if (version != "1.0") {
-      failAtValue(config.lookup("version"),
-                  fmt::format("version {} is not known, only \"1.0\"", inQuotes(version)));
+      fail(lineOf(config.lookup("version")),
+           fmt::format("version {} is not known, only \"1.0\"", inQuotes(version)));
     }
     std::vector<Rule> rules;
     const Setting& clients = listOf(config.getRoot(), "clients");
@@ -48,26 +46,8 @@ class RulesReader {
   }
 
  private:
-  /// Marks the last place of `marked` on the line; without one, where the line's text begins.
-  [[noreturn]] void fail(std::size_t line, const std::string& message, const std::string& marked = "") const {
-    const std::string excerpt = lineText(line);
-    const std::size_t found = marked.empty() ? std::string::npos : excerpt.rfind(marked);
-    if (found != std::string::npos) {
-      throw DiagnosedError({file, line, message, excerpt, found, marked.size()});
-    }
-    throw DiagnosedError({file, line, message, excerpt, excerpt.find_first_not_of(BLANKS), 0});
-  }
-
-  [[noreturn]] void failAtValue(const Setting& setting, const std::string& message) const {
-    fail(lineOf(setting), message, '"' + std::string(setting.c_str()) + '"');
-  }
-
-  std::string lineText(std::size_t line) const {
-    std::istringstream lines(text);
-    std::string found;
-    for (std::size_t i = 0; i < line && std::getline(lines, found); ++i) {
-    }
-    return lines ? found : "";
+  [[noreturn]] void fail(std::size_t line, const std::string& message) const {
+    throw DiagnosedError(file, line, message);
   }
 
   /// libconfig would open the file that an include names, and would stop without an error at a NUL.
@@ -75,12 +55,12 @@ class RulesReader {
     std::istringstream lines(text);
     std::string line;
     for (std::size_t number = 1; std::getline(lines, line); ++number) {
-      const std::size_t begin = line.find_first_not_of(BLANKS);
+      const std::size_t begin = line.find_first_not_of(" \t\r");
       if (begin != std::string::npos && line.compare(begin, 8, "@include") == 0) {
-        fail(number, "@include is not supported", "@include");
+        fail(number, "@include is not supported");
       }
       if (line.find('\0') != std::string::npos) {
-        fail(number, "the rules hold a NUL byte", std::string(1, '\0'));
+        fail(number, "the rules hold a NUL byte");
       }
     }
   }
@@ -99,7 +79,7 @@ class RulesReader {
     }
     const Setting& setting = group[name];
     if (setting.getType() != type) {
-      fail(lineOf(setting), fmt::format("setting {} is not {}", name, kind), name);
+      fail(lineOf(setting), fmt::format("setting {} is not {}", name, kind));
     }
     return setting;
   }
@@ -125,12 +105,12 @@ class RulesReader {
     const std::string style = textOf(rule, "html_format");
     const bool isEnvironment = style == nameOf(HtmlStyle::UserEnvironment);
     if (!isEnvironment && style != nameOf(HtmlStyle::Statistics)) {
-      failAtValue(rule["html_format"], fmt::format("html_format {} is not known", inQuotes(style)));
+      fail(lineOf(rule["html_format"]), fmt::format("html_format {} is not known", inQuotes(style)));
     }
     const auto isSame = [&](const Rule& other) { return other.client == client && other.context == context; };
     if (std::any_of(before.begin(), before.end(), isSame)) {
-      failAtValue(rule["context"], fmt::format("client {} has another rule for context {} already",
-                                               inQuotes(client), inQuotes(context)));
+      fail(lineOf(rule["context"]), fmt::format("client {} has another rule for context {} already",
+                                                inQuotes(client), inQuotes(context)));
     }
     return {client, context, textOf(rule, "xml_map"), textOf(rule, "html_map"),
             isEnvironment ? HtmlStyle::UserEnvironment : HtmlStyle::Statistics};

@@ -1,15 +1,30 @@
 #ifndef VESTRA_DESIGN_TOOL_SCRIPT_PROTOCOL_H
 #define VESTRA_DESIGN_TOOL_SCRIPT_PROTOCOL_H
 
+#include <cstddef>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "design_tool/report/report.h"
-#include "design_tool/script/invocation.h"
 
 namespace vestra::design_tool {
+
+/// A call of one of the tool's commands, as the interpreter passed it.
+struct Invocation {
+  std::string command;
+  std::vector<std::string> arguments;
+  /// Where the command begins, counted from 1.
+  std::size_t line = 0;
+};
+
+/// A call that the protocol does not allow.
+class ProtocolError : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 /// The commands of a report script, in their order:
 ///
@@ -43,7 +58,6 @@ class Protocol {
   std::string complaintAbout(std::string_view command) const;
   void addData(const Invocation& invocation);
   void transmit(const Invocation& invocation);
-  std::size_t sectionOf(const std::string& client, const std::string& context, std::size_t line);
 
   Stage stage = Stage::Start;
   Report report;

@@ -101,7 +101,7 @@ TEST_F(DesignTool, GoesOnAfterWarnings) {
 TEST_F(DesignTool, StopsWarningAfterTwentyWithACount) {
   std::string lines;
   for (int i = 0; i < 30; ++i) {
-    lines += "vestra_register_client -client kelvo\n";
+    lines += addData("kelvo", "k" + std::to_string(i), "\\t", "kelvo\\\\usage");
   }
   insertLines(lines);
   run();
@@ -113,16 +113,13 @@ TEST_F(DesignTool, StopsWarningAfterTwentyWithACount) {
 TEST_F(DesignTool, WritesNothingForAWrongScriptOrWrongRules) {
   const std::string rules = readFile(wdmFile);
   writeFile(wdmFile, "version = \"1.0\";\nclients = 1\n;");
-  EXPECT_EQ(failure(), wdmFile + ":2: setting clients is not a list in parentheses\n" +
-                           "    clients = 1\n"
-                           "    ^~~~~~~\n");
+  EXPECT_EQ(failure(), wdmFile + ":2: setting clients is not a list in parentheses\n");
+
   std::remove(wdmFile.c_str());
   EXPECT_EQ(failure(), wdmFile + ": cannot be read: No such file or directory\n");
   writeFile(wdmFile, rules);
   writeFile(scriptFile, "vestra_terminate\n");
-  EXPECT_EQ(failure(), scriptFile + ":1: vestra_terminate comes before vestra_init\n" +
-                           "    vestra_terminate\n"
-                           "    ^~~~~~~~~~~~~~~~\n");
+  EXPECT_EQ(failure(), scriptFile + ":1: vestra_terminate comes before vestra_init\n");
   std::remove(scriptFile.c_str());
   EXPECT_EQ(failure(), scriptFile + ": cannot be read: No such file or directory\n");
   EXPECT_EQ(out.str(), "");

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include "design_tool/diagnosis/diagnostic.h"
 #include "design_tool/script/script_evaluation.h"
 
@@ -24,24 +26,23 @@ inline std::string scriptAround(const std::string& lines) {
          "vestra_terminate\n";
 }
 
-/// `LINE: MESSAGE @ MARKED TEXT`; "no error" when the action throws none.
+/// What is wrong with the file, `LINE: MESSAGE` or `MESSAGE`; "no error" when the action throws none.
 template <typename Action>
-std::string diagnosisOf(Action action) {
+std::string errorIn(const std::string& file, Action action) {
   try {
     action();
     return "no error";
   } catch (const DiagnosedError& error) {
-    const Diagnostic& diagnostic = error.diagnostic();
-    const std::string marked =
-        diagnostic.width == 0 ? "" : diagnostic.excerpt.substr(diagnostic.column, diagnostic.width);
-    return std::to_string(diagnostic.line) + ": " + diagnostic.message +
-           (marked.empty() ? "" : " @ " + marked);
+    const std::string text = error.what();
+    EXPECT_EQ(text.rfind(file + ":", 0), 0U) << text;
+    const std::size_t begin = file.size() + 1;
+    return text.substr(text[begin] == ' ' ? begin + 1 : begin);
   }
 }
 
-/// What is wrong with a script, as for diagnosisOf.
+/// What is wrong with a script.
 inline std::string errorOf(const std::string& script, int mostCommands = MOST_COMMANDS) {
-  return diagnosisOf([&] { evaluateScript("s.tcl", script, mostCommands); });
+  return errorIn("s.tcl", [&] { evaluateScript("s.tcl", script, mostCommands); });
 }
 
 /// Every byte but those that the interpreter reads in a value.

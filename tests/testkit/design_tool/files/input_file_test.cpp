@@ -12,7 +12,7 @@ namespace vestra::design_tool {
 namespace {
 
 std::string errorAt(const std::string& path) {
-  return diagnosisOf([&] { readRegularFile(path); });
+  return errorIn(path, [&] { readRegularFile(path); });
 }
 
 TEST(InputFile, IsReadWithAllItsBytes) {
@@ -25,10 +25,10 @@ TEST(InputFile, IsReadWithAllItsBytes) {
 TEST(InputFile, IsRefusedUnlessItIsRegular) {
   const vestra_test::TemporaryDirectory directory;
   ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
-  EXPECT_EQ(errorAt(directory / "pipe"), "0: is not a regular file");
-  EXPECT_EQ(errorAt("/dev/zero"), "0: is not a regular file");
-  EXPECT_EQ(errorAt(directory.path()), "0: is a directory, not a file");
-  EXPECT_EQ(errorAt(directory / "none"), "0: cannot be read: No such file or directory");
+  EXPECT_EQ(errorAt(directory / "pipe"), "is not a regular file");
+  EXPECT_EQ(errorAt("/dev/zero"), "is not a regular file");
+  EXPECT_EQ(errorAt(directory.path()), "is a directory, not a file");
+  EXPECT_EQ(errorAt(directory / "none"), "cannot be read: No such file or directory");
 }
 
 }  // namespace

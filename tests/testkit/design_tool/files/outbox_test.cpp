@@ -60,21 +60,22 @@ TEST_F(OutboxTest, MakesItsNamesPlainWords) {
 }
 
 TEST_F(OutboxTest, HasNoFolderOfAReportThatCannotBeWritten) {
-  const std::string error = diagnosisOf([&] {
+  const std::string error = errorIn(directory.path(), [&] {
     Outbox(directory.path()).keep("kelvo", {{"a", "1"}, {"missing/b", "2"}});
   });
-  EXPECT_EQ(error, "0: the outbox cannot be written: cannot be written: No such file or directory");
+  EXPECT_EQ(error, "the outbox cannot be written: " + (directory / ".0001-kelvo/missing/b") +
+                       ": cannot be written: No such file or directory");
   EXPECT_THAT(namesIn(directory.path()), IsEmpty());
 }
 
 TEST_F(OutboxTest, IsADirectoryThatStays) {
   vestra_test::writeFile(directory / "file", "");
-  EXPECT_EQ(diagnosisOf([&] { Outbox(directory / "file"); }),
-            "0: the outbox cannot be created: Not a directory");
+  EXPECT_EQ(errorIn(directory / "file", [&] { Outbox(directory / "file"); }),
+            "the outbox cannot be created: Not a directory");
   const Outbox outbox(directory / "outbox");
   boost::filesystem::remove(directory / "outbox");
-  EXPECT_EQ(diagnosisOf([&] { outbox.keep("kelvo", {}); }),
-            "0: the outbox cannot be written: No such file or directory");
+  EXPECT_EQ(errorIn(directory / "outbox", [&] { outbox.keep("kelvo", {}); }),
+            "the outbox cannot be written: No such file or directory");
 }
 
 TEST_F(OutboxTest, GivesEachOfManyReportsAtOnceItsNumber) {

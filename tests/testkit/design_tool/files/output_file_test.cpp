@@ -33,7 +33,7 @@ class OutputFile : public testing::Test {
   }
 
   std::string errorAt(const std::string& path) const {
-    return diagnosisOf([&] { checkOutput(path, root.path()); });
+    return errorIn(path, [&] { checkOutput(path, root.path()); });
   }
 
   const vestra_test::TemporaryDirectory root;
@@ -45,19 +45,19 @@ TEST_F(OutputFile, LiesBelowTheRootAndIsRegularOrAbsent) {
   boost::filesystem::create_symlink(root / "f", root / "link");
   boost::filesystem::create_symlink(root / "none", root / "dangling");
   ASSERT_EQ(::mkfifo((root / "pipe").c_str(), 0600), 0);
-  const std::string isOutside = "0: does not lie below the directory of vestra_init, \"" + root.path() + "\"";
-  const std::string isMissing = "0: cannot be written: No such file or directory";
+  const std::string isOutside = "does not lie below the directory of vestra_init, \"" + root.path() + "\"";
+  const std::string isMissing = "cannot be written: No such file or directory";
   const std::pair<std::string, std::string> rows[] = {
       {root / "new", "no error"},
       {root / "d/new", "no error"},
       {root / "way/new", "no error"},
       {root / "f", "no error"},
-      {root / "d", "0: is a directory, not a file"},
-      {root / "d/..", "0: is a directory, not a file"},
-      {root / "d/", "0: cannot be written: Is a directory"},
-      {root / "link", "0: is a link, which is not followed"},
-      {root / "dangling", "0: is a link, which is not followed"},
-      {root / "pipe", "0: is not a regular file"},
+      {root / "d", "is a directory, not a file"},
+      {root / "d/..", "is a directory, not a file"},
+      {root / "d/", "cannot be written: Is a directory"},
+      {root / "link", "is a link, which is not followed"},
+      {root / "dangling", "is a link, which is not followed"},
+      {root / "pipe", "is not a regular file"},
       {outside / "f", isOutside},
       {root / "../f", isOutside},
       {root.path() + "_sibling", isOutside},
@@ -74,7 +74,7 @@ TEST_F(OutputFile, MayBeRelativeAndItsRootALink) {
   const vestra_test::ScopedCurrentDirectory here(root.path());
   EXPECT_EQ(errorAt("new"), "no error");
   EXPECT_EQ(errorAt("./d/../new"), "no error");
-  EXPECT_EQ(diagnosisOf([] { checkOutput("d/new", "way/"); }), "no error");
+  EXPECT_EQ(errorIn("d/new", [] { checkOutput("d/new", "way/"); }), "no error");
   replaceFile("new", "text");
   EXPECT_EQ(readFile(root / "new"), "text");
 }
@@ -108,10 +108,11 @@ TEST_F(OutputFile, StaysAsItWasWhenItCannotBeWritten) {
   } restored;
   const struct rlimit small = {100, restored.limits.rlim_max};
   ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  EXPECT_EQ(diagnosisOf([&] { replaceFile(root / "f", std::string(200, 'a')); }),
-            "0: cannot be written: File too large");
+  EXPECT_EQ(errorIn(root / "f", [&] { replaceFile(root / "f", std::string(200, 'a')); }),
+            "cannot be written: File too large");
   EXPECT_EQ(readFile(root / "f"), "old");
-  EXPECT_EQ(diagnosisOf([&] { replaceFile(root / "d", "text"); }), "0: cannot be written: Is a directory");
+  EXPECT_EQ(errorIn(root / "d", [&] { replaceFile(root / "d", "text"); }),
+            "cannot be written: Is a directory");
   EXPECT_THAT(namesIn(root.path()), ElementsAre("d", "f", "way"));
 }
 

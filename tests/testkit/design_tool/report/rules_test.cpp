@@ -8,8 +8,8 @@
 namespace vestra::design_tool {
 namespace {
 
-std::string errorIn(const std::string& text) {
-  return diagnosisOf([&] { parseRules("r.wdm", text); });
+std::string errorOfRules(const std::string& text) {
+  return errorIn("r.wdm", [&] { parseRules("r.wdm", text); });
 }
 
 std::string rulesWith(const std::string& rule) {
@@ -33,9 +33,9 @@ TEST(Rules, AreRefusedWhereverTheyAreCut) {
   const std::string text = golden("usage_statistics_ext_kelvo.wdm");
   const std::size_t end = text.rfind(')') + 1;
   for (std::size_t length = 0; length < end; ++length) {
-    EXPECT_NE(errorIn(text.substr(0, length)), "no error") << length;
+    EXPECT_NE(errorOfRules(text.substr(0, length)), "no error") << length;
   }
-  EXPECT_EQ(errorIn(text.substr(0, end)), "no error");
+  EXPECT_EQ(errorOfRules(text.substr(0, end)), "no error");
 }
 
 TEST(Rules, AreRefusedWithTheLineThatIsWrong) {
@@ -46,25 +46,24 @@ TEST(Rules, AreRefusedWithTheLineThatIsWrong) {
       {"", "1: setting version is missing"},
       {version + "clients = (\n  oops\n);\n", "3: syntax error"},
       {"clients = ();\n", "1: setting version is missing"},
-      {"clients = ();\nversion = \"2.0\";\n", "2: version \"2.0\" is not known, only \"1.0\" @ \"2.0\""},
-      {"version = 1.0;\nclients = ();\n", "1: setting version is not a text in double quotes @ version"},
+      {"clients = ();\nversion = \"2.0\";\n", "2: version \"2.0\" is not known, only \"1.0\""},
+      {"version = 1.0;\nclients = ();\n", "1: setting version is not a text in double quotes"},
       {version, "1: setting clients is missing"},
-      {version + "clients = \"none\";\n", "2: setting clients is not a list in parentheses @ clients"},
+      {version + "clients = \"none\";\n", "2: setting clients is not a list in parentheses"},
       {version + "clients = (\n\"kelvo\");\n", "3: a client is not a group in braces"},
       {rulesWith("{ context = \"a\"; xml_map = \"a\"; html_format = \"UserEnvStyle\"; }"),
        "3: setting html_map is missing"},
       {rulesWith("{ context = \"a\"; xml_map = \"a\"; html_map = \"a\";\nhtml_format = \"Plain\"; }"),
-       "4: html_format \"Plain\" is not known @ \"Plain\""},
-      {rulesWith(rule + ",\n" + rule), "4: client \"c\" has another rule for context \"a\" already @ \"a\""},
+       "4: html_format \"Plain\" is not known"},
+      {rulesWith(rule + ",\n" + rule), "4: client \"c\" has another rule for context \"a\" already"},
       {rulesWith(""), "no error"},
       {"# @include is mentioned\n" + rulesWith(""), "no error"},
-      {version + "  @include \"/dev/zero\"\n", "2: @include is not supported @ @include"},
-      {version + "clients = ();\n" + std::string("\0 nonsense", 10),
-       "3: the rules hold a NUL byte @ " + std::string(1, '\0')},
+      {version + "  @include \"/dev/zero\"\n", "2: @include is not supported"},
+      {version + "clients = ();\n" + std::string("\0 nonsense", 10), "3: the rules hold a NUL byte"},
       {version + "clients = " + std::string(100'000, '(') + "\n", "2: memory exhausted"},
   };
   for (const auto& [text, error] : rows) {
-    EXPECT_EQ(errorIn(text), error) << text.substr(0, 200);
+    EXPECT_EQ(errorOfRules(text), error) << text.substr(0, 200);
   }
 }
 

@@ -25,20 +25,19 @@ TEST(Protocol, HasAnOrder) {
   expectErrors({
       {INIT + TRANSMIT + END, "no error"},
       {INIT + TRANSMIT + END + "\n# the end\n", "no error"},
-      {REGISTER, "1: vestra_register_client comes before vestra_init @ vestra_register_client"},
-      {"\n" + TRANSMIT, "2: vestra_transmit comes before vestra_init @ vestra_transmit"},
-      {INIT + INIT, "2: vestra_init is given twice @ vestra_init"},
-      {INIT + TRANSMIT + INIT, "3: vestra_init is given twice @ vestra_init"},
-      {INIT + TRANSMIT + TRANSMIT, "3: vestra_transmit is given twice @ vestra_transmit"},
-      {INIT + TRANSMIT + REGISTER,
-       "3: vestra_register_client comes after vestra_transmit @ vestra_register_client"},
-      {INIT + END, "2: vestra_terminate comes before vestra_transmit @ vestra_terminate"},
-      {INIT + TRANSMIT + END + "set a 1\n", "4: nothing may follow vestra_terminate @ set"},
+      {REGISTER, "1: vestra_register_client comes before vestra_init"},
+      {"\n" + TRANSMIT, "2: vestra_transmit comes before vestra_init"},
+      {INIT + INIT, "2: vestra_init is given twice"},
+      {INIT + TRANSMIT + INIT, "3: vestra_init is given twice"},
+      {INIT + TRANSMIT + TRANSMIT, "3: vestra_transmit is given twice"},
+      {INIT + TRANSMIT + REGISTER, "3: vestra_register_client comes after vestra_transmit"},
+      {INIT + END, "2: vestra_terminate comes before vestra_transmit"},
+      {INIT + TRANSMIT + END + "set a 1\n", "4: nothing may follow vestra_terminate"},
       {INIT + TRANSMIT + "if 1 {vestra_terminate; vestra_init}\n",
-       "3: vestra_init comes after vestra_terminate @ if"},
+       "3: vestra_init comes after vestra_terminate"},
       {"", "1: the script ends without vestra_init"},
       {"\n\n", "1: the script ends without vestra_init"},
-      {INIT + "# data\n\n", "2: the script ends without vestra_transmit"},
+      {INIT + "# data\n\n", "1: the script ends without vestra_transmit"},
       {INIT + TRANSMIT, "2: the script ends without vestra_terminate"},
   });
 }
@@ -48,33 +47,30 @@ TEST(Protocol, TakesEachOptionOnce) {
       {scriptAround("vestra_add_data -context c -value v -key k -client kelvo\n"), "no error"},
       {scriptAround(addData("kelvo", "-value", "v", "c")), "no error"},
       {INIT + "vestra_add_data -client kelvo -key runs -val \"2\" -context \"c\"\n",
-       "2: vestra_add_data: unknown option \"-val\"; it takes -client, -key, -value, -context @ -val"},
+       "2: vestra_add_data: unknown option \"-val\"; it takes -client, -key, -value, -context"},
       {INIT + "vestra_add_data -client kelvo -key runs -value \"2\"\n",
-       "2: vestra_add_data: option -context is missing @ vestra_add_data"},
-      {"vestra_init -vestra_dir\n", "1: vestra_init: option -vestra_dir has no value @ -vestra_dir"},
-      {"vestra_init -vestra_dir a -vestra_dir b\n",
-       "1: vestra_init: option -vestra_dir is given twice @ -vestra_dir"},
+       "2: vestra_add_data: option -context is missing"},
+      {"vestra_init -vestra_dir\n", "1: vestra_init: option -vestra_dir has no value"},
+      {"vestra_init -vestra_dir a -vestra_dir b\n", "1: vestra_init: option -vestra_dir is given twice"},
       {INIT + TRANSMIT + "vestra_terminate now\n",
-       "3: vestra_terminate: unexpected word \"now\"; it takes none @ now"},
+       "3: vestra_terminate: unexpected word \"now\"; it takes none"},
   });
   for (const std::string option : {"-clientid 1", "-regid R", "-xml x", "-html h", "-wdm w", "-intro I"}) {
     std::string transmit = TRANSMIT;
     transmit.erase(transmit.find(option), option.size());
     const std::string name = option.substr(0, option.find(' '));
-    expectErrors({{INIT + transmit, "2: vestra_transmit: option " + name + " is missing @ vestra_transmit"}});
+    expectErrors({{INIT + transmit, "2: vestra_transmit: option " + name + " is missing"}});
   }
 }
 
 TEST(Protocol, ExplainsWhatTheLibraryDoesNotQuote) {
   expectErrors({
       {"vestra_init -vestra_dir /home/u/my project/vestra/\n",
-       "1: vestra_init: unexpected word \"project/vestra/\"; a path with blanks reaches the script unquoted "
-       "@ project/vestra/"},
+       "1: vestra_init: unexpected word \"project/vestra/\"; a path with blanks reaches the script unquoted"},
       {scriptAround(addData("kelvo", "two words", "v", "c")),
-       "3: vestra_add_data: unexpected word \"words\"; a key with white space reaches the script unquoted "
-       "@ words"},
+       "3: vestra_add_data: unexpected word \"words\"; a key with white space reaches the script unquoted"},
       {scriptAround(addData("kelvo", "", "v", "c")),
-       "3: vestra_add_data: unexpected word \"v\"; -key took \"-value\" for its value @ \"v\""},
+       "3: vestra_add_data: unexpected word \"v\"; -key took \"-value\" for its value"},
   });
 }
 
@@ -88,7 +84,7 @@ TEST(Protocol, TakesAClientIdOf32Bits) {
        {"12a", "4294967296", "-1", "+1", "007", "1x", "0x10", "1.0", "99999999999999999999", "\"\""}) {
     const std::string quoted = wrong == "\"\"" ? wrong : "\"" + wrong + "\"";
     expectErrors({{transmitWith(wrong), "2: vestra_transmit: -clientid " + quoted +
-                                            " is no decimal number from 0 to 4294967295 @ " + wrong}});
+                                            " is no decimal number from 0 to 4294967295"}});
   }
 }
 
