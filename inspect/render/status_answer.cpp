@@ -139,6 +139,7 @@ void writeSwitches(const HostContext& context, Page& page) {
       2, fmt::format(
              "{}: {}", INTERNAL_VARIABLE,
              context.isSwitchedOn(INTERNAL_VARIABLE) ? "on: no report is marked as the maker's own" : "off"));
+  page.paragraph(2, "none turns reports off: see \"Stop it\" in Vestra's privacy page");
 }
 
 void writeFiles(const Facts& facts, Page& page) {

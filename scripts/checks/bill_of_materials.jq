@@ -23,12 +23,14 @@ def relation(from; kind; to): {
     package("boost-filesystem"; "Boost.Filesystem"; $boost; "BSL-1.0"; "NOASSERTION"),
     package("boost-headers"; "Boost's headers: Uuid, String Algorithms and what these include"; $boost;
       "BSL-1.0"; "NOASSERTION"),
+    ($parts[] | package(.name; .name; .version; .license; "NOASSERTION")),
     package("compiler"; "GCC"; $compiler; "GPL-3.0-or-later WITH GCC-exception-3.1"; "NOASSERTION")
   ],
   relationships: [
     relation("DOCUMENT"; "DESCRIBES"; "vestra"),
     relation("vestra"; "STATIC_LINK"; "boost-filesystem"),
     relation("vestra"; "CONTAINS"; "boost-headers"),
+    ($parts[] | relation("vestra"; .relation; .name)),
     relation("compiler"; "BUILD_TOOL_OF"; "vestra")
   ]
 }

@@ -38,6 +38,7 @@ TEST_F(Inspector, SaysOfAFreshMachineThatEverythingIsDue) {
                                                        "  TAVLO          due now\n"
                                                        "Only looked: nothing was changed or sent. "));
   EXPECT_THAT(status.out, HasSubstr("vestra-inspect list DIR"));
+  EXPECT_THAT(status.out, HasSubstr("none turns reports off"));
   EXPECT_FALSE(exists(place.project() + "/vestra"));
   EXPECT_FALSE(exists(place.home() + "/.Calvix"));
 }
