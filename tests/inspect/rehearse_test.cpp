@@ -337,8 +337,9 @@ INSTANTIATE_TEST_SUITE_P(
         Start{"WithPathInFront",
               R"(LD_LIBRARY_PATH=$1/support:$LD_LIBRARY_PATH "$0/items_host" "$1/project" KELVO runs 2)",
               false},
-        Start{"WithEnvironmentOfItsOwn",
-              R"(env -i LD_LIBRARY_PATH=$1/support "$0/items_host" "$1/project" KELVO runs 2)"},
+        Start{
+            "WithEnvironmentOfItsOwn",
+            R"(env -i $(env | grep ASAN_OPTIONS) LD_LIBRARY_PATH=$1/support "$0/items_host" "$1/project" KELVO runs 2)"},
         Start{"WithRpath", R"("$0/rpath_host" "$1/project" KELVO runs 2)", false},
         Start{"Opening", R"("$0/opening_host" "$0/statistics.so" "$1/project")"},
         Start{"OpeningDeeply", R"("$0/opening_host" "$0/statistics.so" "$1/project" deep)"},
