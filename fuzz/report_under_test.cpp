@@ -66,7 +66,7 @@ std::string scriptOf(const std::vector<Item>& items, const std::string& environm
 
 std::optional<vestra::design_tool::Report> reportOf(const std::string& script) {
   try {
-    return vestra::design_tool::evaluateScript("script", script, 100'000);
+    return vestra::design_tool::evaluateScript("script", script, 100'000, 1);
   } catch (const vestra::design_tool::DiagnosedError&) {
     return std::nullopt;
   }

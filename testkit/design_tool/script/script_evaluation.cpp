@@ -26,7 +26,7 @@ using Interpreter = std::unique_ptr<Tcl_Interp, InterpreterDeleter>;
 
 constexpr const char* BRACKET_HINT = "; a square bracket inside a value asks Tcl to run a command";
 
-Interpreter makeSafeInterpreter(int mostCommands) {
+Interpreter makeSafeInterpreter(int mostCommands, int mostSeconds) {
   static const bool isLibraryReady = (Tcl_FindExecutable(nullptr), true);
   Interpreter interpreter(isLibraryReady ? Tcl_CreateInterp() : nullptr);
   Tcl_MakeSafe(interpreter.get());
@@ -36,6 +36,11 @@ Interpreter makeSafeInterpreter(int mostCommands) {
   }
   Tcl_LimitSetCommands(interpreter.get(), mostCommands);
   Tcl_LimitTypeSet(interpreter.get(), TCL_LIMIT_COMMANDS);
+  Tcl_Time end;
+  Tcl_GetTime(&end);
+  end.sec += mostSeconds;
+  Tcl_LimitSetTime(interpreter.get(), &end);
+  Tcl_LimitTypeSet(interpreter.get(), TCL_LIMIT_TIME);
   return interpreter;
 }
 
@@ -64,8 +69,10 @@ const char* hintFor(int parseError) {
 /// One run of one script. No exception may pass through the interpreter, which calls back into this.
 class Evaluation {
  public:
-  Evaluation(const std::string& fileName, std::string_view bytes, int mostCommands)
-      : file(fileName), text(reading::toTclText(bytes)), interpreter(makeSafeInterpreter(mostCommands)) {
+  Evaluation(const std::string& fileName, std::string_view bytes, int mostCommands, int mostSeconds)
+      : file(fileName),
+        text(reading::toTclText(bytes)),
+        interpreter(makeSafeInterpreter(mostCommands, mostSeconds)) {
     for (const char* const name : Protocol::COMMANDS) {
       Tcl_CreateObjCommand(interpreter.get(), name, &onCommand, this, nullptr);
     }
@@ -133,7 +140,8 @@ class Evaluation {
       fail(*protocolError);
     }
     if (Tcl_LimitExceeded(interpreter.get())) {
-      fail("the script runs too many commands");
+      fail(Tcl_LimitTypeExceeded(interpreter.get(), TCL_LIMIT_TIME) ? "the script runs for too long"
+                                                                    : "the script runs too many commands");
     }
     if (status != TCL_OK) {
       fail(interpreterMessage({begin, static_cast<std::size_t>(size)}));
@@ -166,8 +174,8 @@ class Evaluation {
 
 }  // namespace
 
-Report evaluateScript(const std::string& file, std::string_view bytes, int mostCommands) {
-  return Evaluation(file, bytes, mostCommands).run();
+Report evaluateScript(const std::string& file, std::string_view bytes, int mostCommands, int mostSeconds) {
+  return Evaluation(file, bytes, mostCommands, mostSeconds).run();
 }
 
 }  // namespace vestra::design_tool

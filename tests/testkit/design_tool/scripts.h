@@ -41,8 +41,9 @@ std::string errorIn(const std::string& file, Action action) {
 }
 
 /// What is wrong with a script.
-inline std::string errorOf(const std::string& script, int mostCommands = MOST_COMMANDS) {
-  return errorIn("s.tcl", [&] { evaluateScript("s.tcl", script, mostCommands); });
+inline std::string errorOf(const std::string& script, int mostCommands = MOST_COMMANDS,
+                           int mostSeconds = MOST_SECONDS) {
+  return errorIn("s.tcl", [&] { evaluateScript("s.tcl", script, mostCommands, mostSeconds); });
 }
 
 /// Every byte but those that the interpreter reads in a value.

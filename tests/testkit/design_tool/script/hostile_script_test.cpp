@@ -46,6 +46,7 @@ TEST(HostileScript, EndsAtALimitThatItCannotCatch) {
   for (const auto& [script, error] : rows) {
     EXPECT_EQ(errorOf(script, 100'000).substr(0, std::string(error).size()), error);
   }
+  EXPECT_EQ(errorOf("catch {while 1 {}}\n", MOST_COMMANDS, 1), "1: the script runs for too long");
 }
 
 TEST(HostileScript, MayNestDeeply) {
