@@ -1,15 +1,16 @@
-# Boost, as the library links it: sets `vestra_boost` to the target to link.
+# Sets `vestra_boost` to the Boost target that the library links.
 #
-# Boost's names have no versions, so of two Boosts in one process the first that is
-# loaded answers for both. A host with another Boost than the library's crashes then,
-# unless the library keeps a Boost.Filesystem of its own that nobody else sees.
+# Boost's symbols have no versions: of two Boosts in one process, the one that is loaded first
+# serves both. A host with another Boost than the library's crashes then, unless the library
+# has a private, hidden Boost.Filesystem.
 option(VESTRA_PRIVATE_BOOST
-  "Keep Boost.Filesystem within the library, so that a host may have any Boost" OFF)
+  "Link a hidden Boost.Filesystem into the library, so that a host may have any Boost" OFF)
 set(VESTRA_BOOST_SOURCES "" CACHE PATH
-  "Where Boost's sources lie, of which a private Boost is made; without them, Boost's static library is linked")
+  "Boost's sources, from which a private Boost is compiled; if empty, Boost's static library is linked")
 
-# FindBoost, which knows a Boost that has no CMake package, is gone from new CMakes. Its
-# Boost_NO_BOOST_CMAKE keeps another Boost's package from being found in that one's place.
+# A Boost without a CMake package is found by CMake's module FindBoost, which newer CMakes keep
+# for old policies only (CMP0167). Boost_NO_BOOST_CMAKE skips packages, which may be another
+# Boost's.
 macro(vestra_find_boost)
   if(NOT Boost_NO_BOOST_CMAKE)
     find_package(Boost 1.64 CONFIG QUIET COMPONENTS filesystem)
@@ -22,7 +23,7 @@ macro(vestra_find_boost)
   endif()
 endmacro()
 
-# Debian's static library, for one, is made for programs only.
+# Debian's static library, for example, was compiled without -fPIC.
 function(vestra_check_that_shared_libraries_can_hold_boost)
   try_compile(VESTRA_STATIC_BOOST_IS_USABLE "${CMAKE_CURRENT_BINARY_DIR}/static_boost"
     "${PROJECT_SOURCE_DIR}/cmake/static_boost.cpp"
@@ -37,8 +38,8 @@ function(vestra_check_that_shared_libraries_can_hold_boost)
   endif()
 endfunction()
 
-# Either a release of Boost, with its headers in one folder, or Boost's source tree,
-# where each of its libraries has a folder of its own.
+# The sources are a release of Boost, with all headers in one folder, or Boost's source tree, with
+# a folder for each library.
 function(vestra_compile_boost sources)
   file(GLOB files CONFIGURE_DEPENDS "${sources}/libs/filesystem/src/*.cpp" "${sources}/libs/system/src/*.cpp")
   if(EXISTS "${sources}/boost/version.hpp")
@@ -54,7 +55,7 @@ function(vestra_compile_boost sources)
   target_compile_definitions(vestra_private_boost
     PUBLIC BOOST_ALL_NO_LIB
     PRIVATE BOOST_FILESYSTEM_SOURCE BOOST_FILESYSTEM_STATIC_LINK BOOST_SYSTEM_STATIC_LINK)
-  # Its warnings are its makers' affair.
+  # Warnings of Boost's own sources are not ours to fix.
   target_compile_options(vestra_private_boost PRIVATE -w)
   set_target_properties(vestra_private_boost PROPERTIES
     POSITION_INDEPENDENT_CODE ON
@@ -69,7 +70,7 @@ if(NOT VESTRA_PRIVATE_BOOST)
   vestra_find_boost()
   set(vestra_boost Boost::filesystem)
   message(STATUS "Vestra shares the system's Boost.Filesystem: a host with another Boost crashes. "
-    "VESTRA_PRIVATE_BOOST keeps it apart")
+    "VESTRA_PRIVATE_BOOST prevents that")
 elseif(VESTRA_BOOST_SOURCES)
   set(vestra_boost vestra_private_boost)
 else()

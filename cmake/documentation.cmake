@@ -1,6 +1,5 @@
-# The target `docs`: the reference of the public headers as HTML in
-# docs/html of the build folder. Only where Doxygen is found; never a part of
-# the ordinary build.
+# The target `docs`: the reference of the public headers, with the documents, as HTML in
+# docs/html of the build folder. Requires Doxygen. Not part of the ordinary build.
 find_package(Doxygen 1.9.4)
 if(DOXYGEN_FOUND)
   set(VESTRA_REFERENCE_DIR "${PROJECT_BINARY_DIR}/docs")

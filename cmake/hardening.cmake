@@ -9,8 +9,8 @@ check_pie_supported()
 check_cxx_compiler_flag(-fstack-protector-strong VESTRA_HAS_STACK_PROTECTOR)
 check_cxx_compiler_flag(-fcf-protection VESTRA_HAS_CONTROL_FLOW_PROTECTION)
 
-# _FORTIFY_SOURCE needs an optimising compiler. What the compiler or a distribution's flags
-# set already stands. A C library without level 3 warns of it.
+# _FORTIFY_SOURCE needs optimisation. A level that the compiler or a distribution's flags set is
+# kept. A C library without level 3 warns about it.
 function(vestra_check_fortify variable definition condition)
   set(CMAKE_REQUIRED_FLAGS "-O2 -Werror")
   set(CMAKE_REQUIRED_DEFINITIONS ${definition})
@@ -59,6 +59,6 @@ endfunction()
 
 vestra_harden_folder("${PROJECT_SOURCE_DIR}")
 
-# Where they lie, for the test that looks at them: one a line.
+# The paths of the shipped files, one a line, for the test that checks them.
 get_property(files GLOBAL PROPERTY VESTRA_SHIPPED_FILES)
 file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/shipped_files" CONTENT "${files}")

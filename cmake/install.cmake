@@ -1,7 +1,7 @@
 include(CMakePackageConfigHelpers)
 
-# Three components: what a host needs to run, what it needs to be built, and what its
-# developers test with.
+# The components runtime, development and testkit; inspect/CMakeLists.txt has the component
+# inspect.
 set(vestra_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/vestra")
 
 install(TARGETS vestra EXPORT vestra-targets
@@ -19,7 +19,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/vestra-config-version.cmake"
   DESTINATION "${vestra_package_dir}" COMPONENT development)
 
-# The module names its directories relative to itself, so that it may be moved.
+# vestra.pc names its directories relative to itself, so the installation may be moved.
 file(RELATIVE_PATH vestra_prefix_from_pc
   "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" vestra_prefix_from_pc "${vestra_prefix_from_pc}")

@@ -1,5 +1,5 @@
 # Renders a document as the body of an HTML page: headings, paragraphs, lists, tables, code blocks and, within a line,
-# code, bold text and links. Comments go. A link to another document becomes its text, since the page stands alone.
+# code, bold text and links. Drops comments. A link to another document becomes its text, because the page is shipped alone.
 
 function slug(title) {
   title = tolower(title)
@@ -19,7 +19,7 @@ function link(text, target) {
   return target ~ /^(#|https?:)/ ? "<a href=\"" target "\">" text "</a>" : text
 }
 
-# What stands within code is code alone.
+# Code is not rendered further.
 function inline(text,    html, part, middle) {
   html = ""
   while (match(text, /`[^`]+`|\*\*[^*]+\*\*|\[[^][]*\]\([^)]*\)/)) {

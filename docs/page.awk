@@ -1,6 +1,6 @@
-# Prepares a document as a page of the reference: comments go, headings get the anchors
-# that links to them use (Doxygen makes none before 1.9.8), and links lead to the pages of
-# the reference or, to files that are no part of it, nowhere.
+# Prepares a document as a page of the reference: drops comments, gives headings the anchors that
+# links use (Doxygen before 1.9.8 makes none), and points links to pages of the reference. A link to
+# a file that is not in the reference becomes its text.
 
 function slug(title) {
   title = tolower(title)

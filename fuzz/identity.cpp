@@ -1,4 +1,4 @@
-// The identity text: it is refused as no number, or what is read can be written and
+// The identity text: it is refused because of a number, or what is read can be written and
 // read again.
 
 #include <cstdint>

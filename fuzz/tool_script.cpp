@@ -1,5 +1,4 @@
-// Any bytes as the stand-in design tool's script: it is refused or reported, and what
-// is reported hangs together.
+// Any bytes as the stand-in design tool's script: it is refused, or reported consistently.
 
 #include <cstdint>
 

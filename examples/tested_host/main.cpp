@@ -1,3 +1,4 @@
+#include <exception>
 #include <iostream>
 
 #include <vestra/vestra.h>
@@ -9,6 +10,10 @@ int main(int argc, char** argv) {
     std::cerr << "usage: host PROJECT_DIRECTORY\n";
     return 1;
   }
-  reportUsage({"orb-200", "batch", 2});
-  std::cout << (Oza::Vestra::send(argv[1], Oza::Vestra::KELVO) ? "sent\n" : "not sent\n");
+  try {
+    reportUsage({"orb-200", "batch", 2});
+    std::cout << (Oza::Vestra::send(argv[1], Oza::Vestra::KELVO) ? "sent\n" : "not sent\n");
+  } catch (const std::exception& error) {
+    std::cerr << "no report: " << error.what() << '\n';
+  }
 }
