@@ -1,9 +1,10 @@
 # The unit tests drive the inner classes, so they link the library's objects. They
-# bring a clock, a domain name and a shell of their own, which are the real ones
-# except where a test sets them.
+# bring a clock, a domain name, a shell, and calls of files of their own, which are the
+# real ones except where a test sets them.
 add_test_program(unit_tests SOURCES
   support/interposed/clock.cpp
   support/interposed/domain_name.cpp
+  support/interposed/file_calls.cpp
   support/interposed/shell.cpp)
 # Its parameters have other names than those of the C library's header.
 set_source_files_properties(support/interposed/domain_name.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)

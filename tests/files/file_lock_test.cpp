@@ -6,10 +6,12 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 
 #include "support/child_process.h"
 #include "support/files.h"
+#include "support/interposed/file_calls.h"
 #include "support/lock_holder.h"
 #include "support/temporary_directory.h"
 #include "support/time_limit.h"
@@ -99,6 +101,41 @@ TEST_F(Lock, EndsWithItsProcessEvenWhenAForkedChildLivesOn) {
 TEST_F(Lock, IsNotTakenOfAFileThatIsNotOpen) {
   path = directory / "missing";
   EXPECT_FALSE(takes(LockKind::EXCLUSIVE));
+}
+
+// In the order of docs/operations.md, "Network file systems".
+TEST_F(Lock, IsNotTakenOnAFileSystemWhoseLocksMayBlock) {
+  const struct {
+    const char* name;
+    std::uint32_t type;
+  } rows[] = {
+      {"NFS", 0x6969},
+      {"SMB", 0x517B},
+      {"SMB 2", 0xFE534D42},
+      {"CIFS", 0xFF534D42},
+      {"NCP", 0x564C},
+      {"9P", 0x01021997},
+      {"AFS", 0x5346414F},
+      {"the kernel's AFS", 0x6B414653},
+      {"Coda", 0x73757245},
+      {"Ceph", 0x00C36400},
+      {"Lustre", 0x0BD00BD0},
+      {"GPFS", 0x47504653},
+      {"BeeGFS", 0x19830326},
+      {"OrangeFS", 0x20030528},
+      {"PanFS", 0xAAD7AAEA},
+      {"GFS2", 0x01161970},
+      {"OCFS2", 0x7461636F},
+      {"FUSE", 0x65735546},
+      {"shared folders of a virtual machine", 0x786F4256},
+      {"shared folders of another one", 0xBACBACBC},
+  };
+  for (const auto& row : rows) {
+    const vestra_test::ScopedFileSystem fileSystem(row.type);
+    EXPECT_FALSE(takes(LockKind::EXCLUSIVE)) << row.name;
+  }
+  const vestra_test::ScopedFileSystem ext4(0xEF53);
+  EXPECT_TRUE(takes(LockKind::EXCLUSIVE));
 }
 
 TEST_F(Lock, IsNotTakenOfADevice) {
