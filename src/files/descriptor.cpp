@@ -54,6 +54,7 @@ std::optional<std::string> Descriptor::read(std::size_t most) const {
   if (!isRegular()) {
     return std::nullopt;
   }
+  // NOMUTATE(text, boundary): each byte is overwritten or cut off; any length reads the same text.
   std::string text(std::min(static_cast<std::size_t>(statusAtOpening.st_size) + 1, most), '\0');
   std::size_t size = 0;
   for (;;) {
@@ -62,7 +63,7 @@ std::optional<std::string> Descriptor::read(std::size_t most) const {
     if (count < 0) {
       return std::nullopt;
     }
-    size += static_cast<std::size_t>(count);
+    size += static_cast<std::size_t>(count);  // NOMUTATE(order): unused after a failure.
     if (count == 0 || size < text.size() || size == most) {
       text.resize(size);
       return text;
@@ -84,7 +85,7 @@ void Descriptor::append(const std::string& text) const {
 void Descriptor::open(const std::string& path, int flags, mode_t mode) {
   number =
       uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); });
-  errorAtOpening = isOpen() ? 0 : errno;
+  errorAtOpening = isOpen() ? 0 : errno;  // NOMUTATE(order): fstat is for an open file.
   if (isOpen() && fstat(number, &statusAtOpening) != 0) {
     statusAtOpening = {};
   }

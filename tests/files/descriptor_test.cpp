@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
+#include <optional>
 #include <string>
 
 #include "support/files.h"
@@ -50,6 +51,10 @@ TEST_F(OpenFile, IsReadToItsPresentEndOrTheMostThatIsAskedFor) {
     std::ofstream(path, std::ios::app) << row.appended;
     EXPECT_EQ(file.read(row.most), row.text);
   }
+}
+
+TEST_F(OpenFile, HasNoTextWhenItIsADevice) {
+  EXPECT_EQ(Descriptor("/dev/null", O_RDONLY).read(), std::nullopt);
 }
 
 TEST_F(OpenFile, IsWrittenAtItsBeginning) {
