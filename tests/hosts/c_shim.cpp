@@ -1,5 +1,5 @@
-// What a host in C calls in Vestra's place, or one that finds functions by their names.
-// No exception passes through: -1 tells of one.
+// What a host in C, or one that finds functions by name, calls instead of Vestra. The functions
+// return -1 after an exception, because none may pass a C frame.
 #include <vestra/vestra.h>
 
 template <typename Call>
