@@ -21,8 +21,7 @@ add_subdirectory(handler)
 add_subdirectory(identity)
 add_subdirectory(interface)
 
-target_link_libraries(unit_tests PRIVATE
-  PkgConfig::LIBCONFIGXX PkgConfig::TCL ZLIB::ZLIB rapidcheck rapidcheck_gtest)
+target_link_libraries(unit_tests PRIVATE rapidcheck rapidcheck_gtest)
 
 foreach(tests unit_tests out_of_memory_tests first_use_tests first_use_thread_tests)
   target_link_libraries(${tests} PRIVATE vestra_objects)

@@ -1,12 +1,10 @@
 #include <vestra/vestra_data.h>
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <type_traits>
-#include <vector>
+
+#include "support/test.h"
 
 namespace Oza {
 namespace {
@@ -26,7 +24,7 @@ static_assert(std::has_virtual_destructor_v<VestraDataInterface>);
 static_assert(std::is_same_v<std::underlying_type_t<Vestra::SectionType>, std::uint32_t>);
 static_assert(std::is_same_v<std::underlying_type_t<Vestra::ProductType>, std::uint32_t>);
 
-TEST(Enumerations, EnumerationsHaveTheirNumbers) {
+TEST(Enumerations, HaveTheirNumbers) {
   EXPECT_EQ(Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE, 0U);
   EXPECT_EQ(Vestra::USER_ENVIRONMENT, 1U);
   EXPECT_EQ(Vestra::KELVO_COMMAND_LINE_OPTIONS, 2U);
@@ -48,22 +46,17 @@ Operation slot(VestraDataInterface* node, std::size_t position) {
   return (*reinterpret_cast<Operation**>(node))[position];
 }
 
-TEST(VirtualOperations, ItemsOperationsStandInTheirOrder) {
+TEST(VirtualOperations, StandInTheirOrder) {
   VestraParentData context("context", "client", true);
   VestraAddData item("k", "v", &context);
-  EXPECT_EQ(slot<TextOperation>(&item, 0)(&item),
-            "vestra_add_data -client client -key k -value \"v\" -context \"context\"\n");
-  EXPECT_EQ(slot<TextOperation>(&item, 1)(&item), "kvclientcontext");
-  EXPECT_EQ(slot<TextOperation>(&item, 2)(&item), "client");
-}
-
-TEST(VirtualOperations, ContextsOperationsStandInTheirOrder) {
-  VestraParentData context("context", "client", true);
   context.addChild(new VestraAddData("k", "v", &context));
-  EXPECT_EQ(slot<TextOperation>(&context, 0)(&context),
-            "vestra_add_data -client client -key k -value \"v\" -context \"context\"\n");
-  EXPECT_EQ(slot<TextOperation>(&context, 1)(&context), "kvclientcontext");
-  EXPECT_EQ(slot<TextOperation>(&context, 2)(&context), "client");
+  for (VestraDataInterface* node :
+       {static_cast<VestraDataInterface*>(&item), static_cast<VestraDataInterface*>(&context)}) {
+    EXPECT_EQ(slot<TextOperation>(node, 0)(node),
+              "vestra_add_data -client client -key k -value \"v\" -context \"context\"\n");
+    EXPECT_EQ(slot<TextOperation>(node, 1)(node), "kvclientcontext");
+    EXPECT_EQ(slot<TextOperation>(node, 2)(node), "client");
+  }
 }
 
 /// An item that notes its end.
@@ -76,7 +69,7 @@ class NotedItem : public VestraAddData {
   bool& ended;
 };
 
-TEST(VirtualOperations, VirtualOperationsEndWithTheDeletingDestructor) {
+TEST(VirtualOperations, EndWithTheDeletingDestructor) {
   VestraParentData context("context", "client", true);
   bool ended = false;
   VestraDataInterface* node = new NotedItem(&context, ended);
@@ -89,7 +82,7 @@ const Field& fieldAt(const void* object, std::size_t offset) {
   return *reinterpret_cast<const Field*>(static_cast<const char*>(object) + offset);
 }
 
-TEST(Fields, ContextsFieldsStandInTheirPlaces) {
+TEST(Fields, OfAContextStandInTheirPlaces) {
   VestraParentData context("context", "client", true);
   auto* child = new VestraAddData("k", "v", &context);
   context.addChild(child);
@@ -102,7 +95,7 @@ TEST(Fields, ContextsFieldsStandInTheirPlaces) {
             std::vector<VestraDataInterface*>{child});
 }
 
-TEST(Fields, ItemsFieldsStandInTheirPlaces) {
+TEST(Fields, OfAnItemStandInTheirPlaces) {
   VestraParentData context("context", "client", true);
   VestraAddData item("key", "value", &context);
   EXPECT_EQ(fieldAt<std::string>(&item, 8), "key");

@@ -1,10 +1,6 @@
 #include <vestra/vestra_data.h>
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
-#include <utility>
+#include "support/test.h"
 
 namespace Oza {
 namespace {

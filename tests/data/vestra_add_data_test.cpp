@@ -1,123 +1,60 @@
 #include <vestra/vestra_data.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include "support/test.h"
 
 namespace Oza {
 namespace {
 
-std::string lineOf(const std::string& key, const std::string& value) {
-  VestraParentData context("user_environment", "project", true);
-  return VestraAddData(key, value, &context).toTclString();
-}
-
-TEST(ItemLine, ProjectFactIsOneCommand) {
-  VestraParentData context("software_version_and_target_device", "project", true);
-  VestraAddData item("tool_flow", "kelvo_orbelo", &context);
-  EXPECT_EQ(item.toTclString(),
-            "vestra_add_data -client project -key tool_flow -value \"kelvo_orbelo\""
-            " -context \"software_version_and_target_device\"\n");
-}
-
-TEST(ItemLine, LineKeepsBothBackslashesOfAProductContext) {
-  VestraParentData context("kelvo\\\\usage", "kelvo", false);
-  VestraAddData item("runs", "2", &context);
-  EXPECT_EQ(item.toTclString(),
-            "vestra_add_data -client kelvo -key runs -value \"2\" -context \"kelvo\\\\usage\"\n");
-}
-
-TEST(ItemLine, EmptyValueStandsAsTwoQuotes) {
-  EXPECT_EQ(lineOf("k", ""),
-            "vestra_add_data -client project -key k -value \"\" -context \"user_environment\"\n");
-}
-
-TEST(ItemLine, EmptyKeyLeavesTwoBlanks) {
-  EXPECT_EQ(lineOf("", "v"),
-            "vestra_add_data -client project -key  -value \"v\" -context \"user_environment\"\n");
-}
-
-TEST(ItemLine, QuoteInTheValueIsWrittenUnbalanced) {
-  EXPECT_EQ(lineOf("k", "a\"b"),
-            "vestra_add_data -client project -key k -value \"a\"b\" -context \"user_environment\"\n");
-}
-
-TEST(ItemLine, LineFeedInTheValueSplitsTheCommand) {
-  EXPECT_EQ(lineOf("k", "one\ntwo"),
-            "vestra_add_data -client project -key k -value \"one\n"
-            "two\" -context \"user_environment\"\n");
-}
-
-TEST(ItemLine, LineEscapesNothing) {
-  EXPECT_EQ(lineOf("a b$c[d]", "\\ $x [y] {z} ;#"),
-            "vestra_add_data -client project -key a b$c[d] -value \"\\ $x [y] {z} ;#\""
-            " -context \"user_environment\"\n");
-}
-
-TEST(ItemLine, LineKeepsNulBytesAndBytesAbove127) {
-  using namespace std::string_literals;
-  EXPECT_EQ(lineOf("k\0\xff"s, "\x80\0v"s),
-            "vestra_add_data -client project -key k\0\xff -value \"\x80\0v\""
-            " -context \"user_environment\"\n"s);
-}
-
-TEST(ItemLine, LineKeepsAMegabyte) {
+TEST(Item, IsOneLineAndOneSegmentWithNothingEscaped) {
   const std::string megabyte(1048576, 'x');
-  EXPECT_EQ(lineOf("k", megabyte), "vestra_add_data -client project -key k -value \"" + megabyte +
-                                       "\" -context \"user_environment\"\n");
+  const struct {
+    const char* name;
+    std::string key;
+    std::string value;
+    std::string line;
+    std::string segment;
+  } rows[] = {
+      {"a project fact", "tool_flow", "kelvo_orbelo", "-key tool_flow -value \"kelvo_orbelo\"",
+       "tool_flowkelvo_orbelo"},
+      {"an empty value", "k", "", "-key k -value \"\"", "k"},
+      {"an empty key", "", "v", "-key  -value \"v\"", "v"},
+      {"a quote in the value", "k", "a\"b", "-key k -value \"a\"b\"", "ka\"b"},
+      {"a line feed in the value", "k", "one\ntwo", "-key k -value \"one\ntwo\"", "kone\ntwo"},
+      {"what an interpreter reads", "a b$c[d]", "\\\\ $x [y] {z} ;#",
+       "-key a b$c[d] -value \"\\\\ $x [y] {z} ;#\"", "a b$c[d]\\\\ $x [y] {z} ;#"},
+      {"any bytes", "k\0\xff"s, "\x80\0v"s, "-key k\0\xff -value \"\x80\0v\""s, "k\0\xff\x80\0v"s},
+      {"a megabyte", "k", megabyte, "-key k -value \"" + megabyte + "\"", "k" + megabyte},
+  };
+  VestraParentData context("user_environment", "project", true);
+  for (const auto& row : rows) {
+    VestraAddData item(row.key, row.value, &context);
+    EXPECT_TRUE(item.toTclString() ==
+                "vestra_add_data -client project " + row.line + " -context \"user_environment\"\n")
+        << row.name;
+    EXPECT_TRUE(item.toCRCSegment() == row.segment + "projectuser_environment") << row.name;
+  }
 }
 
-TEST(ItemLine, LineCarriesTheSuffixOfItsContext) {
+TEST(Item, HasTwoBackslashesOfItsContextInTheLineAndOneInTheSegment) {
   VestraParentData context("kelvo\\\\usage", "kelvo", false);
-  VestraAddData item("runs", "2", &context);
+  VestraAddData item("k", "v", &context);
+  EXPECT_EQ(item.toTclString(),
+            "vestra_add_data -client kelvo -key k -value \"v\" -context \"kelvo\\\\usage\"\n");
+  EXPECT_EQ(item.toCRCSegment(), "kvkelvokelvo\\usage");
   context.setVestraId("7");
   EXPECT_EQ(item.toTclString(),
-            "vestra_add_data -client kelvo -key runs -value \"2\" -context \"kelvo\\\\usage/7\"\n");
+            "vestra_add_data -client kelvo -key k -value \"v\" -context \"kelvo\\\\usage/7\"\n");
+  EXPECT_EQ(item.toCRCSegment(), "kvkelvokelvo\\usage/7");
 }
 
-TEST(ItemSegment, SegmentRunsItsPartsTogether) {
-  VestraParentData context("software_version_and_target_device", "project", true);
-  VestraAddData item("tool_flow", "kelvo_orbelo", &context);
-  EXPECT_EQ(item.toCRCSegment(), "tool_flowkelvo_orbeloprojectsoftware_version_and_target_device");
-}
-
-TEST(ItemSegment, SegmentHasTheContextWithOneBackslash) {
-  VestraParentData context("kelvo\\\\usage", "kelvo", false);
-  EXPECT_EQ(VestraAddData("k", "v", &context).toCRCSegment(), "kvkelvokelvo\\usage");
-}
-
-TEST(ItemSegment, SegmentHasTheContextsSuffix) {
-  VestraParentData context("kelvo\\\\usage", "kelvo", false);
-  context.setVestraId("7");
-  EXPECT_EQ(VestraAddData("k", "v", &context).toCRCSegment(), "kvkelvokelvo\\usage/7");
-}
-
-TEST(ItemSegment, SegmentLeavesBackslashesOfKeyAndValueAlone) {
-  VestraParentData context("user_environment", "project", true);
-  EXPECT_EQ(VestraAddData("k\\\\", "v\\\\", &context).toCRCSegment(), "k\\\\v\\\\projectuser_environment");
-}
-
-TEST(ItemSegment, SegmentDoesNotTellWhereTheKeyEnds) {
-  VestraParentData context("user_environment", "project", true);
-  EXPECT_EQ(VestraAddData("ab", "c", &context).toCRCSegment(), "abcprojectuser_environment");
-  EXPECT_EQ(VestraAddData("a", "bc", &context).toCRCSegment(), "abcprojectuser_environment");
-}
-
-TEST(Item, ItemHasTheClientOfItsContext) {
-  VestraParentData kelvo("kelvo\\\\usage", "kelvo", false);
-  VestraParentData project("user_environment", "project", true);
-  EXPECT_EQ(VestraAddData("k", "v", &kelvo).getClient(), "kelvo");
-  EXPECT_EQ(VestraAddData("k", "v", &project).getClient(), "project");
-}
-
-/// A context that answers another client than it was made with.
+/// A context that gives another client than it was made with.
 class RenamedContext : public VestraParentData {
  public:
   using VestraParentData::VestraParentData;
   std::string getClient() override { return "renamed"; }
 };
 
-TEST(Item, ItemAsksItsContextForTheClientEachTime) {
+TEST(Item, AsksItsContextForTheClientEachTime) {
   RenamedContext context("c", "p", true);
   VestraAddData item("k", "v", &context);
   EXPECT_EQ(item.getClient(), "renamed");
@@ -125,13 +62,7 @@ TEST(Item, ItemAsksItsContextForTheClientEachTime) {
   EXPECT_EQ(item.toCRCSegment(), "kvrenamedc");
 }
 
-TEST(Item, ItemIsNotFiledByItsConstructor) {
-  VestraParentData context("c", "p", true);
-  VestraAddData item("k", "v", &context);
-  EXPECT_EQ(context.toTclString(), "");
-}
-
-TEST(Item, ItemLeavesItsContextUntouchedWhenItEnds) {
+TEST(Item, IsNotFiledByItsConstructorAndLeavesItsContextUntouchedAtItsEnd) {
   VestraParentData context("c", "p", true);
   context.addChild(new VestraAddData("kept", "1", &context));
   delete new VestraAddData("gone", "2", &context);

@@ -6,11 +6,9 @@
 
 #include <cstdlib>
 
-#include <gmock/gmock.h>
-#include <vestra/testkit/sandbox.h>
 #include <boost/filesystem.hpp>
 
-#include "support/files.h"
+#include "support/scenario/scenario.h"
 #include "support/scoped_env.h"
 #include "support/temporary_directory.h"
 
@@ -19,12 +17,8 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 /// A program in a home and a project of its own.
-class Host : public testing::Test {
+class Host : public Test {
  protected:
   struct End {
     int status = 0;
@@ -46,9 +40,7 @@ class Host : public testing::Test {
   }
 
   std::string project() const { return directory / "project"; }
-  static std::string supportDirectory() {
-    return fs::path(vestra::testkit::supportLibraryPath()).parent_path().string();
-  }
+  static std::string supportDirectory() { return fs::path(supportLibraryPath()).parent_path().string(); }
 
   TemporaryDirectory directory;
   ScopedEnv home;
@@ -56,7 +48,7 @@ class Host : public testing::Test {
   ScopedEnv debug{"CALVIX_VESTRA_DEBUG_EXT", std::nullopt};
 };
 
-TEST_F(Host, SupportLibraryIsFoundByTheLoadersPath) {
+TEST_F(Host, FindsTheSupportLibraryByTheLoadersPath) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(SIMULATOR, project());
   EXPECT_EQ(end.status, 0);
@@ -67,7 +59,7 @@ TEST_F(Host, SupportLibraryIsFoundByTheLoadersPath) {
   EXPECT_THAT(start(SIMULATOR, project()).output, "simulator: no report today\n");
 }
 
-TEST_F(Host, LabToolFindsTheToolsOutputInTheLog) {
+TEST_F(Host, OfTheLabToolHasTheToolsOutputInTheLog) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(LAB_TOOL, project());
   EXPECT_EQ(end.output,
@@ -75,7 +67,7 @@ TEST_F(Host, LabToolFindsTheToolsOutputInTheLog) {
   EXPECT_THAT(readFile(project() + "/vestra/tavlo_vestra.log"), HasSubstr("vestra-design-tool: "));
 }
 
-TEST_F(Host, MissingSupportLibrarySendsNothingAndKeepsTheRules) {
+TEST_F(Host, WithoutASupportLibrarySendsNothingAndKeepsTheRules) {
   const ScopedEnv path("LD_LIBRARY_PATH", std::nullopt);
   const End end = start(SIMULATOR, project());
   EXPECT_EQ(end.status, 0);
@@ -96,7 +88,7 @@ TEST_F(Host, OutlivesASupportLibraryWithoutAnAnswer) {
   }
 }
 
-TEST_F(Host, HostWithoutACallLeavesNoTrace) {
+TEST_F(Host, WithoutACallLeavesNoTrace) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const End end = start(SIMULATOR, "");
   EXPECT_EQ(WEXITSTATUS(end.status), 1);
@@ -104,7 +96,7 @@ TEST_F(Host, HostWithoutACallLeavesNoTrace) {
   EXPECT_THAT(namesIn(project()), IsEmpty());
 }
 
-TEST_F(Host, BlankInTheProjectsNameSplitsTheCommandLine) {
+TEST_F(Host, WithABlankInTheProjectsNameHasASplitCommandLine) {
   const ScopedEnv path("LD_LIBRARY_PATH", supportDirectory());
   const std::string blank = directory / "my project";
   fs::create_directory(blank);
@@ -113,7 +105,7 @@ TEST_F(Host, BlankInTheProjectsNameSplitsTheCommandLine) {
   EXPECT_THAT(namesIn(blank + "/vestra"), ElementsAre(".kelvo_vestrra.info"));
 }
 
-TEST_F(Host, MakersNetworkMarksTheReportAsATest) {
+TEST_F(Host, InTheMakersNetworkMarksTheReportAsATest) {
   // Needs a host name of its own: only root may make one.
   if (start("unshare --uts", "true").status != 0) {
     GTEST_SKIP() << "no namespace for the domain name can be made here";
@@ -128,9 +120,9 @@ TEST_F(Host, MakersNetworkMarksTheReportAsATest) {
           "");
     return readFile(project() + "/vestra/kelvo_vestra.tcl");
   };
-  EXPECT_THAT(startThere(""), HasSubstr(" -regid \"VESTRA_TEST_KELVO_stand-in-registration\" "));
-  EXPECT_THAT(startThere("CALVIX_VESTRA_INTERNAL_TRANSMIT= "),
-              HasSubstr(" -regid \"VESTRA_TEST_KELVO_stand-in-registration\" "));
+  const std::string marked = " -regid \"VESTRA_TEST_KELVO_stand-in-registration\" ";
+  EXPECT_THAT(startThere(""), HasSubstr(marked));
+  EXPECT_THAT(startThere("CALVIX_VESTRA_INTERNAL_TRANSMIT= "), HasSubstr(marked));
   EXPECT_THAT(startThere("CALVIX_VESTRA_INTERNAL_TRANSMIT=0 "),
               HasSubstr(" -regid \"stand-in-registration\" "));
 }

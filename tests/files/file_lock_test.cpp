@@ -1,31 +1,24 @@
 #include "files/file_lock.h"
 
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdint>
-#include <string>
 
-#include "support/child_process.h"
-#include "support/files.h"
+#include "support/file_holders.h"
 #include "support/interposed/file_calls.h"
-#include "support/lock_holder.h"
-#include "support/temporary_directory.h"
-#include "support/time_limit.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-using vestra_test::LockHolder;
 
-class Lock : public testing::Test {
+class Lock : public Test {
  protected:
-  Lock() { vestra_test::writeFile(path, "text"); }
+  Lock() { writeFile(path, "text"); }
 
   bool takes(LockKind kind) {
     const Descriptor file(path, O_RDWR);
@@ -33,14 +26,13 @@ class Lock : public testing::Test {
   }
 
   bool anotherProcessTakesIt() {
-    return vestra_test::inChildProcess([&] { return takes(LockKind::EXCLUSIVE) ? "true" : "false"; }) ==
-           "true";
+    return inChildProcess([&] { return takes(LockKind::EXCLUSIVE) ? "true" : "false"; }) == "true";
   }
 
-  vestra_test::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   std::string path = directory / "file";
   TimeBudget timeBudget;
-  vestra_test::TimeLimit limit;
+  TimeLimit limit;
 };
 
 TEST_F(Lock, OfAFreeFileIsTakenAtOnce) { EXPECT_TRUE(takes(LockKind::EXCLUSIVE)); }
@@ -131,10 +123,10 @@ TEST_F(Lock, IsNotTakenOnAFileSystemWhoseLocksMayBlock) {
       {"shared folders of another one", 0xBACBACBC},
   };
   for (const auto& row : rows) {
-    const vestra_test::ScopedFileSystem fileSystem(row.type);
+    const ScopedFileSystem fileSystem(row.type);
     EXPECT_FALSE(takes(LockKind::EXCLUSIVE)) << row.name;
   }
-  const vestra_test::ScopedFileSystem ext4(0xEF53);
+  const ScopedFileSystem ext4(0xEF53);
   EXPECT_TRUE(takes(LockKind::EXCLUSIVE));
 }
 

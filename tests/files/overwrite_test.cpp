@@ -1,25 +1,16 @@
 #include "files/overwrite.h"
 
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 
 #include <cerrno>
-#include <string>
 
 #include "files/sigxfsz_guard.h"
-#include "support/child_process.h"
-#include "support/failing_system_call.h"
-#include "support/files.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::readFile;
-using vestra_test::writeFile;
 
 /// The process's limit of file sizes, for a while.
 class ScopedFileSizeLimit {
@@ -37,7 +28,7 @@ class ScopedFileSizeLimit {
   rlimit before{};
 };
 
-class OverwrittenFile : public testing::Test {
+class OverwrittenFile : public Test {
  protected:
   /// What a file that held one text holds after another was written.
   std::string overwritten(const std::string& before, const std::string& text) {
@@ -47,7 +38,7 @@ class OverwrittenFile : public testing::Test {
     return readFile(path);
   }
 
-  vestra_test::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   std::string path = directory / "file";
 };
 
@@ -79,11 +70,11 @@ TEST_F(OverwrittenFile, TakesATextThatIsAsLongAsTheSizeLimit) {
 
 TEST_F(OverwrittenFile, GetsTheOldTextBackAfterAShortWrite) {
   writeFile(path, "old");
-  const std::string outcome = vestra_test::inChildProcess([&] {
+  const std::string outcome = inChildProcess([&] {
     const SigxfszGuard guard;
     const ScopedFileSizeLimit four(4);
     // Asking for the limit fails, which passes no new one.
-    vestra_test::failSystemCall(SYS_prlimit64, EPERM, 0);
+    failSystemCall(SYS_prlimit64, EPERM, 0);
     return overwrite(Descriptor(path, O_RDWR), "old", "new text") ? "written" : "put back";
   });
   EXPECT_EQ(outcome, "put back");

@@ -1,8 +1,8 @@
 #include "files/path_text.h"
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
+
+#include "support/test.h"
 
 namespace Oza {
 namespace {

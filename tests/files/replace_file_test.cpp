@@ -1,7 +1,5 @@
 #include "files/replace_file.h"
 
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -14,31 +12,12 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "reliability/sanitized.h"
-#include "support/child_process.h"
-#include "support/failing_system_call.h"
-#include "support/files.h"
-#include "support/special_files.h"
-#include "support/temporary_directory.h"
-#include "support/time_limit.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::asOrdinaryUser;
-using vestra_test::dateFile;
-using vestra_test::failSystemCall;
-using vestra_test::inChildProcess;
-using vestra_test::makeLink;
-using vestra_test::makeNamedPipe;
-using vestra_test::namesIn;
-using vestra_test::readFile;
-using vestra_test::ScopedMode;
-using vestra_test::writeFile;
 
 struct stat statusOfFile(const std::string& path) {
   struct stat status {};
@@ -99,7 +78,7 @@ bool lease(const std::string& path) {
   return fcntl(holder, F_SETLEASE, F_RDLCK) == 0;
 }
 
-class ReplacedFile : public testing::Test {
+class ReplacedFile : public Test {
  protected:
   void SetUp() override { writeFile(file(), "old text"); }
 
@@ -123,8 +102,8 @@ class ReplacedFile : public testing::Test {
     });
   }
 
-  vestra_test::TemporaryDirectory directory;
-  vestra_test::TimeLimit limit;
+  TemporaryDirectory directory;
+  TimeLimit limit;
 };
 
 TEST_F(ReplacedFile, IsMadeWithThePermissionsThatTheProcessGives) {
@@ -163,7 +142,7 @@ TEST_F(ReplacedFile, IsRenamedOverOrWrittenInPlaceAndKeepsItsPermissions) {
        },
        "written in place"},
       // The sanitizers open pipes to look at memory.
-      {"where one descriptor is left", [] { leaveDescriptors(vestra_test::SANITIZED ? 4 : 1); }, "renamed"},
+      {"where one descriptor is left", [] { leaveDescriptors(SANITIZED ? 4 : 1); }, "renamed"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.old);
@@ -359,7 +338,7 @@ TEST_F(ReplacedFileOfAnotherOwner, IsWrittenInPlaceOrLeftWhereItCannotBeRenamedO
       {0755, 0666, "written in place"},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << std::oct << row.directory << " " << row.file);
+    SCOPED_TRACE(Message() << std::oct << row.directory << " " << row.file);
     writeFile(file(), "old text");
     chmod(directory.path().c_str(), row.directory);
     chmod(file().c_str(), row.file);
@@ -388,7 +367,7 @@ TEST_F(ReplacedFile, StaysANamedPipe) {
 }
 
 TEST(FileHolds, ItsTextAndNoOther) {
-  const vestra_test::TemporaryDirectory directory;
+  const TemporaryDirectory directory;
   const std::string file = directory / "file";
   EXPECT_FALSE(fileHolds(file, ""));
   writeFile(file, "text");
@@ -400,7 +379,7 @@ TEST(FileHolds, ItsTextAndNoOther) {
 
 // More than there is memory.
 TEST(FileHolds, NoShortTextWhenItIsLarge) {
-  const vestra_test::TemporaryDirectory directory;
+  const TemporaryDirectory directory;
   writeFile(directory / "file", "text");
   ASSERT_EQ(truncate((directory / "file").c_str(), off_t{1} << 40), 0);
   EXPECT_FALSE(fileHolds(directory / "file", "text"));

@@ -1,23 +1,17 @@
 #include "files/sigxfsz_guard.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <functional>
-#include <string>
 
-#include "support/child_process.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::inChildProcess;
 
 bool isBlocked() {
   sigset_t mask;
@@ -43,7 +37,7 @@ std::string state() {
 }
 
 /// In a process of its own, since the signal ends it.
-class Sigxfsz : public testing::Test {
+class Sigxfsz : public Test {
  protected:
   std::string writeBeyondTheLimit() const {
     const int file = open((directory / "file").c_str(), O_WRONLY | O_CREAT, 0600);
@@ -63,7 +57,7 @@ class Sigxfsz : public testing::Test {
     return writeBeyondTheLimit();
   }
 
-  vestra_test::TemporaryDirectory directory;
+  TemporaryDirectory directory;
 };
 
 TEST_F(Sigxfsz, EndsTheProcessWithoutAGuard) {

@@ -1,33 +1,17 @@
 #include "files/temporary_file.h"
 
-#include <gmock/gmock.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <ctime>
-#include <string>
-#include <vector>
 
-#include "support/child_process.h"
-#include "support/files.h"
-#include "support/special_files.h"
-#include "support/temporary_directory.h"
-#include "support/time_limit.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::MatchesRegex;
-using testing::SizeIs;
-using vestra_test::namesIn;
-using vestra_test::readFile;
-using vestra_test::writeFile;
-
-class TemporaryFileTest : public testing::Test {
+class TemporaryFileTest : public Test {
  protected:
   static std::string prefix() { return ".vestra-" + std::to_string(getpid()) + "-"; }
 
@@ -44,9 +28,9 @@ class TemporaryFileTest : public testing::Test {
     }
   }
 
-  vestra_test::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   std::string target = directory / "file";
-  vestra_test::TimeLimit limit;
+  TimeLimit limit;
 };
 
 TEST_F(TemporaryFileTest, HasANameOfProcessAndCounterUntilItIsRenamed) {
@@ -91,21 +75,21 @@ TEST_F(TemporaryFileTest, IsNotMadeInAMissingDirectory) {
   EXPECT_FALSE(temporary.renameToTarget());
 }
 
-class StaleFile : public testing::Test {
+class StaleFile : public Test {
  protected:
   static constexpr std::time_t NOW = 1'800'000'000;
 
   void date(const std::string& name, std::time_t age) const {
-    vestra_test::dateFile(directory / name, std::chrono::system_clock::from_time_t(NOW - age));
+    dateFile(directory / name, std::chrono::system_clock::from_time_t(NOW - age));
   }
 
   bool isRemoved(const std::string& name, std::time_t age) const {
     date(name, age);
     removeStaleTemporaryFiles(directory / "", NOW);
-    return !vestra_test::exists(directory / name);
+    return !exists(directory / name);
   }
 
-  vestra_test::TemporaryDirectory directory;
+  TemporaryDirectory directory;
 };
 
 TEST_F(StaleFile, IsOneOfMoreThanAnHour) {
@@ -142,10 +126,10 @@ TEST_F(StaleFile, HasExactlyATemporaryName) {
 TEST_F(StaleFile, IsARegularFile) {
   writeFile(directory / "target", "");
   date("target", 4000);
-  vestra_test::makeLink(directory / ".vestra-1-1.new", "target");
-  vestra_test::makeNamedPipe(directory / ".vestra-1-2.new");
-  vestra_test::makeDirectory(directory / ".vestra-1-3.new");
-  vestra_test::makeSocket(directory / ".vestra-1-4.new");
+  makeLink(directory / ".vestra-1-1.new", "target");
+  makeNamedPipe(directory / ".vestra-1-2.new");
+  makeDirectory(directory / ".vestra-1-3.new");
+  makeSocket(directory / ".vestra-1-4.new");
   for (const char* name : {".vestra-1-1.new", ".vestra-1-2.new", ".vestra-1-3.new", ".vestra-1-4.new"}) {
     EXPECT_FALSE(isRemoved(name, 4000)) << name;
   }

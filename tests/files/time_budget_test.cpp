@@ -1,15 +1,12 @@
 #include "files/time_budget.h"
 
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <ctime>
-#include <string>
 
-#include "support/child_process.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
@@ -40,7 +37,7 @@ TEST(TimeBudget, LastsAQuarterOfASecond) { EXPECT_GE(used(), milliseconds(250));
 
 // Closer than the timer's slack, which is 50 us.
 TEST(TimeBudget, FrequentSignalsNeitherProlongNorShortenIt) {
-  const std::string time = vestra_test::inChildProcess([] {
+  const std::string time = inChildProcess([] {
     alarm(60);
     sendSignals(std::chrono::microseconds(20));
     return std::to_string(used().count());

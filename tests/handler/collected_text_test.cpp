@@ -1,16 +1,12 @@
-#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <array>
 #include <memory>
-#include <stdexcept>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "data/contexts.h"
 #include "handler/report_script.h"
+#include "support/test.h"
 #include "support/zlib_crc32.h"
 
 namespace Oza {
@@ -211,7 +207,7 @@ RC_GTEST_PROP(CollectedText, IsThatOfEachNodeByItself, (const std::vector<Node>&
   const CollectedText text = contexts.text();
   RC_ASSERT(text.lines == reference.lines());
   const std::string checksumText = reference.checksumText();
-  RC_ASSERT(text.checksum.value() == vestra_test::zlibCrc32(checksumText.substr(0, checksumText.find('\0'))));
+  RC_ASSERT(text.checksum.value() == zlibCrc32(checksumText.substr(0, checksumText.find('\0'))));
 }
 
 }  // namespace

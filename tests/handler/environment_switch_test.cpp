@@ -1,12 +1,6 @@
 #include "handler/environment_switch.h"
 
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-#include <utility>
-
-#include "support/scoped_env.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
@@ -15,7 +9,7 @@ TEST(EnvironmentSwitch, IsOnWithAnyTextButTheEmptyOne) {
   const std::pair<std::optional<std::string>, bool> rows[] = {
       {std::nullopt, false}, {"1", true}, {"", false}, {"0", true}, {"false", true}, {" ", true}};
   for (const auto& [value, isOn] : rows) {
-    const vestra_test::ScopedEnv variable("VESTRA_TEST_SWITCH", value);
+    const ScopedEnv variable("VESTRA_TEST_SWITCH", value);
     EXPECT_EQ(isSwitchedOn("VESTRA_TEST_SWITCH"), isOn) << value.value_or("unset");
   }
 }

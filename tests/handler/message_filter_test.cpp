@@ -1,29 +1,13 @@
-#include <gtest/gtest.h>
-
 #include <boost/filesystem/exception.hpp>
 
-#include <string>
-
 #include "handler/vestra_handler.h"
-#include "support/child_process.h"
-#include "support/files.h"
-#include "support/special_files.h"
-#include "support/temporary_directory.h"
-#include "support/time_limit.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
 
-using vestra_test::exists;
-using vestra_test::makeDirectory;
-using vestra_test::makeLink;
-using vestra_test::makeNamedPipe;
-using vestra_test::makeSocket;
-using vestra_test::readFile;
-using vestra_test::writeFile;
-
 /// A lab tool's handler; what stands at its log's path is up to the test.
-class MessageFilter : public testing::Test {
+class MessageFilter : public Test {
  protected:
   MessageFilter() {
     handler.setProjectDirectory(project.path());
@@ -37,9 +21,9 @@ class MessageFilter : public testing::Test {
     EXPECT_FALSE(exists(log()));
   }
 
-  vestra_test::TemporaryDirectory project;
+  TemporaryDirectory project;
   VestraHandler handler;
-  vestra_test::TimeLimit limit;
+  TimeLimit limit;
 };
 
 TEST_F(MessageFilter, OfTheSimulatorIsEmptyAndLeavesTheLog) {
@@ -49,26 +33,15 @@ TEST_F(MessageFilter, OfTheSimulatorIsEmptyAndLeavesTheLog) {
   EXPECT_EQ(readFile(log()), "old");
 }
 
-struct OldLog {
-  const char* name;
-  void (*make)(const std::string& path);
-};
-
-const OldLog OLD_LOGS[] = {
-    {"file", [](const std::string& path) { writeFile(path, "old"); }},
-    {"nothing", [](const std::string&) {}},
-    {"empty directory", [](const std::string& path) { makeDirectory(path); }},
-    {"named pipe", [](const std::string& path) { makeNamedPipe(path); }},
-    {"socket", [](const std::string& path) { makeSocket(path); }},
-    {"link to a device", [](const std::string& path) { makeLink(path, "/dev/null"); }},
-    {"link to nowhere", [](const std::string& path) { makeLink(path, path + ".missing"); }},
-    {"link to itself", [](const std::string& path) { makeLink(path, path); }}};
-
-TEST_F(MessageFilter, OfTheLabToolDeletesTheOldLogEachTime) {
+TEST_F(MessageFilter, OfTheLabToolDeletesWhateverIsInTheLogsPlace) {
   makeDirectory(project / "vestra");
-  for (const OldLog& old : OLD_LOGS) {
+  std::vector<Obstacle> oldLogs = obstacles();
+  oldLogs.push_back({"a file", [](const std::string& path) { writeFile(path, "old"); }});
+  oldLogs.push_back({"nothing", [](const std::string&) {}});
+  oldLogs.push_back({"a link to a device", [](const std::string& path) { makeLink(path, "/dev/null"); }});
+  for (const Obstacle& old : oldLogs) {
     SCOPED_TRACE(old.name);
-    old.make(log());
+    old.put(log());
     expectRemoval();
   }
   EXPECT_TRUE(exists("/dev/null"));
@@ -98,17 +71,16 @@ TEST_F(MessageFilter, ThrowsAFilesystemErrorOnAFullDirectory) {
 
 TEST_F(MessageFilter, DeletesAReadOnlyLog) {
   writeFile(log(), "old");
-  const vestra_test::ScopedMode anybody(project / "vestra", 0777);
+  const ScopedMode anybody(project / "vestra", 0777);
   chmod(log().c_str(), 0444);
-  EXPECT_EQ(vestra_test::asOrdinaryUser([&] { return handler.getVestraMsgFilter(); }),
-            " > " + log() + " 2>&1");
+  EXPECT_EQ(asOrdinaryUser([&] { return handler.getVestraMsgFilter(); }), " > " + log() + " 2>&1");
   EXPECT_FALSE(exists(log()));
 }
 
 TEST_F(MessageFilter, ThrowsAFilesystemErrorInAReadOnlyDirectory) {
   writeFile(log(), "old");
-  const vestra_test::ScopedMode readOnly(project / "vestra", 0555);
-  EXPECT_EQ(vestra_test::asOrdinaryUser([&]() -> std::string {
+  const ScopedMode readOnly(project / "vestra", 0555);
+  EXPECT_EQ(asOrdinaryUser([&]() -> std::string {
               try {
                 return handler.getVestraMsgFilter();
               } catch (const boost::filesystem::filesystem_error&) {

@@ -1,19 +1,12 @@
-#include <gtest/gtest.h>
-
 #include <ctime>
-#include <string>
 
 #include "handler/time_stamp.h"
 #include "handler/vestra_handler.h"
 #include "support/interposed/clock.h"
-#include "support/scoped_env.h"
-#include "support/scoped_locale.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::ScopedEnv;
-using vestra_test::ScopedTime;
 
 struct Moment {
   std::time_t time;
@@ -40,7 +33,7 @@ constexpr Moment MOMENTS[] = {{1700000000, "UTC", "318202322"},
                               {253402300800, "UTC", "0011000000"}};
 
 TEST(TimeStamp, IsDayOfTheYearYearAndHourWhateverTheLocale) {
-  const vestra_test::ScopedLocale grouping(vestra_test::digitGroupingLocale());
+  const ScopedLocale grouping(digitGroupingLocale());
   for (const Moment& moment : MOMENTS) {
     const ScopedEnv zone("TZ", moment.zone);
     EXPECT_EQ(timeStamp(moment.time), moment.stamp) << moment.time << " in " << moment.zone;

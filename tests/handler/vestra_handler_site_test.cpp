@@ -1,31 +1,18 @@
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-#include <utility>
-
 #include <boost/algorithm/string/case_conv.hpp>
 
 #include "handler/vestra_handler.h"
-#include "support/child_process.h"
-#include "support/files.h"
 #include "support/interposed/domain_name.h"
-#include "support/scoped_env.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::ScopedDomainName;
-using vestra_test::ScopedEnv;
-using vestra_test::TemporaryDirectory;
 
 /// The build's own name for it.
 const std::string MAKER_DOMAIN = VESTRA_MAKER_DOMAIN;
 
 constexpr const char* OVERRIDE = "CALVIX_VESTRA_INTERNAL_TRANSMIT";
 
-class Site : public testing::Test {
+class Site : public Test {
  protected:
   ScopedEnv noOverride{OVERRIDE, std::nullopt};
   VestraHandler handler;
@@ -84,7 +71,7 @@ TEST_F(Site, IsNotMadeInternalByTheOverride) {
 }
 
 /// A machine with a resolver file of its own.
-class SiteByResolverFile : public testing::Test {
+class SiteByResolverFile : public Test {
  protected:
   void SetUp() override {
     if (geteuid() != 0) {
@@ -92,55 +79,46 @@ class SiteByResolverFile : public testing::Test {
     }
   }
 
-  std::string siteWithDomainName(const std::optional<std::string>& name) const {
-    const ScopedDomainName domain(name);
+  /// What a handler says after something was done, once it has been asked.
+  static std::string siteIn(const std::string& root, const std::function<void()>& act) {
     const ScopedEnv noOverride(OVERRIDE, std::nullopt);
-    return vestra_test::inRootDirectory(
-        root.path(), [] { return VestraHandler().isInternal() ? "internal" : "external"; });
+    return inRootDirectory(root, [&] {
+      VestraHandler handler;
+      handler.isInternal();
+      act();
+      return handler.isInternal() ? "internal" : "external";
+    });
   }
-
-  void resolverNames(const std::string& domain) const {
-    vestra_test::writeFile(root / "etc/resolv.conf", "search " + domain + "\n");
-  }
-
-  TemporaryDirectory root;
 };
 
-TEST_F(SiteByResolverFile, WithoutADomainName) {
-  resolverNames(MAKER_DOMAIN);
-  EXPECT_EQ(siteWithDomainName(""), "internal");
-  EXPECT_EQ(siteWithDomainName("(none)"), "internal");
-  EXPECT_EQ(siteWithDomainName("(NONE)"), "internal");
-  resolverNames("elsewhere.example");
-  EXPECT_EQ(siteWithDomainName(""), "external");
+TEST_F(SiteByResolverFile, IsToldByTheFileWithoutADomainName) {
+  const std::string elsewhere = "elsewhere.example";
+  const struct {
+    std::optional<std::string> domainName;
+    std::optional<std::string> resolver;
+    const char* site;
+  } rows[] = {
+      {"", MAKER_DOMAIN, "internal"},        {"(none)", MAKER_DOMAIN, "internal"},
+      {"(NONE)", MAKER_DOMAIN, "internal"},  {"", elsewhere, "external"},
+      {elsewhere, MAKER_DOMAIN, "external"}, {std::nullopt, MAKER_DOMAIN, "external"},
+      {"", std::nullopt, "external"},        {"(none)", std::nullopt, "external"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.domainName.value_or("cannot be told"));
+    const TemporaryDirectory root;
+    if (row.resolver) {
+      writeFile(root / "etc/resolv.conf", "search " + *row.resolver + "\n");
+    }
+    const ScopedDomainName domain(row.domainName);
+    EXPECT_EQ(siteIn(root.path(), [] {}), row.site);
+  }
 }
 
-TEST_F(SiteByResolverFile, GivesWayToADomainName) {
-  resolverNames(MAKER_DOMAIN);
-  EXPECT_EQ(siteWithDomainName("elsewhere.example"), "external");
-}
-
-TEST_F(SiteByResolverFile, IsNotReadWhereTheDomainNameCannotBeTold) {
-  resolverNames(MAKER_DOMAIN);
-  EXPECT_EQ(siteWithDomainName(std::nullopt), "external");
-}
-
-TEST_F(SiteByResolverFile, IsExternalWithoutTheFile) {
-  EXPECT_EQ(siteWithDomainName(""), "external");
-  EXPECT_EQ(siteWithDomainName("(none)"), "external");
-}
-
-TEST_F(SiteByResolverFile, ReadsItOnce) {
-  resolverNames("elsewhere.example");
+TEST_F(SiteByResolverFile, IsReadOnce) {
+  const TemporaryDirectory root;
   const ScopedDomainName domain("");
-  EXPECT_EQ(vestra_test::inRootDirectory(root.path(),
-                                         [] {
-                                           VestraHandler handler;
-                                           handler.isInternal();
-                                           vestra_test::writeFile("/etc/resolv.conf", MAKER_DOMAIN);
-                                           return handler.isInternal() ? "internal" : "external";
-                                         }),
-            "external");
+  writeFile(root / "etc/resolv.conf", "search elsewhere.example\n");
+  EXPECT_EQ(siteIn(root.path(), [] { writeFile("/etc/resolv.conf", MAKER_DOMAIN); }), "external");
 }
 
 }  // namespace

@@ -1,54 +1,40 @@
 #include "handler/vestra_handler.h"
 
-#include <gtest/gtest.h>
-
 #include <boost/filesystem/exception.hpp>
 
 #include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "support/child_process.h"
-#include "support/files.h"
-#include "support/scoped_current_directory.h"
-#include "support/special_files.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
 
-using vestra_test::ScopedCurrentDirectory;
-using vestra_test::TemporaryDirectory;
-
-TEST(Handler, StartsWithSixEmptyContexts) {
+TEST(Handler, StartsAsTheSimulatorWithSixEmptyContexts) {
   VestraHandler handler;
+  EXPECT_EQ(handler.getProductType(), Vestra::KELVO);
+  EXPECT_EQ(handler.getVestraCommandTcl(), "kelvo_vestra.tcl");
+  EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
   for (unsigned int i = 0; i < 6; ++i) {
     EXPECT_TRUE(handler.isParentEmpty(i)) << "context " << i;
   }
 }
 
-TEST(Handler, StartsAsTheSimulatorWithoutAProject) {
-  VestraHandler handler;
-  EXPECT_EQ(handler.getProductType(), Vestra::KELVO);
-  EXPECT_EQ(handler.getVestraCommandTcl(), "kelvo_vestra.tcl");
-  EXPECT_EQ(handler.getLogFileName(), "/vestra/tavlo_vestra.log");
-}
-
 TEST(Handler, FilesAnItemUnderOneContextOnly) {
   for (unsigned int section = 0; section < 6; ++section) {
     VestraHandler handler;
-    handler.addData("k", "v", static_cast<Vestra::SectionType>(section));
+    handler.addData("", "", static_cast<Vestra::SectionType>(section));
     for (unsigned int i = 0; i < 6; ++i) {
       EXPECT_EQ(handler.isParentEmpty(i), i != section) << "section " << section << ", context " << i;
     }
   }
 }
 
-TEST(Handler, FilesAnItemWithEmptyKeyAndValue) {
+TEST(Handler, OrdersTheFactsOfTheFirstContextOnly) {
   VestraHandler handler;
-  handler.addData("", "", Vestra::KELVO_USAGE);
-  EXPECT_FALSE(handler.isParentEmpty(Vestra::KELVO_USAGE));
+  handler.uniqueAndReorderData();
+  for (unsigned int i = 0; i < 6; ++i) {
+    EXPECT_EQ(handler.isParentEmpty(i), i != 0) << "context " << i;
+  }
 }
 
 /// A context or an item that notes its end.
@@ -64,19 +50,6 @@ class Noted : public Node {
   std::string ownName;
   std::string& endsSeen;
 };
-
-TEST(Handler, OwnsTheNodesThatAreFiled) {
-  std::string ends;
-  VestraParentData context("c", "p", true);
-  {
-    VestraHandler handler;
-    auto* item = new Noted<VestraAddData>("item ", ends, "k", "v", &context);
-    handler.addData(item, Vestra::TAVLO_USAGE);
-    EXPECT_FALSE(handler.isParentEmpty(Vestra::TAVLO_USAGE));
-    EXPECT_EQ(ends, "");
-  }
-  EXPECT_EQ(ends, "item ");
-}
 
 TEST(Handler, FreesItsContextsInTheirOrder) {
   std::string ends;
@@ -140,12 +113,12 @@ TEST(ProjectDirectory, IsMadeAbsoluteAndKeptOtherwise) {
     }
     EXPECT_EQ(handler.getLogFileName(), stored + "/vestra/tavlo_vestra.log") << given;
   }
-  EXPECT_EQ(vestra_test::namesIn(directory.path()), std::vector<std::string>{});
+  EXPECT_EQ(namesIn(directory.path()), std::vector<std::string>{});
 }
 
 TEST(ProjectDirectory, WithoutACurrentDirectoryThrowsAFilesystemError) {
   const TemporaryDirectory directory;
-  vestra_test::makeDirectory(directory / "gone");
+  makeDirectory(directory / "gone");
   const ScopedCurrentDirectory there(directory / "gone");
   rmdir((directory / "gone").c_str());
   VestraHandler handler;

@@ -1,16 +1,10 @@
 #ifndef VESTRA_TESTS_IDENTITY_PROJECT_FIXTURE_H
 #define VESTRA_TESTS_IDENTITY_PROJECT_FIXTURE_H
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "handler/vestra_handler.h"
 #include "identity/vestra_project_info.h"
-#include "support/files.h"
 #include "support/interposed/clock.h"
-#include "support/temporary_directory.h"
-#include "support/time_limit.h"
+#include "support/test.h"
 
 namespace vestra_test {
 

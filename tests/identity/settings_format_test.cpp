@@ -1,16 +1,12 @@
-#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <map>
-#include <string>
 
 #include "identity/vestra_setting.h"
-#include "support/scoped_locale.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using namespace std::string_literals;
 
 using Properties = std::map<std::string, std::string>;
 
@@ -82,7 +78,7 @@ TEST(SettingsFormat, EveryTruncationIsReadToItsLastWholePair) {
 }
 
 TEST(SettingsFormat, WhiteSpaceIsThatOfTheGlobalLocale) {
-  const vestra_test::ScopedLocale odd(vestra_test::oddLettersLocale());
+  const ScopedLocale odd(oddLettersLocale());
   EXPECT_EQ(propertiesIn("_RandomID=abc__\n"), (Properties{{"RandomID", "abc"}}));
   EXPECT_EQ(propertiesIn(" k=v \n"), (Properties{{" k", "v "}}));
 }

@@ -1,34 +1,24 @@
 // Files that cannot be opened or read at this moment: another process holds a lease, or the
 // system is out of something. What they hold must be the same afterwards.
 
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
-#include <string>
 
 #include <boost/filesystem/operations.hpp>
 
 #include "identity/project_fixture.h"
 #include "identity/settings_fixture.h"
-#include "identity/vestra_project_info.h"
-#include "identity/vestra_setting.h"
-#include "support/child_process.h"
-#include "support/failing_system_call.h"
-#include "support/lease_holder.h"
+#include "support/file_holders.h"
 
 namespace Oza {
 namespace {
 
-using vestra_test::failSystemCall;
-using vestra_test::inChildProcess;
-using vestra_test::LeaseHolder;
-
-constexpr const char* RECORD = "1699999999\n0\n7\n0\nid\n";
+const std::string RECORD = identityText("1699999999", "0", "7", "0", "id");
+const std::string COUNTED_RECORD = identityText("1699999999", "0", "8", "0", "id");
 constexpr int PASSING_ERRORS[] = {EAGAIN, ENFILE, EMFILE, ESTALE, EIO, ENOMEM, EINVAL};
 
 std::string word(bool answer) { return answer ? "true" : "false"; }
@@ -38,7 +28,7 @@ void failOpening(int flags, int error) {
   failSystemCall(SYS_openat, error, static_cast<std::uint32_t>(flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
 }
 
-class UnusableIdentity : public vestra_test::ProjectFixture {
+class UnusableIdentity : public ProjectFixture {
  protected:
   UnusableIdentity() { writeIdentity(RECORD); }
 
@@ -96,7 +86,7 @@ TEST_F(UnusableIdentity, IsCountedInWhenALeaseIsGivenBack) {
   record.loadOrCreate();
   const LeaseHolder server(file(), LeaseHolder::YIELDS);
   record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1699999999\n0\n8\n0\nid\n");
+  EXPECT_EQ(identity(), COUNTED_RECORD);
 }
 
 TEST_F(UnusableIdentity, IsLeftAloneWhenALeaseIsKept) {
@@ -122,10 +112,10 @@ TEST_F(UnusableIdentity, IsUsedByAHostWhoseStandardInputIsClosed) {
               return word(record.loadOrCreate() && !record.recordSendAttempt());
             }),
             "true");
-  EXPECT_EQ(identity(), "1699999999\n0\n8\n0\nid\n");
+  EXPECT_EQ(identity(), COUNTED_RECORD);
 }
 
-class UnusableSettings : public vestra_test::SettingsFixture {
+class UnusableSettings : public SettingsFixture {
  protected:
   UnusableSettings() { writeSettings("RandomID=abc\n"); }
 };
@@ -175,7 +165,7 @@ TEST_F(UnusableIdentity, IsReadToTheEndOfTheFirstMegabyte) {
   boost::filesystem::resize_file(file(), TERABYTE);
   ASSERT_TRUE(record.loadOrCreate());
   record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1699999999\n0\n8\n0\nid\n");
+  EXPECT_EQ(identity(), COUNTED_RECORD);
 }
 
 }  // namespace

@@ -1,231 +1,158 @@
 #include "identity/vestra_project_info.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <string>
-#include <vector>
 
 #include "identity/project_fixture.h"
-#include "support/files.h"
-#include "support/interposed/clock.h"
-#include "support/scoped_current_directory.h"
-#include "support/scoped_locale.h"
-#include "support/uuid_form.h"
 
 namespace Oza {
 namespace {
 
 using std::chrono::system_clock;
-using vestra_test::dateFile;
-using vestra_test::isRandomUuid;
-using vestra_test::namesIn;
-using vestra_test::readFile;
-using vestra_test::ScopedTime;
 
-class ProjectInfo : public vestra_test::ProjectFixture {
+constexpr Vestra::SectionType PROJECT_SECTION = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
+
+class ProjectInfo : public ProjectFixture {
  protected:
   VestraProjectInfo record{file(), &handler};
 };
 
-TEST_F(ProjectInfo, RecordOfANewProjectHasANewIdentifierAndAnEmptyFile) {
+TEST_F(ProjectInfo, OfANewProjectReachesItsFileWithTheFirstAttempt) {
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
   EXPECT_EQ(record.getIteration(), 1U);
   EXPECT_EQ(record.getOrbeloFlow(), 0);
   EXPECT_EQ(identity(), "");
-}
-
-TEST_F(ProjectInfo, RecordOfANewProjectMakesTheMissingDirectories) {
-  VestraProjectInfo deep(project / "a/b/vestra/.kelvo_vestrra.info", &handler);
-  EXPECT_TRUE(deep.loadOrCreate());
-  EXPECT_EQ(namesIn(project / "a/b/vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
-}
-
-TEST_F(ProjectInfo, RecordOfANewProjectTakesTheLastNineteenBytesOfThePathForTheName) {
-  VestraProjectInfo odd(project / "vestra/123456789 123456789", &handler);
-  EXPECT_TRUE(odd.loadOrCreate());
-  EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{"123456789 123456789"});
-  EXPECT_EQ(readFile(project / "vestra/123456789 123456789"), "");
-}
-
-TEST_F(ProjectInfo, RecordOfANewProjectReachesTheFileWithTheFirstAttempt) {
-  record.loadOrCreate();
   EXPECT_TRUE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\n" + record.getProjectId() + "\n");
+  EXPECT_EQ(identity(), identityText("1700000000", "0", "2", "0", record.getProjectId()));
 }
 
-TEST_F(ProjectInfo, RecordOfANewProjectTakesTheHostsIdentifier) {
-  handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "host's own");
-  EXPECT_EQ(record.getOrbeloFlow(), 1);
-  record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n1\nhost's own\n");
+TEST_F(ProjectInfo, OfANewProjectTakesTheLastNineteenBytesOfThePathForTheName) {
+  VestraProjectInfo deep(project / "a/b/vestra/123456789 123456789", &handler);
+  EXPECT_TRUE(deep.loadOrCreate());
+  EXPECT_EQ(namesIn(project / "a/b/vestra"), std::vector<std::string>{"123456789 123456789"});
 }
 
-TEST_F(ProjectInfo, RecordOfANewProjectTakesTheHostsIdentifierInCapitals) {
-  handler.addData("PROJECT_ID", "loud", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "loud");
-  EXPECT_EQ(record.getOrbeloFlow(), 1);
+TEST_F(ProjectInfo, HasTheIdentifierOfTheHostBeforeTheStoredOne) {
+  const struct {
+    const char* name;
+    std::optional<std::string> before;
+    std::optional<std::pair<const char*, const char*>> hosts;
+    std::string identifier;
+    int flow;
+    std::string after;
+  } rows[] = {
+      {"a new project",
+       std::nullopt,
+       {{"project_id", "host's own"}},
+       "host's own",
+       1,
+       identityText("1700000000", "0", "2", "1", "host's own")},
+      {"in capitals",
+       std::nullopt,
+       {{"PROJECT_ID", "loud"}},
+       "loud",
+       1,
+       identityText("1700000000", "0", "2", "1", "loud")},
+      {"an empty file",
+       "",
+       {{"project_id", "host's own"}},
+       "host's own",
+       0,
+       identityText("1700000000", "0", "2", "0", "host's own")},
+      {"a stored one",
+       identityText("1", "2", "42", "0", "stored"),
+       {{"Project_Id", "host's own"}},
+       "host's own",
+       0,
+       identityText("1700000000", "2", "43", "0", "host's own")},
+      {"an empty one of the host",
+       identityText("1", "2", "42", "0", "stored"),
+       {{"project_id", ""}},
+       "stored",
+       0,
+       identityText("1700000000", "2", "43", "0", "stored")},
+      {"none of the host", identityText("1", "2", "42", "1", "stored"), std::nullopt, "stored", 1,
+       identityText("1700000000", "2", "43", "1", "stored")},
+      {"one with a line end",
+       std::nullopt,
+       {{"project_id", "one\ntwo"}},
+       "one\ntwo",
+       1,
+       identityText("1700000000", "0", "2", "1", "one\ntwo")},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    unlink(file().c_str());
+    if (row.before) {
+      writeIdentity(*row.before);
+    }
+    VestraHandler owner;
+    if (row.hosts) {
+      owner.addData(row.hosts->first, row.hosts->second, PROJECT_SECTION);
+    }
+    VestraProjectInfo loaded(file(), &owner);
+    EXPECT_TRUE(loaded.loadOrCreate());
+    EXPECT_EQ(identity(), row.before.value_or(""));
+    EXPECT_EQ(loaded.getProjectId(), row.identifier);
+    EXPECT_EQ(loaded.getOrbeloFlow(), row.flow);
+    EXPECT_TRUE(loaded.recordSendAttempt());
+    EXPECT_EQ(identity(), row.after);
+  }
 }
 
-TEST_F(ProjectInfo, EmptyIdentifierOfTheHostCountsAsNone) {
-  handler.addData("project_id", "", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
-  EXPECT_EQ(record.getOrbeloFlow(), 0);
-}
-
-TEST_F(ProjectInfo, RecordIsLoadedFromTheFile) {
-  writeIdentity("1\n2\n42\n0\nstored\n");
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "stored");
-  EXPECT_EQ(record.getIteration(), 42U);
-  EXPECT_EQ(record.getOrbeloFlow(), 0);
-  EXPECT_EQ(identity(), "1\n2\n42\n0\nstored\n");
-}
-
-TEST_F(ProjectInfo, EmptyFileThatIsDatedInTheFutureCountsAsAnOlderRuns) {
-  writeIdentity("");
-  dateFile(file(), system_clock::now() + std::chrono::hours(24));
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "");
-}
-
-TEST_F(ProjectInfo, EmptyFileThatStaysYoungForLongerThanTheBoundHasNoIdentifier) {
-  writeIdentity("");
-  dateFile(file(), system_clock::now() + std::chrono::milliseconds(240));
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "");
-}
-
-TEST_F(ProjectInfo, RecordOfAnEmptyFileTakesTheHostsIdentifierWithoutTheFlag) {
-  writeIdentity("");
-  handler.addData("project_id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "host's own");
-  EXPECT_EQ(record.getOrbeloFlow(), 0);
-}
-
-TEST_F(ProjectInfo, HostsIdentifierWinsOverTheStoredOneAndTheFlagStays) {
-  writeIdentity("1\n2\n42\n0\nstored\n");
-  handler.addData("Project_Id", "host's own", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getProjectId(), "host's own");
-  EXPECT_EQ(record.getOrbeloFlow(), 0);
-  record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n2\n43\n0\nhost's own\n");
-}
-
-TEST_F(ProjectInfo, StoredFlagStaysWithoutAHostsIdentifier) {
-  writeIdentity("1\n2\n42\n1\nstored\n");
-  EXPECT_TRUE(record.loadOrCreate());
-  EXPECT_EQ(record.getOrbeloFlow(), 1);
-  EXPECT_EQ(record.getProjectId(), "stored");
-}
-
-TEST_F(ProjectInfo, IdentifierInAnotherSectionIsNotTheHosts) {
+TEST_F(ProjectInfo, HasAnIdentifierOfItsOwnWithoutOneInTheFirstSection) {
+  handler.addData("project_id", "", PROJECT_SECTION);
   handler.addData("project_id", "elsewhere", Vestra::USER_ENVIRONMENT);
   EXPECT_TRUE(record.loadOrCreate());
   EXPECT_TRUE(isRandomUuid(record.getProjectId())) << record.getProjectId();
+  EXPECT_EQ(record.getOrbeloFlow(), 0);
 }
 
-TEST_F(ProjectInfo, LineEndInTheHostsIdentifierLosesWhatFollows) {
-  handler.addData("project_id", "one\ntwo", Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE);
-  record.loadOrCreate();
-  record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n1\none\ntwo\n");
-
-  VestraHandler other;
-  VestraProjectInfo next(file(), &other);
-  EXPECT_TRUE(next.loadOrCreate());
-  EXPECT_EQ(next.getProjectId(), "one");
-}
-
-TEST_F(ProjectInfo, RecordCountsEveryAttempt) {
-  record.loadOrCreate();
-  EXPECT_TRUE(record.recordSendAttempt());
-  EXPECT_FALSE(record.recordSendAttempt());
-  EXPECT_FALSE(record.recordSendAttempt());
-  EXPECT_EQ(record.getIteration(), 4U);
-  EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
-}
-
-TEST_F(ProjectInfo, RecordIsNotDueAfterExactlyADay) {
-  writeIdentity("1699913600\n0\n1\n0\nid\n");
-  record.loadOrCreate();
-  EXPECT_FALSE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1699913600\n0\n2\n0\nid\n");
-}
-
-TEST_F(ProjectInfo, RecordIsDueASecondLater) {
-  writeIdentity("1699913599\n0\n1\n0\nid\n");
-  record.loadOrCreate();
-  EXPECT_TRUE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1700000000\n0\n2\n0\nid\n");
-}
-
-TEST_F(ProjectInfo, RecordIsDueOnceADay) {
-  record.loadOrCreate();
-  EXPECT_TRUE(record.recordSendAttempt());
-  {
-    const ScopedTime dayLater(1700000000 + 86400);
-    EXPECT_FALSE(record.recordSendAttempt());
+TEST_F(ProjectInfo, OfAnEmptyFileWithATimeAheadHasNoIdentifier) {
+  for (const auto ahead : {std::chrono::milliseconds(240), std::chrono::milliseconds(86400000)}) {
+    writeIdentity("");
+    dateFile(file(), system_clock::now() + ahead);
+    VestraProjectInfo loaded(file(), &handler);
+    EXPECT_TRUE(loaded.loadOrCreate());
+    EXPECT_EQ(loaded.getProjectId(), "");
   }
-  {
-    const ScopedTime secondLater(1700000000 + 86401);
-    EXPECT_TRUE(record.recordSendAttempt());
+}
+
+TEST_F(ProjectInfo, IsDueOnceADayForEachOfTwoSlots) {
+  const struct {
+    std::time_t now;
+    std::uint32_t product;
+    bool isDue;
+  } rows[] = {
+      {1700000000, Vestra::TAVLO, true},
+      {1700000000, Vestra::KELVO, false},
+      {1700000000, 7, false},
+      {1700000100, Vestra::KELVO_ALT, true},
+      {1700000100, Vestra::KELVO_ALT, false},
+      {1700086400, Vestra::KELVO, false},
+      {1700086401, Vestra::KELVO, true},
+  };
+  record.loadOrCreate();
+  for (const auto& row : rows) {
+    const ScopedTime then(row.now);
+    handler.setProductType(static_cast<Vestra::ProductType>(row.product));
+    EXPECT_EQ(record.recordSendAttempt(), row.isDue) << row.product << " at " << row.now;
   }
-  EXPECT_EQ(identity(), "1700086401\n0\n4\n0\n" + record.getProjectId() + "\n");
+  EXPECT_EQ(record.getIteration(), 8U);
+  EXPECT_EQ(identity(), identityText("1700086401", "1700000100", "8", "0", record.getProjectId()));
 }
 
-TEST_F(ProjectInfo, AlternativeSimulatorHasATimeOfItsOwn) {
-  record.loadOrCreate();
-  EXPECT_TRUE(record.recordSendAttempt());
-  handler.setProductType(Vestra::KELVO_ALT);
-  const ScopedTime later(1700000100);
-  EXPECT_TRUE(record.recordSendAttempt());
-  EXPECT_FALSE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1700000000\n1700000100\n4\n0\n" + record.getProjectId() + "\n");
-}
-
-TEST_F(ProjectInfo, LabToolAndTheSimulatorShareATime) {
-  handler.setProductType(Vestra::TAVLO);
-  record.loadOrCreate();
-  EXPECT_TRUE(record.recordSendAttempt());
-  handler.setProductType(Vestra::KELVO);
-  EXPECT_FALSE(record.recordSendAttempt());
-  handler.setProductType(static_cast<Vestra::ProductType>(7));
-  EXPECT_FALSE(record.recordSendAttempt());
-  EXPECT_EQ(identity(), "1700000000\n0\n4\n0\n" + record.getProjectId() + "\n");
-}
-
-TEST_F(ProjectInfo, IterationPastTheSignedRangeIsRefusedTheNextTime) {
-  writeIdentity("0\n0\n9223372036854775807\n0\nid\n");
-  record.loadOrCreate();
-  record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n0\n9223372036854775808\n0\nid\n");
-
-  VestraProjectInfo next(file(), &handler);
-  EXPECT_FALSE(next.loadOrCreate());
-  EXPECT_FALSE(vestra_test::exists(file()));
-}
-
-TEST_F(ProjectInfo, AttemptWritesOurBytesUnderTheHostsLocale) {
-  const std::locale both(vestra_test::digitGroupingLocale(), vestra_test::caseSwappingFilesLocale(),
-                         std::locale::ctype);
-  const vestra_test::ScopedLocale hosts(both);
-  writeIdentity("0\n0\n1000\n0\nMixed Case\n");
+TEST_F(ProjectInfo, IsWrittenInOurBytesUnderTheHostsLocale) {
+  const ScopedLocale hosts(std::locale(digitGroupingLocale(), caseSwappingFilesLocale(), std::locale::ctype));
+  writeIdentity(identityText("0", "0", "1000", "0", "Mixed Case"));
   record.loadOrCreate();
   EXPECT_EQ(record.getProjectId(), "Mixed Case");
   record.recordSendAttempt();
-  EXPECT_EQ(identity(), "1700000000\n0\n1001\n0\nMixed Case\n");
+  EXPECT_EQ(identity(), identityText("1700000000", "0", "1001", "0", "Mixed Case"));
 }
 
-TEST_F(ProjectInfo, FailureToWriteIsNotNoticed) {
-  writeIdentity("0\n0\n1\n0\nid\n");
+TEST_F(ProjectInfo, GoesOnWhenItCannotBeWritten) {
+  writeIdentity(identityText("0", "0", "1", "0", "id"));
   record.loadOrCreate();
   unlink(file().c_str());
   rmdir((project / "vestra").c_str());
@@ -235,30 +162,25 @@ TEST_F(ProjectInfo, FailureToWriteIsNotNoticed) {
   EXPECT_EQ(namesIn(project.path()), std::vector<std::string>{});
 }
 
-TEST_F(ProjectInfo, PathShorterThanTheNameIsItsOwnDirectory) {
+TEST_F(ProjectInfo, WithAPathShorterThanTheNameMakesItADirectory) {
   const std::string path = "/tmp/vestra-x";
-  ASSERT_LT(path.size(), 19U);
-  ASSERT_FALSE(vestra_test::exists(path));
+  ASSERT_FALSE(exists(path));
   VestraProjectInfo odd(path, &handler);
   EXPECT_FALSE(odd.loadOrCreate());
   EXPECT_EQ(namesIn(path), std::vector<std::string>{});
   EXPECT_EQ(rmdir(path.c_str()), 0);
 }
 
-TEST_F(ProjectInfo, PathOfTheNameAloneHasNoDirectoryToMake) {
-  const vestra_test::ScopedCurrentDirectory here(project.path());
+TEST_F(ProjectInfo, WithTheNameAloneForAPathHasNoDirectoryToMake) {
+  const ScopedCurrentDirectory here(project.path());
   VestraProjectInfo bare(".kelvo_vestrra.info", &handler);
   EXPECT_FALSE(bare.loadOrCreate());
-  EXPECT_FALSE(vestra_test::exists(project / ".kelvo_vestrra.info"));
+  EXPECT_FALSE(exists(project / ".kelvo_vestrra.info"));
 }
 
-TEST_F(ProjectInfo, HandlersRecordLiesInItsProjectDirectory) {
+TEST_F(ProjectInfo, OfAHandlerLiesInItsProjectAndIsMadeAnewEachTime) {
   EXPECT_TRUE(handler.setupVestraInfo());
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{".kelvo_vestrra.info"});
-}
-
-TEST_F(ProjectInfo, HandlersRecordIsMadeAnewEachTime) {
-  EXPECT_TRUE(handler.setupVestraInfo());
   writeIdentity("abc\n");
   EXPECT_FALSE(handler.setupVestraInfo());
   EXPECT_TRUE(handler.setupVestraInfo());

@@ -1,13 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <set>
 #include <thread>
-#include <vector>
 
 #include "interface/vestra_mgr.h"
-#include "support/scoped_env.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
@@ -15,8 +11,8 @@ namespace {
 // Nothing else may use the manager in this program.
 TEST(FirstUseFromThreads, FirstUseMakesOneManagerForAll) {
   constexpr unsigned int threadCount = 16;
-  const vestra_test::TemporaryDirectory home;
-  const vestra_test::ScopedEnv homeVariable("HOME", home.path());
+  const TemporaryDirectory home;
+  const ScopedEnv homeVariable("HOME", home.path());
 
   std::atomic<unsigned int> ready{0};
   std::vector<VestraMgr*> managers(threadCount);

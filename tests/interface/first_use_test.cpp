@@ -1,37 +1,20 @@
 #include <vestra/vestra.h>
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 #include <boost/filesystem/exception.hpp>
 
 #include "interface/vestra_mgr.h"
-#include "support/child_process.h"
-#include "support/error_of.h"
-#include "support/files.h"
-#include "support/scoped_current_directory.h"
-#include "support/scoped_env.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::errorOf;
-using vestra_test::inChildProcess;
-using vestra_test::namesIn;
-using vestra_test::ScopedEnv;
-using vestra_test::TemporaryDirectory;
-using vestra_test::writeFile;
 
 constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 
 /// What the entry points do in a process that has not used them yet. Each
 /// observation is made in a process of its own.
-class FirstUse : public testing::Test {
+class FirstUse : public Test {
  protected:
   FirstUse() { keepInSettings("before"); }
 
@@ -40,8 +23,7 @@ class FirstUse : public testing::Test {
   }
 
   /// Whether a call made the manager, which reads the settings only when it is made.
-  template <typename Call>
-  std::string managerAfter(Call call) const {
+  std::string managerAfter(const std::function<void()>& call) const {
     return inChildProcess([&] {
       call();
       keepInSettings("after");
@@ -55,73 +37,40 @@ class FirstUse : public testing::Test {
   ScopedEnv homeVariable{"HOME", home.path()};
 };
 
-const std::string NULL_TEXT = "basic_string::_M_construct null not valid";
+using Call = std::function<void()>;
 
-TEST_F(FirstUse, FirstUseByAnItemMakesTheManager) {
-  EXPECT_EQ(managerAfter([] { Vestra::add("k", "v", PROJECT); }), "manager");
+TEST_F(FirstUse, OfAnyEntryPointMakesTheManager) {
+  const std::pair<const char*, Call> rows[] = {
+      {"add", [] { Vestra::add("k", "v", PROJECT); }},
+      {"internal", [] { Vestra::internal(); }},
+      {"getLogFileName", [] { Vestra::getLogFileName(); }},
+      {"send", [&] { Vestra::send(project.path().c_str(), Vestra::KELVO); }}};
+  for (const auto& [name, call] : rows) {
+    keepInSettings("before");
+    EXPECT_EQ(managerAfter(call), "manager") << name;
+  }
 }
 
-TEST_F(FirstUse, FirstUseByTheSiteMakesTheManager) {
-  EXPECT_EQ(managerAfter([] { Vestra::internal(); }), "manager");
+TEST_F(FirstUse, WithNullThrowsTheTextThatHostsKnowAndMakesNoManager) {
+  const std::pair<const char*, Call> rows[] = {
+      {"value", [] { Vestra::add("k", nullptr, PROJECT); }},
+      {"key", [] { Vestra::add(nullptr, "v", PROJECT); }},
+      {"key and value", [] { Vestra::add(nullptr, nullptr, PROJECT); }},
+      {"project directory", [] { Vestra::send(nullptr, Vestra::KELVO); }}};
+  for (const auto& [name, call] : rows) {
+    SCOPED_TRACE(name);
+    keepInSettings("before");
+    EXPECT_EQ(inChildProcess([&] { return errorOf(call); }), "basic_string::_M_construct null not valid");
+    EXPECT_EQ(managerAfter([&] { errorOf(call); }), "no manager");
+  }
 }
 
-TEST_F(FirstUse, FirstUseByTheLogFileNameMakesTheManager) {
-  EXPECT_EQ(managerAfter([] { Vestra::getLogFileName(); }), "manager");
-}
-
-TEST_F(FirstUse, FirstUseBySendingMakesTheManager) {
-  EXPECT_EQ(managerAfter([&] { Vestra::send(project.path().c_str(), Vestra::KELVO); }), "manager");
-}
-
-TEST_F(FirstUse, FirstUseWithANullValueThrowsAndMakesNoManager) {
-  EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::add("k", nullptr, PROJECT); }); }), NULL_TEXT);
-  EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::add("k", nullptr, PROJECT); }); }), "no manager");
-}
-
-TEST_F(FirstUse, FirstUseWithANullKeyThrowsAndMakesNoManager) {
-  EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::add(nullptr, "v", PROJECT); }); }), NULL_TEXT);
-  EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::add(nullptr, "v", PROJECT); }); }), "no manager");
-}
-
-TEST_F(FirstUse, FirstUseWithANullKeyAndValueThrowsAndMakesNoManager) {
-  EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::add(nullptr, nullptr, PROJECT); }); }),
-            NULL_TEXT);
-  EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::add(nullptr, nullptr, PROJECT); }); }), "no manager");
-}
-
-TEST_F(FirstUse, FirstUseWithANullProjectDirectoryThrowsAndMakesNoManager) {
-  EXPECT_EQ(inChildProcess([] { return errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), NULL_TEXT);
-  EXPECT_EQ(managerAfter([] { errorOf([] { Vestra::send(nullptr, Vestra::KELVO); }); }), "no manager");
-}
-
-TEST_F(FirstUse, FirstUseBySendingFromADirectoryThatIsGoneLeavesTheProductAsItWas) {
-  EXPECT_EQ(inChildProcess([&] {
-              const vestra_test::ScopedCurrentDirectory there(project.path());
-              rmdir(project.path().c_str());
-              EXPECT_THROW(Vestra::send("relative", Vestra::TAVLO), boost::filesystem::filesystem_error);
-              return VestraMgr::getInstance()->getHandler()->getProductName();
-            }),
-            "KELVO");
-}
-
-TEST_F(FirstUse, NullKeyOrValueLeavesAllContextsAsTheyWere) {
+TEST_F(FirstUse, FilesAnItemUnderItsSectionUnlessItIsNull) {
   EXPECT_EQ(inChildProcess([] {
-              VestraHandler* handler = VestraMgr::getInstance()->getHandler();
-              std::string emptyContexts;
-              errorOf([] { Vestra::add("k", nullptr, Vestra::KELVO_USAGE); });
-              errorOf([] { Vestra::add(nullptr, "v", Vestra::KELVO_USAGE); });
-              for (unsigned int i = 0; i < 6; ++i) {
-                emptyContexts += handler->isParentEmpty(i) ? "empty " : "filled ";
-              }
-              return emptyContexts;
-            }),
-            "empty empty empty empty empty empty ");
-}
-
-TEST_F(FirstUse, ItemIsFiledUnderItsSection) {
-  EXPECT_EQ(inChildProcess([] {
-              Vestra::add("k", "v", Vestra::KELVO_USAGE);
               std::string contexts;
+              errorOf([] { Vestra::add("k", nullptr, PROJECT); });
+              errorOf([] { Vestra::add(nullptr, "v", PROJECT); });
+              Vestra::add("k", "v", Vestra::KELVO_USAGE);
               for (unsigned int i = 0; i < 6; ++i) {
                 contexts += VestraMgr::getInstance()->getHandler()->isParentEmpty(i) ? "empty " : "filled ";
               }
@@ -130,7 +79,7 @@ TEST_F(FirstUse, ItemIsFiledUnderItsSection) {
             "empty empty empty filled empty empty ");
 }
 
-TEST_F(FirstUse, ItemsStringsAreCopied) {
+TEST_F(FirstUse, CopiesTheItemsStrings) {
   EXPECT_EQ(inChildProcess([] {
               std::string key = "project_id";
               std::string value = "value";
@@ -142,20 +91,28 @@ TEST_F(FirstUse, ItemsStringsAreCopied) {
             "value");
 }
 
-TEST_F(FirstUse, LogFileNameBeforeAnySendingHasNoProjectDirectory) {
-  EXPECT_EQ(inChildProcess([] { return Vestra::getLogFileName(); }), "/vestra/tavlo_vestra.log");
-}
-
-TEST_F(FirstUse, LogFileNameIsThatOfTheLastSending) {
+TEST_F(FirstUse, FromADirectoryThatIsGoneLeavesTheProductAsItWas) {
   EXPECT_EQ(inChildProcess([&] {
-              Vestra::send((project / "first").c_str(), Vestra::TAVLO);
-              Vestra::send((project / "second").c_str(), Vestra::KELVO);
-              return Vestra::getLogFileName();
+              const ScopedCurrentDirectory there(project.path());
+              rmdir(project.path().c_str());
+              EXPECT_THROW(Vestra::send("relative", Vestra::TAVLO), boost::filesystem::filesystem_error);
+              return VestraMgr::getInstance()->getHandler()->getProductName();
             }),
-            project / "second/vestra/tavlo_vestra.log");
+            "KELVO");
 }
 
-TEST_F(FirstUse, SiteIsThatOfTheHandler) {
+TEST_F(FirstUse, HasALogFileNameThatFollowsTheProjectDirectory) {
+  EXPECT_EQ(inChildProcess([&] {
+              std::string names = Vestra::getLogFileName();
+              Vestra::send((project / "first").c_str(), Vestra::TAVLO);
+              const ScopedCurrentDirectory there(project.path());
+              Vestra::send("relative", Vestra::KELVO);
+              return names + " " + Vestra::getLogFileName();
+            }),
+            "/vestra/tavlo_vestra.log " + project / "relative/vestra/tavlo_vestra.log");
+}
+
+TEST_F(FirstUse, TellsTheHandlersSite) {
   EXPECT_EQ(inChildProcess([] {
               return Vestra::internal() == VestraMgr::getInstance()->getHandler()->isInternal() ? "the same"
                                                                                                 : "different";
@@ -163,42 +120,24 @@ TEST_F(FirstUse, SiteIsThatOfTheHandler) {
             "the same");
 }
 
-TEST_F(FirstUse, SendingWithoutASupportLibraryGivesFalseAndLeavesTheRulesFile) {
-  EXPECT_EQ(inChildProcess(
-                [&] { return Vestra::send(project.path().c_str(), Vestra::KELVO) ? "sent" : "not sent"; }),
-            "not sent");
-  EXPECT_EQ(namesIn(project / "vestra"),
-            (std::vector<std::string>{".kelvo_vestrra.info", "usage_statistics_ext_kelvo.wdm"}));
-}
-
-TEST_F(FirstUse, SendingForProductSevenIsSendingForTheLabTool) {
-  inChildProcess([&] {
-    Vestra::send(project.path().c_str(), static_cast<Vestra::ProductType>(7));
-    return "";
-  });
-  EXPECT_EQ(namesIn(project / "vestra"),
-            (std::vector<std::string>{".kelvo_vestrra.info", "usage_statistics_ext_tavlo.wdm"}));
-}
-
-TEST_F(FirstUse, SendingResolvesARelativeProjectDirectory) {
-  EXPECT_EQ(inChildProcess([&]() -> std::string {
-              if (chdir(project.path().c_str()) != 0) {
-                return "cannot go there";
-              }
-              Vestra::send("relative", Vestra::KELVO);
-              return Vestra::getLogFileName();
+TEST_F(FirstUse, WithoutASupportLibrarySendsNothingAndLeavesTheRulesFile) {
+  EXPECT_EQ(inChildProcess([&] {
+              const auto productSeven = static_cast<Vestra::ProductType>(7);
+              return Vestra::send(project.path().c_str(), productSeven) ? "sent" : "not sent";
             }),
-            project / "relative/vestra/tavlo_vestra.log");
+            "not sent");
+  EXPECT_THAT(namesIn(project / "vestra"),
+              ElementsAre(".kelvo_vestrra.info", "usage_statistics_ext_tavlo.wdm"));
 }
 
-TEST_F(FirstUse, SendingMakesARandomIdEvenWhenThePreparationFails) {
+TEST_F(FirstUse, MakesARandomIdEvenWhenThePreparationFails) {
   const TemporaryDirectory newHome;
   const ScopedEnv newHomeVariable("HOME", newHome.path());
   writeFile(project / "vestra", "");
   EXPECT_EQ(inChildProcess(
                 [&] { return Vestra::send(project.path().c_str(), Vestra::KELVO) ? "sent" : "not sent"; }),
             "not sent");
-  EXPECT_EQ(vestra_test::readFile(newHome / ".Calvix/Common/2018.2/vestra").substr(0, 9), "RandomID=");
+  EXPECT_THAT(readFile(newHome / ".Calvix/Common/2018.2/vestra"), StartsWith("RandomID="));
 }
 
 }  // namespace

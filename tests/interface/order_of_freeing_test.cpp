@@ -1,19 +1,14 @@
 // What is freed before what, seen from an item's end: by how many blocks are in use then.
 
-#include <gtest/gtest.h>
-
 #include <memory>
 
 #include "handler/vestra_handler.h"
 #include "interface/failing_allocations.h"
 #include "interface/vestra_mgr.h"
-#include "support/scoped_env.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::blocksInUse;
 
 /// An item that notes how many blocks are in use at its end.
 class CountingItem : public VestraAddData {
@@ -25,7 +20,7 @@ class CountingItem : public VestraAddData {
   long& blocks;
 };
 
-class OrderOfFreeing : public testing::Test {
+class OrderOfFreeing : public Test {
  protected:
   /// How many blocks that `use` has taken are left at an item's end.
   template <typename Use>
@@ -50,9 +45,9 @@ class OrderOfFreeing : public testing::Test {
     });
   }
 
-  vestra_test::TemporaryDirectory home;
-  vestra_test::TemporaryDirectory project;
-  vestra_test::ScopedEnv homeVariable{"HOME", home.path()};
+  TemporaryDirectory home;
+  TemporaryDirectory project;
+  ScopedEnv homeVariable{"HOME", home.path()};
 };
 
 TEST_F(OrderOfFreeing, IdentityGoesBeforeTheItems) {

@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <new>
-#include <string>
 
 #include "handler/site_detection.h"
 #include "handler/vestra_handler.h"
@@ -10,23 +7,19 @@
 #include "identity/vestra_setting.h"
 #include "interface/failing_allocations.h"
 #include "interface/vestra_mgr.h"
-#include "support/files.h"
-#include "support/scoped_env.h"
 #include "support/stand_in/stand_in_library.h"
-#include "support/temporary_directory.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
-
-using vestra_test::blocksInUse;
-using vestra_test::FailingAllocation;
-using vestra_test::readFile;
-using vestra_test::writeFile;
 
 constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 
 // Too long to live inside a string object.
 const std::string LONG = "a text that does not fit into a string object without an allocation";
+
+const std::string IDENTITY_NOT_DUE = identityText("9223372036854775807", "0", "42", "1", LONG);
+const std::string IDENTITY_COUNTED = identityText("9223372036854775807", "0", "43", "1", LONG);
 
 enum class Outcome { WENT_THROUGH, BAD_ALLOC };
 
@@ -74,7 +67,7 @@ void failEachAllocationOf(Operate operate) {
                      [](Outcome outcome, Nothing&) { EXPECT_EQ(outcome, Outcome::BAD_ALLOC); });
 }
 
-class OutOfMemory : public testing::Test {
+class OutOfMemory : public Test {
  protected:
   OutOfMemory() { writeFile(home / ".Calvix/Common/2018.2/vestra", "RandomID=" + LONG + "\n"); }
 
@@ -86,9 +79,9 @@ class OutOfMemory : public testing::Test {
 
   std::string identityFile() const { return project / "vestra/.kelvo_vestrra.info"; }
 
-  vestra_test::TemporaryDirectory home;
-  vestra_test::TemporaryDirectory project;
-  vestra_test::ScopedEnv homeVariable{"HOME", home.path()};
+  TemporaryDirectory home;
+  TemporaryDirectory project;
+  ScopedEnv homeVariable{"HOME", home.path()};
 };
 
 TEST_F(OutOfMemory, MakingAContextOrAnItemLeavesNothing) {
@@ -198,7 +191,7 @@ TEST_F(OutOfMemory, MakingARandomIdGivesNoneOrThrowsAndCanBeTriedAgain) {
 }
 
 TEST_F(OutOfMemory, LoadingAnIdentityGivesFalseAndKeepsTheFile) {
-  const std::string good = "1\n2\n42\n0\n" + LONG + "\n";
+  const std::string good = identityText("1", "2", "42", "0", LONG);
   VestraHandler owner;
   bool loaded = false;
   failEachAllocation(
@@ -237,7 +230,7 @@ class ReportOutOfMemory : public OutOfMemory {
   ReportOutOfMemory() { library.nameRegistration(LONG); }
 
   std::unique_ptr<VestraHandler> makeHandlerWithItems() const {
-    writeFile(identityFile(), "0\n0\n42\n1\n" + LONG + "\n");
+    writeFile(identityFile(), identityText("0", "0", "42", "1", LONG));
     auto handler = makeHandler();
     handler->addData("project_id", LONG, PROJECT);
     handler->addData("unknown", LONG, PROJECT);
@@ -245,7 +238,7 @@ class ReportOutOfMemory : public OutOfMemory {
     return handler;
   }
 
-  vestra_test::StandInLibrary library;
+  StandInLibrary library;
 };
 
 TEST_F(ReportOutOfMemory, PreparingGivesFalseOrThrowsAndCanBeTriedAgain) {
@@ -279,19 +272,17 @@ TEST_F(ReportOutOfMemory, RunningThrowsAndCanBeTriedAgain) {
 }
 
 TEST_F(ReportOutOfMemory, SendingLeavesTheOldOrTheNewIdentityAndNothingElse) {
-  const std::string before = "9223372036854775807\n0\n42\n1\n" + LONG + "\n";
-  const std::string after = "9223372036854775807\n0\n43\n1\n" + LONG + "\n";
   failEachAllocation(
       [&] {
         auto handler = makeHandlerWithItems();
-        writeFile(identityFile(), before);
+        writeFile(identityFile(), IDENTITY_NOT_DUE);
         return handler;
       },
       [](VestraHandler& handler) { handler.prepareVestraData() && handler.sendVestraData(); },
       [&](Outcome, VestraHandler&) {
         const std::string identity = readFile(identityFile());
-        EXPECT_TRUE(identity == before || identity == after) << identity;
-        for (const std::string& name : vestra_test::namesIn(project / "vestra")) {
+        EXPECT_TRUE(identity == IDENTITY_NOT_DUE || identity == IDENTITY_COUNTED) << identity;
+        for (const std::string& name : namesIn(project / "vestra")) {
           EXPECT_NE(name.rfind(".vestra-", 0), 0U) << name;
         }
       });
@@ -301,7 +292,7 @@ TEST_F(ReportOutOfMemory, CountingAnAttemptThrows) {
   VestraHandler owner;
   failEachAllocation(
       [&] {
-        writeFile(identityFile(), "9223372036854775807\n0\n42\n1\n" + LONG + "\n");
+        writeFile(identityFile(), IDENTITY_NOT_DUE);
         auto record = std::make_unique<VestraProjectInfo>(identityFile(), &owner);
         EXPECT_TRUE(record->loadOrCreate());
         return record;
@@ -309,9 +300,9 @@ TEST_F(ReportOutOfMemory, CountingAnAttemptThrows) {
       [](VestraProjectInfo& record) { record.recordSendAttempt(); },
       [&](Outcome outcome, VestraProjectInfo& record) {
         EXPECT_EQ(outcome, Outcome::BAD_ALLOC);
-        EXPECT_EQ(readFile(identityFile()), "9223372036854775807\n0\n42\n1\n" + LONG + "\n");
+        EXPECT_EQ(readFile(identityFile()), IDENTITY_NOT_DUE);
         EXPECT_FALSE(record.recordSendAttempt());
-        EXPECT_EQ(readFile(identityFile()), "9223372036854775807\n0\n43\n1\n" + LONG + "\n");
+        EXPECT_EQ(readFile(identityFile()), IDENTITY_COUNTED);
       });
 }
 

@@ -1,24 +1,17 @@
 // Many hosts at once in one project: it keeps its identity, the day counts once, and the
 // design tool reads whole files. VESTRA_FARM_HOSTS says how many hosts there are.
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <string>
 
 #include "support/farms/farm.h"
-#include "support/farms/report_check.h"
-#include "support/files.h"
+#include "support/report_check.h"
 #include "support/scenario/scenario.h"
 #include "support/temporary_directory.h"
 
 namespace vestra_test {
 namespace {
-
-using Oza::Vestra;
-using testing::MatchesRegex;
 
 int hostsOfAFarm() {
   const char* number = std::getenv("VESTRA_FARM_HOSTS");
@@ -32,9 +25,9 @@ struct Products {
 
 std::ostream& operator<<(std::ostream& out, const Products& products) { return out << products.name; }
 
-std::string productsName(const testing::TestParamInfo<Products>& info) { return info.param.name; }
+std::string productsName(const TestParamInfo<Products>& info) { return info.param.name; }
 
-class HostsAtOnce : public testing::TestWithParam<Products> {
+class HostsAtOnce : public TestWithParam<Products> {
  protected:
   /// A round in which no host had to wait for others in vain. A busy machine may hold hosts
   /// up for so long, fewer of them less so.
@@ -98,29 +91,29 @@ TEST_P(HostsAtOnce, NewHomeGetsOneIdentifier) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Products, HostsAtOnce,
-                         testing::Values(Products{"Simulators", {Vestra::KELVO}},
-                                         Products{"LabTools", {Vestra::TAVLO}},
-                                         Products{"Both", {Vestra::KELVO, Vestra::TAVLO}}),
+                         Values(Products{"Simulators", {Vestra::KELVO}},
+                                Products{"LabTools", {Vestra::TAVLO}},
+                                Products{"Both", {Vestra::KELVO, Vestra::TAVLO}}),
                          productsName);
 
 class NestedHost : public Scenario {};
 
 TEST_F(NestedHost, ToolMayStartAHostOfTheSameProject) {
-  writeIdentity("1000\n0\n7\n0\nproject-7\n");
+  writeIdentity(identityText("1000", "0", "7", "0", "project-7"));
   const std::string answer = sandbox.directory() + "/answer";
   useRecordingTool("LD_LIBRARY_PATH=" SUPPORT_LIBRARY_DIRECTORY " " FARM_HOST " " + sandbox.project() +
                    " 0 2 0 < /dev/null > " + answer);
-  const vestra::testkit::HostRun outer = sandbox.run(Vestra::KELVO, [] {});
+  const HostRun outer = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(outer.answer, true) << outer;
   EXPECT_THAT(readFile(answer), MatchesRegex("ready\nfalse [0-9]+\n"));
-  EXPECT_THAT(outer.identity->text, MatchesRegex("[0-9]{10}\n0\n9\n0\nproject-7\n"));
+  EXPECT_THAT(outer.identity->text, MatchesRegex(identityText(ANY_TIME, "0", "9", "0", "project-7")));
 }
 
 /// What the farm's own design tool makes of a script.
 class ReportCheck : public Scenario {
  protected:
   std::string scriptOf(const char* host) {
-    writeIdentity("9999999999\n0\n7\n0\nproject-7\n");
+    writeIdentity(identityText("9999999999", "0", "7", "0", "project-7"));
     return sandbox
         .run(Vestra::KELVO,
              [=] {

@@ -5,16 +5,12 @@
 
 #include "reliability/sanitized.h"
 #include "reliability/watched_host.h"
-#include "support/files.h"
 #include "support/special_files.h"
 
 namespace vestra_test {
 namespace {
 
 namespace fs = boost::filesystem;
-
-using testing::AnyOf;
-using testing::HasSubstr;
 
 // The shell may be making the log meanwhile.
 void removeAll(const std::string& path) {
@@ -30,7 +26,7 @@ class MeddledHost : public WatchedHost {
   /// the next one must report.
   void meddle(const std::function<void()>& deed, const std::function<void()>& repair) {
     const std::size_t calls = callsOfARun().size();
-    for (std::size_t number = 0; number < calls; number += SANITIZED ? 5 : 1) {
+    for (std::size_t number = 0; number < calls; number += STEP) {
       workplace.reset();
       const HostEnd end = runHost(workplace.start(), {Disturbance::MEDDLE, number, 0, deed});
       std::ostringstream what;
@@ -105,11 +101,7 @@ TEST_P(MeddledHost, HostOutlivesAPipeInTheRecordsPlaces) {
       });
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    TwoSituations, MeddledHost,
-    testing::Values(Situation{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME},
-                    Situation{Oza::Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME}),
-    situationName);
+INSTANTIATE_TEST_SUITE_P(TwoSituations, MeddledHost, Values(KNOWN_SIMULATOR, NEW_LAB_TOOL), situationName);
 
 }  // namespace
 }  // namespace vestra_test

@@ -1,21 +1,12 @@
 // Every system call that a report which is not due makes about its own files, and why
 // there is none more.
 
-#include <gmock/gmock.h>
-
-#include <string>
-#include <vector>
-
 #include "reliability/sanitized.h"
 #include "reliability/system_calls.h"
-#include "reliability/traced_host.h"
-#include "reliability/workplace.h"
-#include "support/files.h"
+#include "reliability/watched_host.h"
 
 namespace vestra_test {
 namespace {
-
-constexpr Situation KNOWN{Oza::Vestra::KELVO, Situation::KNOWN_PROJECT, Situation::KNOWN_HOME};
 
 /// Calls about the files of the workplace, and those that block a signal. Which of several
 /// calls asks for a status is the C library's and Boost's choice.
@@ -41,14 +32,14 @@ TEST(ReportNotDue, SystemCallsAboutItsFilesAreThese) {
   if (SANITIZED) {
     GTEST_SKIP() << "a sanitizer makes system calls of its own";
   }
-  const Workplace workplace(KNOWN);
-  writeFile(workplace.identityFile(), std::string("9999999999\n0\n7\n0\n") + KNOWN_PROJECT_ID + "\n");
+  const Workplace workplace(KNOWN_SIMULATOR);
+  writeFile(workplace.identityFile(), identityText("9999999999", "0", "7", "0", KNOWN_PROJECT_ID));
   ASSERT_EQ(runHost(workplace.start()).outcome, "answer false");
   const HostEnd end = runHost(workplace.start(), {Disturbance::WATCH});
 
   EXPECT_EQ(end.outcome, "answer false");
   EXPECT_THAT(callsAboutTheReport(workplace, end),
-              testing::ElementsAre(
+              ElementsAre(
                   // The settings are read to their end.
                   "openat home/.Calvix/Common/2018.2/vestra",   //
                   "stat home/.Calvix/Common/2018.2/vestra",     //

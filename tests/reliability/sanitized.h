@@ -1,6 +1,8 @@
 #ifndef VESTRA_TESTS_RELIABILITY_SANITIZED_H
 #define VESTRA_TESTS_RELIABILITY_SANITIZED_H
 
+#include <cstddef>
+
 namespace vestra_test {
 
 /// Whether this is a sanitizer's build, whose processes are slow and whose runtime
@@ -16,6 +18,9 @@ inline constexpr bool SANITIZED = false;
 #else
 inline constexpr bool SANITIZED = false;
 #endif
+
+/// Each so manieth system call of a host is tried.
+inline constexpr std::size_t STEP = SANITIZED ? 5 : 1;
 
 }  // namespace vestra_test
 

@@ -2,13 +2,6 @@
 
 namespace vestra_test {
 
-using Oza::Vestra;
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::SizeIs;
-using testing::StartsWith;
-
 void WatchedHost::SetUp() {
   if (const auto why = whyNothingIsTraced()) {
     GTEST_SKIP() << *why;
@@ -20,14 +13,18 @@ std::vector<SystemCall> WatchedHost::callsOfARun() {
   return runHost(workplace.start(), {Disturbance::WATCH}).calls;
 }
 
+void WatchedHost::expectQuietEnd(const HostEnd& end, const Matcher<std::string>& outcome) {
+  EXPECT_FALSE(end.signal) << end.signal.value_or(0);
+  EXPECT_THAT(end.outcome, outcome);
+  EXPECT_EQ(end.descriptorsLost, 0);
+  EXPECT_EQ(end.output, "");
+}
+
 void WatchedHost::expectThatAReportIsSent() {
   workplace.makeDue();
   HostStart start = workplace.start();
   start.keepsReportFiles = true;
-  const HostEnd end = runHost(start);
-  EXPECT_FALSE(end.signal);
-  EXPECT_EQ(end.outcome, "answer true");
-  EXPECT_EQ(end.output, "");
+  expectQuietEnd(runHost(start), "answer true");
   EXPECT_THAT(contentOf(workplace.scriptFile()).value_or("no file"),
               AllOf(StartsWith("vestra_init -vestra_dir " + workplace.inVestraDirectory("") + "\n"),
                     HasSubstr("-key runs -value \"2\""), EndsWith("vestra_terminate\n")));
@@ -46,7 +43,7 @@ std::vector<Situation> allSituations() {
   return all;
 }
 
-std::string situationName(const testing::TestParamInfo<Situation>& info) {
+std::string situationName(const TestParamInfo<Situation>& info) {
   const char* const projects[] = {"NewProject", "KnownProject"};
   const char* const homes[] = {"NewHome", "HomeWithoutIdentifier", "KnownHome"};
   const std::string product = info.param.product == Vestra::TAVLO ? "LabTool" : "Simulator";

@@ -1,13 +1,14 @@
 #include "reliability/workplace.h"
 
 #include <algorithm>
-#include <cctype>
 #include <ostream>
+#include <regex>
 #include <vector>
 
 #include <boost/filesystem.hpp>
 
 #include "support/files.h"
+#include "support/identity_text.h"
 
 namespace vestra_test {
 namespace {
@@ -20,37 +21,10 @@ constexpr const char* HOME_NAMES[] = {"a new home", "a home without identifier",
 constexpr const char* OTHER_LINES = "colour=blue\n# a note\nshape = round\n";
 constexpr const char* IDENTIFIER_LINE = "RandomID=3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e\n";
 
-constexpr std::size_t UUID_LENGTH = 36;
-constexpr std::size_t TIME_LENGTH = 10;
-
-bool isHexDigit(char letter) { return std::isxdigit(static_cast<unsigned char>(letter)) != 0; }
-
-bool isDigit(char letter) { return std::isdigit(static_cast<unsigned char>(letter)) != 0; }
-
-bool isIdentifier(const std::string& text) {
-  return text.size() == UUID_LENGTH && text[8] == '-' && text[13] == '-' && text[18] == '-' &&
-         text[23] == '-' && std::count_if(text.begin(), text.end(), isHexDigit) == UUID_LENGTH - 4;
-}
-
-bool isRecentTime(const std::string& text) {
-  return text.size() == TIME_LENGTH && std::all_of(text.begin(), text.end(), isDigit) &&
-         text != Workplace::oldTime();
-}
-
 std::string withoutChance(const std::string& text) {
-  std::string rest;
-  for (std::size_t i = 0; i < text.size();) {
-    if (isIdentifier(text.substr(i, UUID_LENGTH))) {
-      rest += "UUID";
-      i += UUID_LENGTH;
-    } else if (isRecentTime(text.substr(i, TIME_LENGTH))) {
-      rest += "TIME";
-      i += TIME_LENGTH;
-    } else {
-      rest += text[i++];
-    }
-  }
-  return rest;
+  static const std::regex identifier("[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}");
+  static const std::regex recentTime("(?!" + Workplace::oldTime() + ")[0-9]{10}");
+  return std::regex_replace(std::regex_replace(text, identifier, "UUID"), recentTime, "TIME");
 }
 
 std::string accountOf(const fs::path& path) {
@@ -128,7 +102,7 @@ std::optional<std::string> Workplace::identityBefore() const {
   if (situation.project == Situation::NEW_PROJECT) {
     return std::nullopt;
   }
-  return oldTime() + "\n0\n7\n0\n" + KNOWN_PROJECT_ID + "\n";
+  return identityText(oldTime(), "0", "7", "0", KNOWN_PROJECT_ID);
 }
 
 std::string Workplace::state() const {

@@ -1,7 +1,9 @@
 #ifndef VESTRA_TESTS_SUPPORT_CHILD_PROCESS_H
 #define VESTRA_TESTS_SUPPORT_CHILD_PROCESS_H
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace vestra_test {
@@ -22,6 +24,12 @@ std::string asOrdinaryUser(const Observation& observe);
 /// Observes in a process of its own whose root directory is the given one. Only root
 /// can.
 std::string inRootDirectory(const std::string& directory, const Observation& observe);
+
+/// Lets the kernel refuse a system call with this error from now on, to the end of the
+/// process: for a child process.
+/// @param third  Refuses only the calls whose third argument this is.
+/// @throws std::runtime_error where the kernel has no such filter.
+void failSystemCall(long number, int error, std::optional<std::uint32_t> third = std::nullopt);
 
 }  // namespace vestra_test
 

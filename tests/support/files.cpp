@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <locale>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -46,6 +47,15 @@ void writeFile(const std::string& path, const std::string& bytes) {
   if (!out.flush()) {
     throw std::runtime_error("cannot write " + path);
   }
+}
+
+std::vector<std::string> linesIn(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    lines.push_back(line);
+  }
+  return lines;
 }
 
 void dateFile(const std::string& path, std::chrono::system_clock::time_point time) {

@@ -13,6 +13,9 @@ std::string readFile(const std::string& path);
 /// Replaces a file, making its directories where they are missing.
 void writeFile(const std::string& path, const std::string& bytes);
 
+/// The lines of a text, without their ends.
+std::vector<std::string> linesIn(const std::string& text);
+
 /// Sets when a file was last read and written.
 void dateFile(const std::string& path, std::chrono::system_clock::time_point time);
 

@@ -60,6 +60,23 @@ void makeLink(const std::string& path, const std::string& target) {
   succeed(symlink(target.c_str(), path.c_str()), path);
 }
 
+const std::vector<Obstacle>& obstacles() {
+  static const std::vector<Obstacle> all = {
+      {"a directory", makeDirectory},
+      {"a named pipe", makeNamedPipe},
+      {"a link to a named pipe",
+       [](const std::string& path) {
+         makeNamedPipe(path + ".pipe");
+         makeLink(path, path + ".pipe");
+       }},
+      {"a socket", makeSocket},
+      {"a link to itself", [](const std::string& path) { makeLink(path, path); }},
+      {"a link into a missing directory",
+       [](const std::string& path) { makeLink(path, path + ".missing/elsewhere"); }},
+  };
+  return all;
+}
+
 ScopedMode::ScopedMode(std::string path, mode_t mode) : changed(std::move(path)), before(modeOf(changed)) {
   succeed(chmod(changed.c_str(), mode), changed);
 }

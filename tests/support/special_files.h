@@ -3,7 +3,9 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace vestra_test {
 
@@ -15,6 +17,13 @@ void makeNamedPipe(const std::string& path);
 /// A Unix-domain socket on which a process listened.
 void makeSocket(const std::string& path);
 void makeLink(const std::string& path, const std::string& target);
+
+/// What can stand in a file's place and be no file.
+struct Obstacle {
+  const char* name;
+  std::function<void(const std::string& path)> put;
+};
+const std::vector<Obstacle>& obstacles();
 
 /// Gives a file or directory its permission bits and the old ones back at the end.
 class ScopedMode {

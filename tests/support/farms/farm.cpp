@@ -15,6 +15,7 @@
 #include <boost/filesystem.hpp>
 
 #include "support/files.h"
+#include "support/identity_text.h"
 #include "support/process.h"
 
 namespace vestra_test {
@@ -93,7 +94,7 @@ class Ground {
 
 std::string identityBefore(Age age) {
   const std::time_t last = age == Age::YOUNG ? std::time(nullptr) - HOUR : 1000;
-  return std::to_string(last) + "\n0\n" + std::to_string(ITERATION_BEFORE) + "\n0\n" + IDENTIFIER + "\n";
+  return identityText(std::to_string(last), "0", std::to_string(ITERATION_BEFORE), "0", IDENTIFIER);
 }
 
 bool isFresh(const Farm& farm) { return farm.age == Age::FRESH || farm.age == Age::FRESH_HOME; }
@@ -144,12 +145,7 @@ void keepRightRules(const Ground& ground, const Farm& farm, Oza::Vestra::Product
 }
 
 std::vector<std::string> linesOf(const std::string& path) {
-  std::vector<std::string> lines;
-  std::istringstream in(exists(path) ? readFile(path) : "");
-  for (std::string line; std::getline(in, line);) {
-    lines.push_back(line);
-  }
-  return lines;
+  return linesIn(exists(path) ? readFile(path) : "");
 }
 
 /// The different identifiers that a round has met.

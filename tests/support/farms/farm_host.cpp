@@ -16,7 +16,7 @@
 
 #include <vestra/vestra.h>
 
-#include "support/farms/report_check.h"
+#include "support/report_check.h"
 
 using Oza::Vestra;
 

@@ -17,8 +17,8 @@
 #include <string>
 #include <thread>
 
-#include "support/farms/report_check.h"
 #include "support/files.h"
+#include "support/report_check.h"
 
 namespace {
 

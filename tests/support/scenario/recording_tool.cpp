@@ -1,7 +1,5 @@
 #include "support/scenario/recording_tool.h"
 
-#include <sstream>
-
 #include <boost/filesystem.hpp>
 
 #include "support/files.h"
@@ -11,14 +9,7 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-std::vector<std::string> linesOf(const std::string& path) {
-  std::vector<std::string> lines;
-  std::istringstream in(readFile(path));
-  for (std::string line; std::getline(in, line);) {
-    lines.push_back(line);
-  }
-  return lines;
-}
+std::vector<std::string> linesOf(const std::string& path) { return linesIn(readFile(path)); }
 
 std::string contentOrNothing(const std::string& path) { return exists(path) ? readFile(path) : ""; }
 

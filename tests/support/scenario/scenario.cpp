@@ -9,8 +9,6 @@
 
 #include <boost/filesystem.hpp>
 
-#include "support/files.h"
-
 namespace vestra_test {
 
 Scenario::Scenario() {

@@ -10,9 +10,15 @@
 #include <vestra/testkit/sandbox.h>
 #include <vestra/vestra.h>
 
+#include "support/files.h"
+#include "support/identity_text.h"
 #include "support/scenario/recording_tool.h"
 
 namespace vestra_test {
+
+using namespace testing;
+using namespace vestra::testkit;
+using Oza::Vestra;
 
 /// Six pairs of the user's environment, then one project fact.
 inline constexpr const char* ENVIRONMENT =
@@ -20,7 +26,7 @@ inline constexpr const char* ENVIRONMENT =
     "#date_generated#2026-11-21";
 
 /// A sandbox whose support library gives fixed answers.
-class Scenario : public ::testing::Test {
+class Scenario : public Test {
  protected:
   Scenario();
 
@@ -36,8 +42,8 @@ class Scenario : public ::testing::Test {
   std::string inVestraDirectory(const std::string& name) const;
   std::vector<std::string> filesInVestraDirectory() const;
 
-  vestra::testkit::Sandbox sandbox;
-  vestra::testkit::SupportAnswers answers;
+  Sandbox sandbox;
+  SupportAnswers answers;
 
  private:
   std::unique_ptr<RecordingTool> recordingTool;

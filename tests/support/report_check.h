@@ -1,5 +1,5 @@
-#ifndef VESTRA_TESTS_SUPPORT_FARMS_REPORT_CHECK_H
-#define VESTRA_TESTS_SUPPORT_FARMS_REPORT_CHECK_H
+#ifndef VESTRA_TESTS_SUPPORT_REPORT_CHECK_H
+#define VESTRA_TESTS_SUPPORT_REPORT_CHECK_H
 
 #include <ctime>
 #include <string>
@@ -19,6 +19,9 @@ inline constexpr const char* MARK = "host";
 /// @param now     The time, since the checksum has the hour in it; that of an hour ago is
 ///                right as well.
 std::string faultOf(const std::string& script, std::time_t now);
+
+/// Whether the checksum is that of the script's items and of this hour or the last one.
+bool isChecksumRight(const std::string& script, std::time_t now);
 
 /// The value of the script's first item with a key; empty without one.
 std::string valueOf(const std::string& script, const std::string& key);

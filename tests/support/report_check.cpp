@@ -1,12 +1,12 @@
-#include "support/farms/report_check.h"
-
-#include <zlib.h>
+#include "support/report_check.h"
 
 #include <algorithm>
 #include <array>
 #include <set>
-#include <sstream>
 #include <vector>
+
+#include "support/files.h"
+#include "support/zlib_crc32.h"
 
 namespace vestra_test {
 namespace {
@@ -61,20 +61,6 @@ std::string timeStamp(std::time_t moment) {
   return text.data();
 }
 
-std::string checksumOf(const std::string& text) {
-  return std::to_string(
-      crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
-}
-
-std::vector<std::string> linesIn(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
-    lines.push_back(line);
-  }
-  return lines;
-}
-
 /// The first line, then registrations and items, then two lines more.
 bool isComplete(const std::string& script, const std::vector<std::string>& lines) {
   return lines.size() > 3 && endsWith(script, "\n") && beginsWith(lines[0], "vestra_init -vestra_dir ") &&
@@ -94,15 +80,6 @@ std::multiset<std::string> marksOf(const std::vector<std::string>& lines) {
   return marks;
 }
 
-bool isChecksumRight(const std::vector<std::string>& lines, std::time_t now) {
-  std::string segments;
-  std::for_each(lines.begin() + 1, lines.end() - 2,
-                [&](const std::string& line) { segments += segmentOf(line); });
-  const std::string found = between(lines.end()[-2], " -clientid ", " ");
-  return found == checksumOf(timeStamp(now) + segments) ||
-         found == checksumOf(timeStamp(now - AN_HOUR) + segments);
-}
-
 }  // namespace
 
 std::string faultOf(const std::string& script, std::time_t now) {
@@ -117,7 +94,17 @@ std::string faultOf(const std::string& script, std::time_t now) {
   if (marks.count(*marks.begin()) != marks.size()) {
     return "mixed";
   }
-  return isChecksumRight(lines, now) ? "" : "checksum";
+  return isChecksumRight(script, now) ? "" : "checksum";
+}
+
+bool isChecksumRight(const std::string& script, std::time_t now) {
+  const std::vector<std::string> lines = linesIn(script);
+  std::string segments;
+  std::for_each(lines.begin() + 1, lines.end() - 2,
+                [&](const std::string& line) { segments += segmentOf(line); });
+  const std::string found = between(lines.end()[-2], " -clientid ", " ");
+  return found == zlibCrc32Text(timeStamp(now) + segments) ||
+         found == zlibCrc32Text(timeStamp(now - AN_HOUR) + segments);
 }
 
 std::string valueOf(const std::string& script, const std::string& key) {
