@@ -24,8 +24,10 @@ using vestra_test::Age;
 using vestra_test::Farm;
 using vestra_test::Harvest;
 
-constexpr std::pair<Age, const char*> AGES[] = {
-    {Age::YOUNG, "not due"}, {Age::OLD, "due"}, {Age::FRESH, "new"}, {Age::FRESH_HOME, "new, new home"}};
+constexpr std::pair<Age, const char*> AGES[] = {{Age::NOT_DUE, "not due"},
+                                                {Age::DUE, "due"},
+                                                {Age::NEW_PROJECT, "new"},
+                                                {Age::NEW_HOME, "new, new home"}};
 
 struct Condition {
   int hosts;
@@ -77,7 +79,7 @@ double medianDuration(std::vector<Harvest> rounds) {
 
 /// Throws when even the hosts that share nothing go wrong: then the measurement is at fault.
 void expectRight(const Farm& farm, const std::vector<Harvest>& alone) {
-  const int due = farm.age == Age::YOUNG ? 0 : farm.hosts;
+  const int due = farm.age == Age::NOT_DUE ? 0 : farm.hosts;
   if (perRound(alone, &Harvest::toolStarts) != due || faultsIn(alone) != "none") {
     throw std::runtime_error("hosts that share nothing do not report as they should: " + faultsIn(alone));
   }

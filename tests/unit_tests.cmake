@@ -1,13 +1,9 @@
 # The unit tests drive the inner classes, so they link the library's objects. They
-# bring a clock, a domain name, a shell, and calls of files of their own, which are the
-# real ones except where a test sets them.
-add_test_program(unit_tests SOURCES
-  support/interposed/clock.cpp
-  support/interposed/domain_name.cpp
-  support/interposed/file_calls.cpp
-  support/interposed/shell.cpp)
-# Its parameters have other names than those of the C library's header.
-set_source_files_properties(support/interposed/domain_name.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+# bring a clock, a domain name, a shell, and calls of files of their own, which tests set.
+add_test_program(unit_tests SOURCES support/interposed/c_library.cpp support/interposed/file_calls.cpp)
+# Their parameters have other names than those of the C library's headers.
+set_source_files_properties(support/interposed/c_library.cpp support/interposed/file_calls.cpp
+  PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 
 # The operator new that fails, and the very first use in a process, each need a
 # program of their own.

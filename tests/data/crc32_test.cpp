@@ -3,8 +3,8 @@
 #include <rapidcheck/gtest.h>
 
 #include "handler/vestra_handler.h"
+#include "support/report_check.h"
 #include "support/test.h"
-#include "support/zlib_crc32.h"
 
 namespace Oza {
 namespace {

@@ -32,23 +32,6 @@ TEST(HostsContext, IsNotAskedForItsClientWhileItIsEmpty) {
   EXPECT_EQ(context.asked, 0);
 }
 
-/// An item of a host's class, with a client of its own.
-class ForeignItem : public VestraAddData {
- public:
-  using VestraAddData::VestraAddData;
-  std::string getClient() override { return "host"; }
-};
-
-TEST(HostsItem, IsRenderedByItsOwnOperations) {
-  VestraParentData context("c", "p", true);
-  context.addChild(new VestraAddData("a", "1", &context));
-  context.addChild(new ForeignItem("b", "2", &context));
-  EXPECT_EQ(context.toTclString(),
-            "vestra_add_data -client p -key a -value \"1\" -context \"c\"\n"
-            "vestra_add_data -client host -key b -value \"2\" -context \"c\"\n");
-  EXPECT_EQ(context.toCRCSegment(), "a1pcb2hostc");
-}
-
 /// A node that does something while it is rendered, and contributes nothing.
 class ActingNode : public VestraDataInterface {
  public:

@@ -50,14 +50,6 @@ TEST(Context, AmongAnothersChildrenContributesItsOwnLines) {
   EXPECT_EQ(outer.toCRCSegment(), "kviinner");
 }
 
-TEST(Context, RendersAnItemOfAnotherContextAsThatOnes) {
-  VestraParentData other("usage", "kelvo", false);
-  VestraParentData context("user_environment", "project", true);
-  context.addChild(new VestraAddData("k", "v", &other));
-  EXPECT_EQ(context.toTclString(), "vestra_add_data -client kelvo -key k -value \"v\" -context \"usage\"\n");
-  EXPECT_EQ(context.toCRCSegment(), "kvkelvousage");
-}
-
 TEST(Context, RendersAndFreesItsChildrenThroughTheirInterface) {
   std::string ends;
   auto* context = new VestraParentData("c", "p", true);

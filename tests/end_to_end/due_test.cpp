@@ -8,7 +8,7 @@ namespace {
 
 class OnceADay : public Scenario {
  protected:
-  OnceADay() { useRecordingTool(); }
+  OnceADay() { useTool(); }
 
   bool send(Vestra::ProductType product) {
     return sandbox.run(product, [] {}).answer.value();
@@ -49,7 +49,7 @@ TEST_F(OnceADay, TheSandboxMovesTheLastReportIntoThePast) {
 }
 
 TEST_F(OnceADay, AToolThatFailsCountsAsStarted) {
-  useRecordingTool("exit 1");
+  useTool("exit 1");
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   EXPECT_EQ(run.answer, true);
   EXPECT_EQ(run.toolRuns.at(0).status, 1 << 8);
@@ -67,7 +67,7 @@ TEST_F(OnceADay, AToolThatIsMissingCountsAsStarted) {
 }
 
 TEST_F(OnceADay, AToolThatASignalEndsCountsAsStarted) {
-  useRecordingTool("kill -KILL $$");
+  useTool("kill -KILL $$");
   EXPECT_TRUE(send(Vestra::KELVO));
 }
 

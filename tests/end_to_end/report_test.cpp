@@ -4,6 +4,8 @@
 #include <ctime>
 #include <regex>
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include "support/report_check.h"
 #include "support/scenario/scenario.h"
 
@@ -14,31 +16,34 @@ using Report = Scenario;
 
 constexpr Vestra::SectionType PROJECT = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 
-/// The script's lines, with D for the vestra directory. Its checksum holds the hour.
-const char* const SIMULATORS_SCRIPT = R"(vestra_init -vestra_dir D
+/// The lines that both products' scripts begin with. D stands for the vestra directory.
+const char* const PROJECT_LINES = R"(vestra_init -vestra_dir D
 vestra_register_client -client project
 vestra_add_data -client project -key date_generated -value "2026-11-21" -context "software_version_and_target_device"
 vestra_add_data -client project -key product_version -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key build_version -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key os_platform -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key registration_id -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key tool_flow -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key beta -value "TRUE" -context "software_version_and_target_device"
+vestra_add_data -client project -key tool_flow -value "TOOL_FLOW" -context "software_version_and_target_device"
+vestra_add_data -client project -key beta -value "BETA" -context "software_version_and_target_device"
 vestra_add_data -client project -key route_design -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key target_family -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key target_device -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key target_package -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key target_speed -value "not_applicable" -context "software_version_and_target_device"
 vestra_add_data -client project -key random_id -value "0f0e0d0c-0b0a-4908-8706-050403020100" -context "software_version_and_target_device"
-vestra_add_data -client project -key project_id -value "project-7" -context "software_version_and_target_device"
-vestra_add_data -client project -key project_iteration -value "7" -context "software_version_and_target_device"
+vestra_add_data -client project -key project_id -value "PROJECT_ID" -context "software_version_and_target_device"
+vestra_add_data -client project -key project_iteration -value "ITERATION" -context "software_version_and_target_device"
 vestra_add_data -client project -key os_name -value "Linux" -context "user_environment"
 vestra_add_data -client project -key os_release -value "12" -context "user_environment"
 vestra_add_data -client project -key cpu_name -value "X1" -context "user_environment"
 vestra_add_data -client project -key cpu_speed -value "3 GHz" -context "user_environment"
 vestra_add_data -client project -key total_processors -value "8" -context "user_environment"
 vestra_add_data -client project -key system_ram -value "32 GB" -context "user_environment"
-vestra_register_client -client kelvo
+)";
+
+// The checksum holds the hour.
+const char* const SIMULATORS_LINES = R"(vestra_register_client -client kelvo
 vestra_add_data -client kelvo -key mode -value "batch" -context "kelvo\\command_line_options"
 vestra_add_data -client kelvo -key Runs -value "2" -context "kelvo\\usage"
 vestra_add_data -client kelvo -key Runs -value "3" -context "kelvo\\usage"
@@ -46,32 +51,8 @@ vestra_transmit -clientid CHECKSUM -regid "REG-1" -xml Dusage_statistics_ext_kel
 vestra_terminate
 )";
 
-// A new project, whose identifier the host supplies. Contexts 2 and 3 are empty and skipped
-// together; 4 is visited with 5.
-const char* const LAB_TOOLS_SCRIPT = R"(vestra_init -vestra_dir D
-vestra_register_client -client project
-vestra_add_data -client project -key date_generated -value "2026-11-21" -context "software_version_and_target_device"
-vestra_add_data -client project -key product_version -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key build_version -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key os_platform -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key registration_id -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key tool_flow -value "kelvo_orbelo" -context "software_version_and_target_device"
-vestra_add_data -client project -key beta -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key route_design -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key target_family -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key target_device -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key target_package -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key target_speed -value "not_applicable" -context "software_version_and_target_device"
-vestra_add_data -client project -key random_id -value "0f0e0d0c-0b0a-4908-8706-050403020100" -context "software_version_and_target_device"
-vestra_add_data -client project -key project_id -value "the-hosts" -context "software_version_and_target_device"
-vestra_add_data -client project -key project_iteration -value "1" -context "software_version_and_target_device"
-vestra_add_data -client project -key os_name -value "Linux" -context "user_environment"
-vestra_add_data -client project -key os_release -value "12" -context "user_environment"
-vestra_add_data -client project -key cpu_name -value "X1" -context "user_environment"
-vestra_add_data -client project -key cpu_speed -value "3 GHz" -context "user_environment"
-vestra_add_data -client project -key total_processors -value "8" -context "user_environment"
-vestra_add_data -client project -key system_ram -value "32 GB" -context "user_environment"
-vestra_register_client -client tavlo
+// Contexts 2 and 3 are empty and skipped together; 4 is visited with 5.
+const char* const LAB_TOOLS_LINES = R"(vestra_register_client -client tavlo
 vestra_add_data -client tavlo -key probes -value "4" -context "tavlo\\usage"
 vestra_transmit -clientid CHECKSUM -regid "REG-1" -xml Dusage_statistics_ext_tavlo.xml -html Dusage_statistics_ext_tavlo.html -wdm Dusage_statistics_ext_tavlo.wdm -intro "<H3>TAVLO Usage Report</H3><BR>"
 vestra_terminate
@@ -79,11 +60,17 @@ vestra_terminate
 
 class WholeScript : public Report {
  protected:
-  void expectScript(const HostRun& run, std::string expected) {
-    const std::string directory = inVestraDirectory("");
-    for (std::size_t at = 0; (at = expected.find(" D", at)) != std::string::npos; at += directory.size()) {
-      expected.replace(++at, 1, directory);
+  WholeScript() { writeSettings("RandomID=0f0e0d0c-0b0a-4908-8706-050403020100\n"); }
+
+  /// @param values  What stands for the words in the lines.
+  void expectScript(const HostRun& run, const char* productsLines,
+                    const std::vector<std::pair<const char*, const char*>>& values) {
+    std::string expected = std::string(PROJECT_LINES) + productsLines;
+    for (const auto& [word, value] : values) {
+      boost::algorithm::replace_all(expected, std::string("\"") + word + "\"",
+                                    std::string("\"") + value + "\"");
     }
+    boost::algorithm::replace_all(expected, " D", " " + inVestraDirectory(""));
     EXPECT_EQ(std::regex_replace(run.script, std::regex("-clientid [0-9]+ "), "-clientid CHECKSUM "),
               expected);
     EXPECT_TRUE(isChecksumRight(run.script, std::time(nullptr)));
@@ -92,7 +79,6 @@ class WholeScript : public Report {
 
 TEST_F(WholeScript, OfTheSimulator) {
   writeIdentity(identityText("0", "0", "7", "0", "project-7"));
-  writeSettings("RandomID=0f0e0d0c-0b0a-4908-8706-050403020100\n");
   const HostRun run = sandbox.run(Vestra::KELVO, [] {
     Vestra::add("Beta", "TRUE", PROJECT);
     Vestra::add("unknown", "x", PROJECT);
@@ -100,16 +86,21 @@ TEST_F(WholeScript, OfTheSimulator) {
     Vestra::add("Runs", "2", Vestra::KELVO_USAGE);
     Vestra::add("Runs", "3", Vestra::KELVO_USAGE);
   });
-  expectScript(run, SIMULATORS_SCRIPT);
+  expectScript(
+      run, SIMULATORS_LINES,
+      {{"TOOL_FLOW", "not_applicable"}, {"BETA", "TRUE"}, {"PROJECT_ID", "project-7"}, {"ITERATION", "7"}});
 }
 
 TEST_F(WholeScript, OfTheLabTool) {
-  writeSettings("RandomID=0f0e0d0c-0b0a-4908-8706-050403020100\n");
   const HostRun run = sandbox.run(Vestra::TAVLO, [] {
     Vestra::add("PROJECT_ID", "the-hosts", PROJECT);
     Vestra::add("probes", "4", Vestra::TAVLO_USAGE);
   });
-  expectScript(run, LAB_TOOLS_SCRIPT);
+  expectScript(run, LAB_TOOLS_LINES,
+               {{"TOOL_FLOW", "kelvo_orbelo"},
+                {"BETA", "not_applicable"},
+                {"PROJECT_ID", "the-hosts"},
+                {"ITERATION", "1"}});
   EXPECT_THAT(run.identity->text, MatchesRegex(identityText(ANY_TIME, "0", "2", "1", "the-hosts")));
 }
 
@@ -155,35 +146,35 @@ TEST_F(Report, HasRulesThatMapTheProjectAndTheProduct) {
 }
 
 TEST_F(Report, OfTheSimulatorStartsTheToolWithScriptAndRulesOnDisk) {
-  const RecordingTool& tool = useRecordingTool("echo tool output; echo tool error >&2");
+  const std::string copies = sandbox.directory() + "/copies";
+  const std::string tool =
+      useTool("printf '%s\\n' \"$@\"; pwd; LC_ALL=C ls -A " + inVestraDirectory("") + "; cp -r " +
+              inVestraDirectory("") + " " + copies + "; echo tool error >&2");
   const HostRun run = sandbox.run(Vestra::KELVO, [] {});
   const std::string script = inVestraDirectory("kelvo_vestra.tcl");
   EXPECT_EQ(run.answer, true);
   ASSERT_THAT(run.toolRuns, SizeIs(1));
-  EXPECT_EQ(run.toolRuns[0].commandLine, tool.command() + " -mode batch -source " + script + " -notrace ");
+  EXPECT_EQ(run.toolRuns[0].commandLine, tool + " -mode batch -source " + script + " -notrace ");
   EXPECT_EQ(run.toolRuns[0].status, 0);
   // The simulator's tool writes to the host's own output.
-  EXPECT_EQ(run.toolRuns[0].output, "tool output\ntool error\n");
+  EXPECT_EQ(run.toolRuns[0].output, "-mode\nbatch\n-source\n" + script + "\n-notrace\n" +
+                                        sandbox.directory() +
+                                        "\n.kelvo_vestrra.info\nkelvo_vestra.tcl\n"
+                                        "usage_statistics_ext_kelvo.wdm\ntool error\n");
   EXPECT_THAT(run, EndedQuietly());
-  ASSERT_THAT(tool.invocations(), SizeIs(1));
-  const Invocation seen = tool.invocations()[0];
-  EXPECT_THAT(seen.arguments, ElementsAre("-mode", "batch", "-source", script, "-notrace"));
-  EXPECT_EQ(seen.workingDirectory, sandbox.directory());
-  EXPECT_THAT(seen.files,
-              ElementsAre(".kelvo_vestrra.info", "kelvo_vestra.tcl", "usage_statistics_ext_kelvo.wdm"));
-  EXPECT_EQ(seen.script, run.script);
-  EXPECT_EQ(seen.rules, run.rulesFile);
+  EXPECT_EQ(readFile(copies + "/kelvo_vestra.tcl"), run.script);
+  EXPECT_EQ(readFile(copies + "/usage_statistics_ext_kelvo.wdm"), run.rulesFile);
   EXPECT_THAT(filesInVestraDirectory(), ElementsAre(".kelvo_vestrra.info"));
 }
 
 TEST_F(Report, OfTheLabToolLeavesTheToolsOutputInItsLog) {
   const std::string log = inVestraDirectory("tavlo_vestra.log");
   writeFile(log, "an old log\n");
-  const RecordingTool& tool = useRecordingTool("echo tool output; echo tool error >&2");
+  const std::string tool = useTool("echo tool output; echo tool error >&2");
   const HostRun run = sandbox.run(Vestra::TAVLO, [] {});
   EXPECT_EQ(run.answer, true);
   ASSERT_THAT(run.toolRuns, SizeIs(1));
-  EXPECT_EQ(run.toolRuns[0].commandLine, tool.command() + " -mode batch -source " +
+  EXPECT_EQ(run.toolRuns[0].commandLine, tool + " -mode batch -source " +
                                              inVestraDirectory("tavlo_vestra.tcl") + " -notrace  > " + log +
                                              " 2>&1");
   EXPECT_EQ(readFile(log), "tool output\ntool error\n");

@@ -11,7 +11,7 @@ namespace {
 
 class SeveralSends : public Scenario {
  protected:
-  SeveralSends() { useRecordingTool(); }
+  SeveralSends() { useTool(); }
 };
 
 TEST_F(SeveralSends, SecondSendInAProcessKeepsTheItemsAndTheFirstFacts) {

@@ -1,30 +1,22 @@
 #include "files/descriptor.h"
 
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
-#include <optional>
-#include <string>
 
-#include "support/files.h"
 #include "support/interposed/file_calls.h"
-#include "support/temporary_directory.h"
-#include "support/time_limit.h"
+#include "support/test.h"
 
 namespace Oza {
 namespace {
 
-using vestra_test::writeFile;
-
-class OpenFile : public testing::Test {
+class OpenFile : public Test {
  protected:
-  vestra_test::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   std::string path = directory / "file";
-  vestra_test::TimeLimit limit;
+  TimeLimit limit;
 };
 
 TEST_F(OpenFile, IsReadToItsPresentEndOrTheMostThatIsAskedFor) {
@@ -61,13 +53,13 @@ TEST_F(OpenFile, IsWrittenAtItsBeginning) {
   for (const std::string text : {"", "x", "xy"}) {
     writeFile(path, "old");
     EXPECT_EQ(Descriptor(path, O_WRONLY).write(text), text.size());
-    EXPECT_EQ(vestra_test::readFile(path), text + std::string("old").substr(text.size()));
+    EXPECT_EQ(readFile(path), text + std::string("old").substr(text.size()));
   }
 }
 
 TEST_F(OpenFile, IsOpenedAgainAfterEachSignal) {
   writeFile(path, "text");
-  vestra_test::interruptOpen(3);
+  interruptOpen(3);
   EXPECT_EQ(Descriptor(path, O_RDONLY).read(), "text");
 }
 

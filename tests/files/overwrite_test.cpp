@@ -42,14 +42,14 @@ class OverwrittenFile : public Test {
   std::string path = directory / "file";
 };
 
-TEST_F(OverwrittenFile, FileHoldsTheTextWhateverItsLength) {
+TEST_F(OverwrittenFile, HoldsTheTextWhateverItsLength) {
   EXPECT_EQ(overwritten("", "text"), "text");
   EXPECT_EQ(overwritten("long text", "text"), "text");
   EXPECT_EQ(overwritten("te", "text"), "text");
   EXPECT_EQ(overwritten("text", ""), "");
 }
 
-TEST_F(OverwrittenFile, FileThatWasReadInPartIsCutToTheText) {
+TEST_F(OverwrittenFile, ThatWasReadInPartIsCutToTheText) {
   writeFile(path, "a long text");
   EXPECT_TRUE(overwrite(Descriptor(path, O_RDWR), "a", "text"));
   EXPECT_EQ(readFile(path), "text");

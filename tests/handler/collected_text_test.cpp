@@ -6,8 +6,8 @@
 
 #include "data/contexts.h"
 #include "handler/report_script.h"
+#include "support/report_check.h"
 #include "support/test.h"
-#include "support/zlib_crc32.h"
 
 namespace Oza {
 namespace {

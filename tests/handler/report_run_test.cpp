@@ -3,7 +3,7 @@
 #include "handler/command_line.h"
 #include "handler/report_fixture.h"
 #include "handler/support_library.h"
-#include "support/interposed/shell.h"
+#include "support/interposed/c_library.h"
 
 namespace Oza {
 namespace {
@@ -239,28 +239,6 @@ TEST_F(ReportRun, IsStartedOnceADayForEachSlotEvenWhenTheToolFails) {
   EXPECT_THAT(filesLeft(), ElementsAre(".kelvo_vestrra.info", "kelvo_vestra.tcl", "tavlo_vestra.tcl",
                                        "usage_statistics_ext_kelvo.wdm", "usage_statistics_ext_tavlo.wdm"));
   EXPECT_TRUE(support_library::isOpen());
-}
-
-// A real shell and a real tool.
-
-TEST_F(ReportRun, ByARealShellGivesTheToolItsArgumentsAndFillsTheLog) {
-  writeFile(project / "tool", "#!/bin/sh\nprintf '<%s>' \"$@\"\necho problem >&2\n");
-  chmod((project / "tool").c_str(), 0755);
-  prepareFor(Vestra::TAVLO);
-  library.nameTool(project / "tool");
-  writeFile(handler.getLogFileName(), "old");
-  EXPECT_TRUE(handler.execVestraData());
-  EXPECT_EQ(readFile(handler.getLogFileName()),
-            "<-mode><batch><-source><" + project.path() + "/vestra/tavlo_vestra.tcl><-notrace>problem\n");
-}
-
-TEST_F(ReportRun, ByARealShellTellsWhetherTheToolSucceeded) {
-  for (const auto& [tool, isSuccess] :
-       {std::pair{"/bin/false", false}, {"/bin/true", true}, {"/missing/tool", false}}) {
-    prepareFor(Vestra::TAVLO);
-    library.nameTool(tool);
-    EXPECT_EQ(handler.execVestraData(), isSuccess) << tool;
-  }
 }
 
 }  // namespace

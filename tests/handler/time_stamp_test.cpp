@@ -2,7 +2,7 @@
 
 #include "handler/time_stamp.h"
 #include "handler/vestra_handler.h"
-#include "support/interposed/clock.h"
+#include "support/interposed/c_library.h"
 #include "support/test.h"
 
 namespace Oza {

@@ -1,7 +1,7 @@
 #include <boost/algorithm/string/case_conv.hpp>
 
 #include "handler/vestra_handler.h"
-#include "support/interposed/domain_name.h"
+#include "support/interposed/c_library.h"
 #include "support/test.h"
 
 namespace Oza {
@@ -34,16 +34,6 @@ TEST_F(Site, IsInternalWhereTheDomainNameHoldsTheMakers) {
     EXPECT_EQ(another.isInternal(), isInternal);
     EXPECT_EQ(domain.calls(), 1);
   }
-}
-
-TEST_F(Site, StaysExternalWhenTheDomainNameChanges) {
-  {
-    const ScopedDomainName before("elsewhere.example");
-    EXPECT_FALSE(handler.isInternal());
-  }
-  const ScopedDomainName after(MAKER_DOMAIN);
-  EXPECT_FALSE(handler.isInternal());
-  EXPECT_EQ(after.calls(), 0);
 }
 
 TEST_F(Site, StaysInternalUnderAnEmptyOverride) {

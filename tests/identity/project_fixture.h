@@ -3,7 +3,7 @@
 
 #include "handler/vestra_handler.h"
 #include "identity/vestra_project_info.h"
-#include "support/interposed/clock.h"
+#include "support/interposed/c_library.h"
 #include "support/test.h"
 
 namespace vestra_test {

@@ -221,11 +221,17 @@ TEST_F(CorruptIdentity, CannotBeCreatedWithoutPermission) {
   }
 }
 
-TEST_F(CorruptIdentity, CannotBeCreatedWhenADirectoryIsAFile) {
-  writeFile(project / "vestra", "");
+TEST_F(CorruptIdentity, CannotBeCreatedWhenADirectoryIsAFileOrALinkToNone) {
+  const std::string place = project / "vestra";
+  for (const std::string& target : {place, project / "missing"}) {
+    makeLink(place, target);
+    EXPECT_FALSE(loads()) << target;
+    unlink(place.c_str());
+  }
+  writeFile(place, "");
   EXPECT_FALSE(loads());
-  EXPECT_EQ(readFile(project / "vestra"), "");
-  handler.setProjectDirectory(project / "vestra");
+  EXPECT_EQ(readFile(place), "");
+  handler.setProjectDirectory(place);
   EXPECT_FALSE(handler.setupVestraInfo());
 }
 

@@ -1,9 +1,7 @@
 #include <rapidcheck/gtest.h>
 
-#include <array>
 #include <cstdint>
 #include <limits>
-#include <sstream>
 
 #include "identity/project_identity.h"
 #include "support/test.h"
@@ -96,21 +94,6 @@ TEST(ProjectIdentity, IsRefusedWhenANumberDoesNotFit) {
   for (const char* line : {"3000000000", "2147483648", "-2147483649", "9223372036854775807"}) {
     EXPECT_THROW(read(withLine(3, line)), std::out_of_range) << line;
     EXPECT_NO_THROW(read(withLine(2, line))) << line;
-  }
-}
-
-TEST(ProjectIdentity, CutAnywhereIsReadToItsEnd) {
-  const std::string good = identityText("1700", "1701", "42", "1", "abc");
-  for (std::size_t length = 0; length <= good.size(); ++length) {
-    std::array<std::string, 5> lines{"0", "0", "1", "0", ""};
-    std::istringstream in(good.substr(0, length));
-    for (std::size_t i = 0; std::getline(in, lines[i]) && i < 4; ++i) {
-    }
-    for (std::size_t i = 0; i < 4; ++i) {
-      lines[i] = lines[i].empty() ? (i == 2 ? "1" : "0") : lines[i];
-    }
-    EXPECT_EQ(rewritten(good.substr(0, length)),
-              identityText(lines[0], lines[1], lines[2], lines[3], lines[4]));
   }
 }
 

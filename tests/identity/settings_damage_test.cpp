@@ -43,7 +43,8 @@ TEST_F(CorruptSettings, AreReadAndAppendedTo) {
        "", NextRun::GETS_THE_SAME},
       {"no UUID", "RandomID=not a uuid \xff\n", "not a uuid \xff", NextRun::GETS_THE_SAME},
       {"behind a long line", std::string(1000000, 'x') + "\nRandomID=abc\n", "abc", NextRun::GETS_THE_SAME},
-      {"behind the first MiB", std::string(1U << 20U, '\n') + "RandomID=abc\n", "", NextRun::GETS_A_NEW_ONE},
+      {"behind the first MiB", std::string((1U << 20U) - 1, 'x') + "\nRandomID=abc\n", "",
+       NextRun::GETS_A_NEW_ONE},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.damage);
@@ -137,11 +138,17 @@ TEST_F(CorruptSettings, GiveNoIdentifierWhereTheirDirectoryCannotBeUsed) {
 }
 
 TEST_F(CorruptSettings, GiveNoIdentifierUntilTheirDirectoryCanBeMade) {
-  writeFile(home / ".Calvix/Common", "");
+  const std::string place = home / ".Calvix/Common";
   VestraSetting setting;
+  writeFile(place, "");
   EXPECT_EQ(setting.getRandomId(), "");
-  EXPECT_EQ(readFile(home / ".Calvix/Common"), "");
-  unlink((home / ".Calvix/Common").c_str());
+  EXPECT_EQ(readFile(place), "");
+  for (const std::string& target : {place, home / "missing"}) {
+    unlink(place.c_str());
+    makeLink(place, target);
+    EXPECT_EQ(setting.getRandomId(), "") << target;
+  }
+  unlink(place.c_str());
   const std::string identifier = setting.getRandomId();
   EXPECT_EQ(settings(), "RandomID=" + identifier + "\n");
 }

@@ -162,22 +162,6 @@ TEST_F(ProjectInfo, GoesOnWhenItCannotBeWritten) {
   EXPECT_EQ(namesIn(project.path()), std::vector<std::string>{});
 }
 
-TEST_F(ProjectInfo, WithAPathShorterThanTheNameMakesItADirectory) {
-  const std::string path = "/tmp/vestra-x";
-  ASSERT_FALSE(exists(path));
-  VestraProjectInfo odd(path, &handler);
-  EXPECT_FALSE(odd.loadOrCreate());
-  EXPECT_EQ(namesIn(path), std::vector<std::string>{});
-  EXPECT_EQ(rmdir(path.c_str()), 0);
-}
-
-TEST_F(ProjectInfo, WithTheNameAloneForAPathHasNoDirectoryToMake) {
-  const ScopedCurrentDirectory here(project.path());
-  VestraProjectInfo bare(".kelvo_vestrra.info", &handler);
-  EXPECT_FALSE(bare.loadOrCreate());
-  EXPECT_FALSE(exists(project / ".kelvo_vestrra.info"));
-}
-
 TEST_F(ProjectInfo, OfAHandlerLiesInItsProjectAndIsMadeAnewEachTime) {
   EXPECT_TRUE(handler.setupVestraInfo());
   EXPECT_EQ(namesIn(project / "vestra"), std::vector<std::string>{".kelvo_vestrra.info"});

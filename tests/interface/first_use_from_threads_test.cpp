@@ -9,7 +9,7 @@ namespace Oza {
 namespace {
 
 // Nothing else may use the manager in this program.
-TEST(FirstUseFromThreads, FirstUseMakesOneManagerForAll) {
+TEST(FirstUseFromThreads, MakesOneManagerForAll) {
   constexpr unsigned int threadCount = 16;
   const TemporaryDirectory home;
   const ScopedEnv homeVariable("HOME", home.path());

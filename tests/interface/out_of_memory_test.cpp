@@ -61,12 +61,6 @@ void failEachAllocation(Make make, Operate operate, Check check) {
 
 struct Nothing {};
 
-template <typename Operate>
-void failEachAllocationOf(Operate operate) {
-  failEachAllocation([] { return std::make_unique<Nothing>(); }, [&](Nothing&) { operate(); },
-                     [](Outcome outcome, Nothing&) { EXPECT_EQ(outcome, Outcome::BAD_ALLOC); });
-}
-
 class OutOfMemory : public Test {
  protected:
   OutOfMemory() { writeFile(home / ".Calvix/Common/2018.2/vestra", "RandomID=" + LONG + "\n"); }
@@ -84,25 +78,32 @@ class OutOfMemory : public Test {
   ScopedEnv homeVariable{"HOME", home.path()};
 };
 
-TEST_F(OutOfMemory, MakingAContextOrAnItemLeavesNothing) {
-  failEachAllocationOf([] {
-    VestraParentData context(LONG, LONG, true);
-    auto item = std::make_unique<VestraAddData>(LONG, LONG, &context);
-    context.addChild(item.get());
-    static_cast<void>(item.release());
-  });
-}
-
-TEST_F(OutOfMemory, MakingAHandlerLeavesNothing) {
-  failEachAllocationOf([] { const VestraHandler handler; });
-}
-
-TEST_F(OutOfMemory, MakingTheSettingsLeavesNothing) {
-  failEachAllocationOf([] { const VestraSetting setting; });
-}
-
-TEST_F(OutOfMemory, MakingAManagerLeavesNothing) {
-  failEachAllocationOf([] { const VestraMgr manager; });
+TEST_F(OutOfMemory, NothingIsLeftOfWhatCannotBeMade) {
+  VestraParentData context(LONG + "\\\\", LONG, true);
+  context.addChild(new VestraAddData(LONG, LONG, &context));
+  const std::string resolver = project / "resolv.conf";
+  writeFile(resolver, LONG);
+  const std::pair<const char*, std::function<void()>> rows[] = {
+      {"a context with an item",
+       [] {
+         VestraParentData made(LONG, LONG, true);
+         auto item = std::make_unique<VestraAddData>(LONG, LONG, &made);
+         made.addChild(item.get());
+         static_cast<void>(item.release());
+       }},
+      {"a handler", [] { const VestraHandler handler; }},
+      {"settings", [] { const VestraSetting setting; }},
+      {"a manager", [] { const VestraMgr manager; }},
+      {"lines", [&] { context.toTclString(); }},
+      {"a segment", [&] { context.toCRCSegment(); }},
+      {"a rules block", [&] { context.getWdmString(); }},
+      {"a site's text", [&] { EXPECT_EQ(siteText("", resolver), LONG); }},
+  };
+  for (const auto& [name, make] : rows) {
+    SCOPED_TRACE(name);
+    failEachAllocation([] { return std::make_unique<Nothing>(); }, [&](Nothing&) { make(); },
+                       [](Outcome outcome, Nothing&) { EXPECT_EQ(outcome, Outcome::BAD_ALLOC); });
+  }
 }
 
 TEST_F(OutOfMemory, ManagerOfTheProcessIsTriedAgain) {
@@ -126,14 +127,6 @@ TEST_F(OutOfMemory, AddingAnItemLeavesTheContextAsItWas) {
                      });
 }
 
-TEST_F(OutOfMemory, RenderingAnItemLeavesNothing) {
-  VestraParentData context(LONG + "\\\\", LONG, true);
-  context.addChild(new VestraAddData(LONG, LONG, &context));
-  failEachAllocationOf([&] { context.toTclString(); });
-  failEachAllocationOf([&] { context.toCRCSegment(); });
-  failEachAllocationOf([&] { context.getWdmString(); });
-}
-
 TEST_F(OutOfMemory, OrderingTheProjectsFactsLosesNone) {
   failEachAllocation(
       [&] {
@@ -151,12 +144,6 @@ TEST_F(OutOfMemory, OrderingTheProjectsFactsLosesNone) {
         handler.uniqueAndReorderData();
         EXPECT_EQ(handler.getOrbeloProjectId(), LONG);
       });
-}
-
-TEST_F(OutOfMemory, ReadingTheResolverFileLeavesNothing) {
-  const std::string resolver = project / "resolv.conf";
-  writeFile(resolver, LONG);
-  failEachAllocationOf([&] { EXPECT_EQ(siteText("", resolver), LONG); });
 }
 
 TEST_F(OutOfMemory, SettingTheProjectDirectoryLeavesTheOldOne) {

@@ -35,7 +35,7 @@ class Disk : public WatchedHost {
   PrivateMounts mounts;
 };
 
-TEST_P(Disk, FullHomeLosesNoOlderLine) {
+TEST_P(Disk, ThatIsFullLosesNoOlderLineOfTheSettings) {
   mountOver(workplace.home(), SMALL);
   fill(workplace.home());
   expectQuietEnd(runHost(workplace.start()), "answer true");
@@ -44,7 +44,7 @@ TEST_P(Disk, FullHomeLosesNoOlderLine) {
   expectThatAReportIsSent();
 }
 
-TEST_P(Disk, HomeWithoutInodesLosesNoOlderLine) {
+TEST_P(Disk, WithoutInodesLosesNoOlderLineOfTheSettings) {
   mountOver(workplace.home(), "nr_inodes=6");
   for (int number = 0; number < 6; ++number) {
     boost::system::error_code full;
@@ -54,7 +54,7 @@ TEST_P(Disk, HomeWithoutInodesLosesNoOlderLine) {
   EXPECT_THAT(contentOf(workplace.settingsFile()).value_or(""), StartsWith(workplace.settingsBefore()));
 }
 
-TEST_P(Disk, FullProjectIsNotNoticed) {
+TEST_P(Disk, ThatIsFullIsNotNoticedInTheProject) {
   mountOver(workplace.project(), projectIsKnown() ? "size=24k" : SMALL);
   fill(workplace.project());
   expectQuietEnd(runHost(workplace.start()), "answer true");
@@ -67,13 +67,13 @@ TEST_P(Disk, FullProjectIsNotNoticed) {
 /// A known project needs no new inode but the script's.
 class DiskOfANewProject : public Disk {};
 
-TEST_P(DiskOfANewProject, NewProjectWithoutInodesGivesTheReportUp) {
+TEST_P(DiskOfANewProject, WithoutInodesStopsTheReport) {
   mountOver(workplace.project(), "nr_inodes=1");
   expectQuietEnd(runHost(workplace.start()), "answer false");
   EXPECT_TRUE(namesIn(workplace.project()).empty());
 }
 
-TEST_P(Disk, ReadOnlyHomeGivesTheIdentifierThatIsThere) {
+TEST_P(Disk, ThatIsReadOnlyGivesTheIdentifierThatIsThere) {
   mountOver(workplace.home(), "");
   mounts.makeReadOnly(workplace.home());
   const std::string before = contentOf(workplace.settingsFile()).value_or("no file");
@@ -86,7 +86,7 @@ TEST_P(Disk, ReadOnlyHomeGivesTheIdentifierThatIsThere) {
               HasSubstr(isThere ? "-key random_id -value \"3f2a9c4e-" : "-key random_id -value \"\""));
 }
 
-TEST_P(Disk, ReadOnlyProjectGivesTheReportUp) {
+TEST_P(Disk, ThatIsReadOnlyStopsTheReport) {
   mountOver(workplace.project(), "");
   mounts.makeReadOnly(workplace.project());
   expectQuietEnd(runHost(workplace.start()), "answer false");
@@ -95,16 +95,7 @@ TEST_P(Disk, ReadOnlyProjectGivesTheReportUp) {
   expectThatAReportIsSent();
 }
 
-TEST_P(Disk, MissingHomeAndProjectAreMadeAnew) {
-  fs::remove_all(workplace.home());
-  fs::remove_all(workplace.project());
-  expectQuietEnd(runHost(workplace.start()), "answer true");
-  EXPECT_THAT(readFile(workplace.settingsFile()), MatchesRegex("RandomID=[0-9a-f-]{36}\n"));
-  EXPECT_THAT(readFile(workplace.identityFile()),
-              MatchesRegex(identityText(ANY_TIME, "0", "2", "0", ANY_UUID)));
-}
-
-TEST_P(Disk, MissingShellCountsTheReportAsSentAndCleansUp) {
+TEST_P(Disk, WithoutAShellCountsTheReportAsSentAndCleansUp) {
   mounts.mountMemory(fs::canonical("/bin/sh").parent_path().string());
   expectQuietEnd(runHost(workplace.start()), "answer true");
   EXPECT_FALSE(exists(workplace.scriptFile()));

@@ -98,7 +98,7 @@ class FailingCall : public WatchedHost {
   }
 };
 
-TEST_P(FailingCall, EachFailureLeavesAnAnswerTheFilesAndTheNextRunInOrder) {
+TEST_P(FailingCall, LeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   const std::vector<SystemCall> calls = callsOfARun();
   std::map<std::string, int> triedOf;
   int tried = 0;
@@ -118,7 +118,7 @@ TEST_P(FailingCall, EachFailureLeavesAnAnswerTheFilesAndTheNextRunInOrder) {
   EXPECT_GT(tried, triesAllErrors() ? 300 : 50);
 }
 
-TEST_P(FailingCall, TwoFailedOpeningsOfARecordLeaveItAsItWas) {
+TEST_P(FailingCall, OfTwoOpeningsOfARecordLeavesItAsItWas) {
   const std::vector<SystemCall> calls = callsOfARun();
   int openings = 0;
   for (std::size_t number = 0; number < calls.size(); ++number) {
@@ -136,9 +136,9 @@ TEST_P(FailingCall, TwoFailedOpeningsOfARecordLeaveItAsItWas) {
 
 INSTANTIATE_TEST_SUITE_P(EachSituation, FailingCall, ValuesIn(allSituations()), situationName);
 
-class DamagedIdentity : public WatchedHost {
+class CorruptIdentityOfAHost : public WatchedHost {
  protected:
-  HostEnd runOnDamage(const Disturbance& disturbance) {
+  HostEnd runOnCorruption(const Disturbance& disturbance) {
     workplace.reset();
     writeFile(workplace.identityFile(), "no number\n");
     return runHost(workplace.start(), disturbance);
@@ -146,14 +146,14 @@ class DamagedIdentity : public WatchedHost {
 };
 
 // Read again, since another host may be writing it. What stays damaged is deleted.
-TEST_P(DamagedIdentity, IdentityStaysWhereItCannotBeReadAgain) {
-  const std::vector<SystemCall> calls = runOnDamage({Disturbance::WATCH}).calls;
+TEST_P(CorruptIdentityOfAHost, StaysWhereItCannotBeReadAgain) {
+  const std::vector<SystemCall> calls = runOnCorruption({Disturbance::WATCH}).calls;
   EXPECT_FALSE(contentOf(workplace.identityFile()));
   int reads = 0;
   for (std::size_t number = 0; number < calls.size(); ++number) {
     if (calls[number].number == SYS_pread64 && calls[number].subject == workplace.identityFile()) {
       SCOPED_TRACE(number);
-      EXPECT_EQ(runOnDamage({Disturbance::FAIL, number, EIO}).outcome, "answer false");
+      EXPECT_EQ(runOnCorruption({Disturbance::FAIL, number, EIO}).outcome, "answer false");
       EXPECT_EQ(contentOf(workplace.identityFile()), "no number\n");
       ++reads;
     }
@@ -161,7 +161,7 @@ TEST_P(DamagedIdentity, IdentityStaysWhereItCannotBeReadAgain) {
   EXPECT_EQ(reads, 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(KnownProject, DamagedIdentity, Values(KNOWN_SIMULATOR), situationName);
+INSTANTIATE_TEST_SUITE_P(KnownProject, CorruptIdentityOfAHost, Values(KNOWN_SIMULATOR), situationName);
 
 }  // namespace
 }  // namespace vestra_test

@@ -88,7 +88,7 @@ class KilledHost : public WatchedHost {
   }
 };
 
-TEST_P(KilledHost, FilesAfterEachKillAreReadAsTabulated) {
+TEST_P(KilledHost, LeavesFilesThatTheNextReadsAsTabulated) {
   const std::vector<SystemCall> calls = callsOfARun();
   for (std::size_t number = 0; number < calls.size(); number += STEP) {
     killAt(number);
@@ -112,7 +112,7 @@ class SuppliedIdentifier : public WatchedHost {
   std::string identity() const { return contentOf(workplace.identityFile()).value_or("missing"); }
 };
 
-TEST_P(SuppliedIdentifier, OnlyAnEmptyFileLosesTheMarkOfTheHostsIdentifier) {
+TEST_P(SuppliedIdentifier, LosesItsMarkByAnEmptyFileOnly) {
   workplace.reset();
   const std::size_t calls = runHost(startWithIdentifier(), {Disturbance::WATCH}).calls.size();
   int lost = 0;

@@ -62,12 +62,6 @@ TEST_F(Lifecycle, AThreadMaySendAndEndTheProcess) {
   EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", "2"));
 }
 
-TEST_F(Lifecycle, AThreadThatHasEndedLeavesItsItems) {
-  const HostRun run = sandbox.run(
-      Vestra::KELVO, [] { std::thread([] { Vestra::add("runs", "2", Vestra::KELVO_USAGE); }).join(); });
-  EXPECT_THAT(run, HasItem(Vestra::KELVO_USAGE, "runs", "2"));
-}
-
 /// Destroyed after the manager when it is made before the first call; says in a file
 /// what each entry point gave then.
 class LateCaller {

@@ -52,7 +52,7 @@ class LimitedHost : public WatchedHost {
   }
 };
 
-TEST_P(LimitedHost, FileBeyondTheSizeLimitDoesNotEndTheHost) {
+TEST_P(LimitedHost, OutlivesAFileBeyondTheSizeLimit) {
   for (rlim_t bytes = 0; bytes < 1200; bytes += bytes < 60 ? 3 : 60) {
     SCOPED_TRACE(std::to_string(bytes) + " bytes for each file");
     const HostEnd end = runWithin(RLIMIT_FSIZE, bytes);
@@ -63,14 +63,7 @@ TEST_P(LimitedHost, FileBeyondTheSizeLimitDoesNotEndTheHost) {
   }
 }
 
-using LimitedHostOfAKnownProject = LimitedHost;
-
-TEST_P(LimitedHostOfAKnownProject, IdentityThatIsTooLargeStaysAsItWas) {
-  runWithin(RLIMIT_FSIZE, 11);
-  EXPECT_EQ(contentOf(workplace.identityFile()), workplace.identityBefore());
-}
-
-TEST_P(LimitedHost, LackOfDescriptorsLosesNothing) {
+TEST_P(LimitedHost, LosesNothingWithoutDescriptors) {
   if (SANITIZED) {
     GTEST_SKIP() << "a sanitizer's runtime opens pipes of its own";
   }
@@ -81,16 +74,10 @@ TEST_P(LimitedHost, LackOfDescriptorsLosesNothing) {
     EXPECT_EQ(contentOf(workplace.identityFile()), workplace.identityBefore());
   }
   expectThatAReportIsSent();
-}
-
-TEST_P(LimitedHost, OneDescriptorIsEnough) {
-  if (SANITIZED) {
-    GTEST_SKIP() << "a sanitizer's runtime opens pipes of its own";
-  }
   EXPECT_EQ(runWithin(RLIMIT_NOFILE, 4).outcome, "answer true");
 }
 
-TEST_P(LimitedHost, LackOfMemoryThrowsOrGivesAnAnswer) {
+TEST_P(LimitedHost, ThrowsOrAnswersWithoutMemory) {
   if (SANITIZED) {
     GTEST_SKIP() << "a sanitizer's runtime ends the process when it gets no memory";
   }
@@ -111,7 +98,5 @@ constexpr Situation LIMITED_KNOWN = {Vestra::KELVO, Situation::KNOWN_PROJECT,
 constexpr Situation LIMITED_NEW = {Vestra::TAVLO, Situation::NEW_PROJECT, Situation::NEW_HOME};
 
 INSTANTIATE_TEST_SUITE_P(EachSituation, LimitedHost, Values(LIMITED_KNOWN, LIMITED_NEW), situationName);
-INSTANTIATE_TEST_SUITE_P(EachSituation, LimitedHostOfAKnownProject, Values(LIMITED_KNOWN), situationName);
-
 }  // namespace
 }  // namespace vestra_test

@@ -46,19 +46,19 @@ class MeddledHost : public WatchedHost {
   }
 };
 
-TEST_P(MeddledHost, HostOutlivesTheRemovalOfTheVestraDirectory) {
+TEST_P(MeddledHost, OutlivesTheRemovalOfTheVestraDirectory) {
   meddle([this] { removeAll(workplace.inVestraDirectory("")); }, [] {});
 }
 
-TEST_P(MeddledHost, HostOutlivesTheRemovalOfTheProject) {
+TEST_P(MeddledHost, OutlivesTheRemovalOfTheProject) {
   meddle([this] { removeAll(workplace.project()); }, [this] { fs::create_directories(workplace.project()); });
 }
 
-TEST_P(MeddledHost, HostOutlivesTheRemovalOfTheHome) {
+TEST_P(MeddledHost, OutlivesTheRemovalOfTheHome) {
   meddle([this] { removeAll(workplace.home()); }, [this] { fs::create_directories(workplace.home()); });
 }
 
-TEST_P(MeddledHost, HostOutlivesALinkToItselfInTheVestraDirectorysPlace) {
+TEST_P(MeddledHost, OutlivesALinkToItselfInTheVestraDirectorysPlace) {
   const std::string vestra = workplace.project() + "/vestra";
   meddle(
       [=] {
@@ -68,7 +68,7 @@ TEST_P(MeddledHost, HostOutlivesALinkToItselfInTheVestraDirectorysPlace) {
       [=] { fs::remove(vestra); });
 }
 
-TEST_P(MeddledHost, HostOutlivesDirectoriesInTheFilesPlaces) {
+TEST_P(MeddledHost, OutlivesDirectoriesInTheFilesPlaces) {
   const std::vector<std::string> files{workplace.identityFile(), workplace.scriptFile(),
                                        workplace.rulesFile(), workplace.settingsFile()};
   meddle(
@@ -85,7 +85,7 @@ TEST_P(MeddledHost, HostOutlivesDirectoriesInTheFilesPlaces) {
       });
 }
 
-TEST_P(MeddledHost, HostOutlivesAPipeInTheRecordsPlaces) {
+TEST_P(MeddledHost, OutlivesAPipeInTheRecordsPlaces) {
   const std::vector<std::string> files{workplace.identityFile(), workplace.settingsFile()};
   meddle(
       [=] {

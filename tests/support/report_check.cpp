@@ -1,12 +1,13 @@
 #include "support/report_check.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <array>
 #include <set>
 #include <vector>
 
 #include "support/files.h"
-#include "support/zlib_crc32.h"
 
 namespace vestra_test {
 namespace {
@@ -82,6 +83,11 @@ std::multiset<std::string> marksOf(const std::vector<std::string>& lines) {
 
 }  // namespace
 
+std::uint32_t zlibCrc32(const std::string& bytes) {
+  return static_cast<std::uint32_t>(
+      crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
+}
+
 std::string faultOf(const std::string& script, std::time_t now) {
   if (script.empty()) {
     return "empty";
@@ -103,8 +109,8 @@ bool isChecksumRight(const std::string& script, std::time_t now) {
   std::for_each(lines.begin() + 1, lines.end() - 2,
                 [&](const std::string& line) { segments += segmentOf(line); });
   const std::string found = between(lines.end()[-2], " -clientid ", " ");
-  return found == zlibCrc32Text(timeStamp(now) + segments) ||
-         found == zlibCrc32Text(timeStamp(now - AN_HOUR) + segments);
+  return found == std::to_string(zlibCrc32(timeStamp(now) + segments)) ||
+         found == std::to_string(zlibCrc32(timeStamp(now - AN_HOUR) + segments));
 }
 
 std::string valueOf(const std::string& script, const std::string& key) {

@@ -1,10 +1,14 @@
 #ifndef VESTRA_TESTS_SUPPORT_REPORT_CHECK_H
 #define VESTRA_TESTS_SUPPORT_REPORT_CHECK_H
 
+#include <cstdint>
 #include <ctime>
 #include <string>
 
 namespace vestra_test {
+
+/// The CRC-32 of bytes, NUL included, by an implementation that is not ours.
+std::uint32_t zlibCrc32(const std::string& bytes);
 
 /// How often each host of a farm adds the item by which its reports are known.
 inline constexpr int MARKS_OF_A_HOST = 60;

@@ -93,11 +93,11 @@ class Ground {
 };
 
 std::string identityBefore(Age age) {
-  const std::time_t last = age == Age::YOUNG ? std::time(nullptr) - HOUR : 1000;
+  const std::time_t last = age == Age::NOT_DUE ? std::time(nullptr) - HOUR : 1000;
   return identityText(std::to_string(last), "0", std::to_string(ITERATION_BEFORE), "0", IDENTIFIER);
 }
 
-bool isFresh(const Farm& farm) { return farm.age == Age::FRESH || farm.age == Age::FRESH_HOME; }
+bool isNew(const Farm& farm) { return farm.age == Age::NEW_PROJECT || farm.age == Age::NEW_HOME; }
 
 std::string settingsIn(const std::string& home) { return home + "/.Calvix/Common/2018.2/vestra"; }
 
@@ -105,11 +105,11 @@ std::string identityIn(const std::string& project) { return project + "/vestra/.
 
 void furnish(const Ground& ground, const Farm& farm, int number) {
   fs::create_directories(ground.home(number));
-  if (farm.age != Age::FRESH_HOME) {
+  if (farm.age != Age::NEW_HOME) {
     writeFile(settingsIn(ground.home(number)), "RandomID=0d7bb6a4-9d36-4b0e-8a44-3b8e7a8c4f52\n");
   }
   fs::create_directories(ground.project(number));
-  if (!isFresh(farm)) {
+  if (!isNew(farm)) {
     writeFile(identityIn(ground.project(number)), identityBefore(farm.age));
   }
 }
@@ -199,8 +199,8 @@ void countFiles(const std::string& project, const Farm& farm, Identifiers& ident
   const std::vector<std::string> identity = linesOf(identityIn(project));
   const std::string identifier = identity.size() > 4 ? identity[4] : "";
   const int attempts = farm.isShared ? farm.hosts : 1;
-  const long counted = iterationIn(identity) - (isFresh(farm) ? 1 : ITERATION_BEFORE);
-  harvest.lostIdentifiers += (isFresh(farm) ? identifier.empty() : identifier != IDENTIFIER) ? 1 : 0;
+  const long counted = iterationIn(identity) - (isNew(farm) ? 1 : ITERATION_BEFORE);
+  harvest.lostIdentifiers += (isNew(farm) ? identifier.empty() : identifier != IDENTIFIER) ? 1 : 0;
   harvest.lostAttempts += attempts - static_cast<int>(std::max(0L, std::min<long>(attempts, counted)));
   identifiers.ofProjects.insert(identifier);
   for (const std::string& name : namesIn(project + "/vestra")) {

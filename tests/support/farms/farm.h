@@ -12,19 +12,19 @@ namespace vestra_test {
 /// What the project of a farm has behind it.
 enum class Age {
   /// It reported an hour ago: no report is due.
-  YOUNG,
+  NOT_DUE,
   /// It reported long ago: one report is due.
-  OLD,
+  DUE,
   /// It never reported, and has no identity.
-  FRESH,
+  NEW_PROJECT,
   /// The same, and the user has no identifier either.
-  FRESH_HOME
+  NEW_HOME
 };
 
 /// Many hosts, released together.
 struct Farm {
   int hosts = 50;
-  Age age = Age::YOUNG;
+  Age age = Age::NOT_DUE;
   /// Each host takes the next of these, in turn.
   std::vector<Oza::Vestra::ProductType> products{Oza::Vestra::KELVO};
   /// How long the main design tool takes.

@@ -1,13 +1,8 @@
 #include "support/scenario/scenario.h"
 
-#include <grp.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <ctime>
-#include <system_error>
 
-#include <boost/filesystem.hpp>
+#include <boost/filesystem/operations.hpp>
 
 namespace vestra_test {
 
@@ -21,19 +16,13 @@ void Scenario::writeIdentity(const std::string& text) { writeFile(sandbox.identi
 
 void Scenario::writeSettings(const std::string& text) { writeFile(sandbox.settingsFile(), text); }
 
-RecordingTool& Scenario::useRecordingTool(const std::string& ending) {
-  recordingTool = std::make_unique<RecordingTool>(sandbox.directory(), inVestraDirectory(""), ending);
-  answers.execPath = recordingTool->command();
+std::string Scenario::useTool(const std::string& commands) {
+  const std::string tool = sandbox.directory() + "/tool";
+  writeFile(tool, "#!/bin/sh\n" + commands + "\n");
+  boost::filesystem::permissions(tool, boost::filesystem::perms(0755));
+  answers.execPath = tool;
   sandbox.setSupportAnswers(answers);
-  return *recordingTool;
-}
-
-void Scenario::openToEverybody() {
-  umask(0);
-  boost::filesystem::permissions(sandbox.directory(), boost::filesystem::all_all);
-  for (const auto& entry : boost::filesystem::recursive_directory_iterator(sandbox.directory())) {
-    boost::filesystem::permissions(entry.path(), boost::filesystem::all_all);
-  }
+  return tool;
 }
 
 std::string Scenario::inVestraDirectory(const std::string& name) const {
@@ -41,12 +30,6 @@ std::string Scenario::inVestraDirectory(const std::string& name) const {
 }
 
 std::vector<std::string> Scenario::filesInVestraDirectory() const { return namesIn(inVestraDirectory("")); }
-
-void becomeOrdinaryUser() {
-  if (getuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) {
-    throw std::system_error(errno, std::generic_category(), "becoming an ordinary user");
-  }
-}
 
 std::int64_t now() { return std::time(nullptr); }
 

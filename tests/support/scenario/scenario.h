@@ -12,7 +12,6 @@
 
 #include "support/files.h"
 #include "support/identity_text.h"
-#include "support/scenario/recording_tool.h"
 
 namespace vestra_test {
 
@@ -34,23 +33,16 @@ class Scenario : public Test {
   void writeIdentity(const std::string& text);
   /// Writes a settings file, as an earlier run of the user would have left it.
   void writeSettings(const std::string& text);
-  /// Makes a recording tool the main design tool.
-  RecordingTool& useRecordingTool(const std::string& ending = "");
-  /// Lets an ordinary user write wherever this process writes in the sandbox.
-  void openToEverybody();
+  /// Makes a shell script the main design tool, which transmits nothing.
+  /// @return What the support library says of it.
+  std::string useTool(const std::string& commands = "");
 
   std::string inVestraDirectory(const std::string& name) const;
   std::vector<std::string> filesInVestraDirectory() const;
 
   Sandbox sandbox;
   SupportAnswers answers;
-
- private:
-  std::unique_ptr<RecordingTool> recordingTool;
 };
-
-/// Becomes user and group 65534, whom permission bits stop, when root runs the tests.
-void becomeOrdinaryUser();
 
 /// Seconds since the epoch.
 std::int64_t now();
