@@ -1,9 +1,11 @@
 // A host with a Boost of its own, which it uses before, between and after its calls.
 // Prints a line for each thing that went as it should, and fails at the first that did
-// not. With CATCHES_BY_TYPE, its Boost is the library's.
+// not. With CATCHES_BY_TYPE, its Boost is the library's. With OPENS_THE_LIBRARY, it is not
+// linked to the library; the last word says what dlopen does with its symbols.
 //
 //     host PROJECT_DIRECTORY [LIBRARY local|global]
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -11,16 +13,40 @@
 #include <stdexcept>
 #include <string>
 
+#include <vestra/vestra.h>
 #include <boost/filesystem.hpp>
 #include <boost/version.hpp>
 
-#include "entry_points.h"
-
 namespace files = boost::filesystem;
 using Oza::Vestra;
-using vestra_test::EntryPoints;
 
 namespace {
+
+/// What a host calls, however it came to the library.
+struct EntryPoints {
+  decltype(&Vestra::add) add;
+  decltype(&Vestra::send) send;
+};
+
+#ifdef OPENS_THE_LIBRARY
+void* checked(void* found) {
+  if (found == nullptr) {
+    throw std::runtime_error(dlerror());
+  }
+  return found;
+}
+
+EntryPoints entryPoints(const char* const* arguments) {
+  const int scope = arguments[1] == std::string("global") ? RTLD_GLOBAL : RTLD_LOCAL;
+  void* const library = checked(dlopen(arguments[0], RTLD_NOW | scope));
+  return {reinterpret_cast<decltype(EntryPoints::add)>(
+              checked(dlsym(library, "_ZN3Oza6Vestra3addEPKcS2_NS0_11SectionTypeE"))),
+          reinterpret_cast<decltype(EntryPoints::send)>(
+              checked(dlsym(library, "_ZN3Oza6Vestra4sendEPKcNS0_11ProductTypeE")))};
+}
+#else
+EntryPoints entryPoints(const char* const*) { return {&Vestra::add, &Vestra::send}; }
+#endif
 
 void expect(bool holds, const std::string& what) {
   if (!holds) {
@@ -101,7 +127,7 @@ void run(const EntryPoints& vestra, const std::string& project) {
 int main(int, char** arguments) {
   try {
     std::cout << "host: has Boost " << BOOST_LIB_VERSION << '\n';
-    run(vestra_test::entryPoints(arguments + 2), arguments[1]);
+    run(entryPoints(arguments + 2), arguments[1]);
   } catch (const std::exception& error) {
     std::cerr << error.what() << '\n';
     return EXIT_FAILURE;
