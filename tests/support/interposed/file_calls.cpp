@@ -25,6 +25,8 @@ void interruptOpen(int times) { interruptions = times; }
 
 }  // namespace vestra_test
 
+// The C library's names of parameters are reserved.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" int fstatfs(int file, struct statfs* system) noexcept {
   const auto status = static_cast<int>(syscall(SYS_fstatfs, file, system));
   if (status == 0 && vestra_test::fileSystem) {
@@ -45,3 +47,4 @@ extern "C" int open(const char* path, int flags, ...) {
   va_end(arguments);
   return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
