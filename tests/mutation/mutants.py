@@ -1,11 +1,9 @@
 """Finds the mutations that can be applied to a source file, from its syntax tree."""
 
 import json
-import random
 import re
 import shlex
 import subprocess
-from collections import defaultdict
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -64,14 +62,6 @@ class Mutant:
 
     def applied_to(self, source):
         return source[: self.start] + self.text + source[self.end :]
-
-    def before_and_after(self, source):
-        """The lines concerned, as they are and as they become, with blanks made one."""
-        first = source.rfind("\n", 0, self.start) + 1
-        last = source.find("\n", self.end)
-        before = source[first:last]
-        after = source[first : self.start] + self.text + source[self.end : last]
-        return " ".join(before.split()), " ".join(after.split())
 
 
 def kind_of(expression):
@@ -292,32 +282,3 @@ def mutants_of(tree, database, file):
             finder.visit(cursor)
     found = [m for m in finder.found.values() if not m.is_exempt(source)]
     return sorted(found, key=lambda m: (m.start, m.end, m.text))
-
-
-def sample(mutants, limit, seed):
-    """At most `limit` of them: each file gets its share, each kind its turn."""
-    if limit is None or limit >= len(mutants):
-        return mutants
-    chance = random.Random(seed)
-    by_file = defaultdict(list)
-    for mutant in mutants:
-        by_file[mutant.file].append(mutant)
-    chosen = []
-    for file in sorted(by_file):
-        share = max(2, round(limit * len(by_file[file]) / len(mutants)))
-        chosen += in_turns(by_file[file], chance)[:share]
-    return sorted(chosen, key=lambda m: (m.file, m.start, m.end, m.text))
-
-
-def in_turns(mutants, chance):
-    by_kind = defaultdict(list)
-    for mutant in mutants:
-        by_kind[mutant.kind].append(mutant)
-    for group in by_kind.values():
-        chance.shuffle(group)
-    order = []
-    while any(by_kind.values()):
-        for kind in sorted(by_kind):
-            if by_kind[kind]:
-                order.append(by_kind[kind].pop())
-    return order
