@@ -30,7 +30,7 @@ install(FILES "${PROJECT_BINARY_DIR}/vestra.pc"
 if(VESTRA_BUILD_TESTKIT)
   install(TARGETS vestra_testkit EXPORT vestra-testkit-targets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT testkit)
-  install(TARGETS vestra_testkit_support vestra_testkit_preload vestra_testkit_send_call
+  install(TARGETS vestra_testkit_support vestra_testkit_preload
     LIBRARY DESTINATION "${VESTRA_TESTKIT_LIBDIR}" COMPONENT testkit)
   install(TARGETS vestra-design-tool EXPORT vestra-testkit-targets
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT testkit)

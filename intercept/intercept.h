@@ -46,12 +46,6 @@ inline void note(const char* file, std::initializer_list<std::string_view> field
 }
 /// @}
 
-/// The same form in memory.
-/// @{
-std::size_t sizeOfJoined(const std::string_view* fields, std::size_t count);
-void joinFields(const std::string_view* fields, std::size_t count, char* to);
-/// @}
-
 /// The file of programs that were started without the preloaded objects, or with an environment
 /// that lacked the carried variables: path and reason.
 inline constexpr char UNOBSERVED_RECORD[] = "unobserved";

@@ -45,21 +45,4 @@ void note(const char* file, const std::string_view* fields, std::size_t count) {
   close(record);
 }
 
-std::size_t sizeOfJoined(const std::string_view* fields, std::size_t count) {
-  std::size_t size = count * sizeof(std::uint64_t);
-  for (std::size_t i = 0; i < count; ++i) {
-    size += fields[i].size();
-  }
-  return size;
-}
-
-void joinFields(const std::string_view* fields, std::size_t count, char* to) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint64_t length = fields[i].size();
-    std::memcpy(to, &length, sizeof length);
-    std::memcpy(to + sizeof length, fields[i].data(), length);
-    to += sizeof length + length;
-  }
-}
-
 }  // namespace vestra::intercept

@@ -135,8 +135,8 @@ class Reader {
   Reader(std::string_view scriptText, const std::vector<WrittenItem>& handedItems)
       : script(scriptText), handed(handedItems) {}
 
-  std::vector<WrittenItem> read(const std::function<bool()>& isEnough) {
-    for (std::size_t begin = nextCommand(0); begin != std::string_view::npos && !isEnough();) {
+  std::vector<WrittenItem> read() {
+    for (std::size_t begin = nextCommand(0); begin != std::string_view::npos;) {
       const std::size_t end = readItem(begin);
       begin = nextCommand(end);
     }
@@ -221,13 +221,10 @@ class Reader {
 
 }  // namespace
 
-std::vector<WrittenItem> itemsWrittenIn(std::string_view script) {
-  return itemsWrittenIn(script, {}, [] { return false; });
-}
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script) { return itemsWrittenIn(script, {}); }
 
-std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed,
-                                        const std::function<bool()>& isEnough) {
-  return Reader(script, handed).read(isEnough);
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed) {
+  return Reader(script, handed).read();
 }
 
 std::string scriptLineOf(const WrittenItem& item) {

@@ -2,7 +2,6 @@
 #define VESTRA_READING_WRITTEN_ITEMS_H
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,10 +28,8 @@ std::vector<WrittenItem> itemsWrittenIn(std::string_view script);
 /// The same where it is known what the host handed over: such an item ends where its texts end, whatever
 /// they imitate.
 ///
-/// @param handed   in the order of the calls
-/// @param isEnough asked before each item: whether to stop reading
-std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed,
-                                        const std::function<bool()>& isEnough);
+/// @param handed in the order of the calls
+std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed);
 
 /// The item's command as the library writes it, line feed included.
 std::string scriptLineOf(const WrittenItem& item);

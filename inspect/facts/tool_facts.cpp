@@ -5,7 +5,6 @@
 #include <wordexp.h>
 
 #include <algorithm>
-#include <optional>
 
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
@@ -63,21 +62,6 @@ void lookAtFiles(const ProjectFacts& project, Product product, ToolFacts& tool) 
   tool.isLogStuck = product == Oza::Vestra::TAVLO && !canBeRemoved(project.pathOf(Oza::LOG_FILE));
 }
 
-/// As the stand-in reads its settings: a variable, or a line of a file.
-std::optional<std::string> standInSetting(const HostContext& context, const std::string& variable,
-                                          const std::string& name) {
-  if (context.environment.count(variable) != 0) {
-    return context.variable(variable);
-  }
-  const std::string file = context.variable("VESTRA_TESTKIT_ANSWERS");
-  for (const std::string& line : linesOf(readFileAt(file, LARGEST_RECORD).text.value_or(""))) {
-    if (line.rfind(name + "=", 0) == 0) {
-      return line.substr(name.size() + 1);
-    }
-  }
-  return std::nullopt;
-}
-
 bool isProgram(const std::string& path) {
   return lookAt(path).isRegular() && access(path.c_str(), X_OK) == 0;
 }
@@ -99,10 +83,10 @@ bool isFound(const std::string& command, const HostContext& context) {
 }
 
 void askStandIn(const HostContext& context, ToolFacts& tool) {
-  tool.nullAnswers = partsOf(standInSetting(context, "VESTRA_TESTKIT_NULL", "null").value_or(""), ",");
-  const auto command = standInSetting(context, "VESTRA_TESTKIT_EXEC_PATH", "exec_path");
-  if (command && !isFound(*command, context)) {
-    tool.missingTool = *command;
+  tool.nullAnswers = partsOf(context.variable("VESTRA_TESTKIT_NULL"), ",");
+  const std::string command = context.variable("VESTRA_TESTKIT_EXEC_PATH");
+  if (context.environment.count("VESTRA_TESTKIT_EXEC_PATH") != 0 && !isFound(command, context)) {
+    tool.missingTool = command;
   }
 }
 

@@ -4,14 +4,10 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <climits>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 
-#include <vestra/vestra.h>
-
-#include "recorder/recording.h"
-#include "recorder/send_call.h"
+#include "recorder/noted_send.h"
 
 namespace vestra::testkit {
 namespace {
@@ -38,50 +34,24 @@ Function own(const char* symbol) {
   return reinterpret_cast<Function>(intercept::ownOf(symbol));
 }
 
-/// A number's text.
-struct Digits {
-  explicit Digits(unsigned int number) { std::snprintf(text, sizeof text, "%u", number); }
-  operator std::string_view() const { return text; }
-
-  char text[16];
-};
-
-/// One call of `send`, from its beginning. Without an outcome, the process ended in it.
-class NotedSend {
- public:
-  NotedSend(const char* projectDir, Oza::Vestra::ProductType productType) : product(productType) {
-    char here[PATH_MAX] = "";
-    const bool isRelative = projectDir != nullptr && *projectDir != '/';
-    if (isRelative && getcwd(here, sizeof here) == nullptr) {
-      *here = '\0';
-    }
-    std::snprintf(directory, sizeof directory, "%s%s%s", here, isRelative ? "/" : "",
-                  projectDir != nullptr ? projectDir : "");
-    noteOutcome("begun");
-  }
-
-  /// @param details  joined fields of the exception that is the outcome
-  void noteOutcome(const char* outcome, std::string_view details = "") const {
-    if (isRecording()) {
-      note("sends", {number, directory, product, outcome, details});
-    }
-  }
-
-  static void noteThrown(const void* call, const std::string_view* fields, std::size_t count) {
-    const std::size_t size = intercept::sizeOfJoined(fields, count);
-    auto* details = static_cast<char*>(std::malloc(size));
-    intercept::joinFields(fields, count, details);
-    static_cast<const NotedSend*>(call)->noteOutcome("threw", {details, size});
-    std::free(details);
-  }
-
- private:
-  NumberText number = nextNumber();
-  char directory[2 * PATH_MAX];
-  Digits product;
-};
-
 }  // namespace
+
+NotedSend::NotedSend(const char* projectDir, Oza::Vestra::ProductType productType) : product(productType) {
+  char here[PATH_MAX] = "";
+  const bool isRelative = projectDir != nullptr && *projectDir != '/';
+  if (isRelative && getcwd(here, sizeof here) == nullptr) {
+    *here = '\0';
+  }
+  std::snprintf(directory, sizeof directory, "%s%s%s", here, isRelative ? "/" : "",
+                projectDir != nullptr ? projectDir : "");
+  noteOutcome("begun");
+}
+
+void NotedSend::noteOutcome(const char* outcome, std::string_view details) const {
+  if (isRecording()) {
+    note("sends", {number, directory, product, outcome, details});
+  }
+}
 
 // Takes and returns the place of the string, as the compiler passes it: the class would need the
 // C++ library here.
@@ -108,7 +78,7 @@ VESTRA_INTERPOSED void Vestra::add(const char* key, const char* value, SectionTy
 
 VESTRA_INTERPOSED bool Vestra::send(const char* projectDir, ProductType product) {
   const NotedSend noted(projectDir, product);
-  const bool answer = sendCall()(own<SendFunction>(SEND), projectDir, product, NotedSend::noteThrown, &noted);
+  const bool answer = callSend(own<SendFunction>(SEND), projectDir, product, noted);
   noted.noteOutcome(answer ? "true" : "false");
   return answer;
 }
@@ -130,8 +100,11 @@ EntryPoint entryPoints[] = {
     {nullptr, nullptr, nullptr},
 };
 
-// A library that lacks entry points is a file of its own.
-bool isMissing(const char*) { return false; }
+bool isMissing(const char* symbol) {
+  const char* missing = carried("MISSING");
+  return missing != nullptr && std::strncmp(symbol, "oza_vestra_", 11) == 0 &&
+         std::strstr(missing, symbol) != nullptr;
+}
 
 const char* supportLibraryFor(const void*) {
   const char* path = carried("SUPPORT");

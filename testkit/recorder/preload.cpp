@@ -3,10 +3,7 @@
 
 #include <dlfcn.h>
 
-#include <cstdio>
-
-#include "recorder/recording.h"
-#include "recorder/send_call.h"
+#include "recorder/noted_send.h"
 
 namespace {
 
@@ -22,29 +19,11 @@ const char* ask(const char* symbol, Arguments... arguments) {
                              : nullptr;
 }
 
-/// In a library beside this object, which is loaded where it is needed.
-vestra::testkit::SendCall loadedSendCall() {
-  constexpr const char* NAME = "libvestra_testkit_send_call.so";
-  char path[PATH_MAX];
-  const char* preloaded = vestra::intercept::carried("PRELOAD");
-  const std::string_view self = preloaded != nullptr ? preloaded : "";
-  const auto directory = static_cast<int>(self.rfind('/') + 1);
-  std::snprintf(path, sizeof path, "%.*s%s", directory, self.data(), NAME);
-  void* library = dlopen(path, RTLD_NOW);
-  void* call = library != nullptr ? vestra::intercept::lookUp(library, "vestra_testkit_call_send") : nullptr;
-  return reinterpret_cast<vestra::testkit::SendCall>(call);
-}
-
-bool callUnnoted(vestra::testkit::SendFunction send, const char* projectDir, Oza::Vestra::ProductType product,
-                 vestra::testkit::NoteThrown, const void*) {
-  return send(projectDir, product);
-}
-
 }  // namespace
 
-vestra::testkit::SendCall vestra::testkit::sendCall() {
-  static const SendCall loaded = loadedSendCall();
-  return loaded != nullptr ? loaded : callUnnoted;
+bool vestra::testkit::callSend(SendFunction send, const char* projectDir, Oza::Vestra::ProductType product,
+                               const NotedSend&) {
+  return send(projectDir, product);
 }
 
 extern "C" {

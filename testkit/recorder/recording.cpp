@@ -30,6 +30,8 @@ NumberText nextNumber() {
   return number;
 }
 
+Digits::Digits(unsigned int number) { std::snprintf(text, sizeof text, "%u", number); }
+
 std::optional<std::time_t> heldClock() { return isClockHeld ? std::optional(clockTime) : std::nullopt; }
 
 }  // namespace vestra::testkit

@@ -19,17 +19,19 @@ inline constexpr char RECORD_VARIABLE[] = "VESTRA_TESTKIT_RECORD";
 inline constexpr char PRELOAD_VARIABLE[] = "VESTRA_TESTKIT_PRELOAD";
 /// The support library's path; empty where there is to be none.
 inline constexpr char SUPPORT_VARIABLE[] = "VESTRA_TESTKIT_SUPPORT";
+/// The entry points that the support library is to lack, separated by commas.
+inline constexpr char MISSING_VARIABLE[] = "VESTRA_TESTKIT_MISSING";
 /// Where the clock stands, in seconds since the epoch; unset while it runs.
 inline constexpr char NOW_VARIABLE[] = "VESTRA_TESTKIT_NOW";
 
-// What is recorded of the shell, in a file of records that begin with one of two words.
+// What is recorded of the shell, in two files.
 
-inline constexpr char SHELL_RECORD[] = "shell";
-/// Then: number, command line, script and rules file of the design tool, sizes of what was
-/// printed on standard output and error.
-inline constexpr char BEGUN[] = "begun";
-/// Then: number, status, the lab tool's log, sizes again.
-inline constexpr char ENDED[] = "ended";
+/// Number, TOOL for a start of the main design tool by the library, command line, report script and
+/// rules file. What that start prints goes to a file that is called TOOL and its number.
+inline constexpr char BEGUN_RECORD[] = "begun";
+inline constexpr char TOOL[] = "tool-";
+/// Number, status and the lab tool's log.
+inline constexpr char ENDED_RECORD[] = "ended";
 
 /// From now on, what this process and the programs that it starts ask of the library and of the
 /// shell is recorded as the variables say. Without them, nothing is.
@@ -47,6 +49,14 @@ struct NumberText {
 };
 
 NumberText nextNumber();
+
+/// A number as text.
+struct Digits {
+  explicit Digits(unsigned int number);
+  operator std::string_view() const { return text; }
+
+  char text[16];
+};
 
 /// Appends texts to a file of the record, in one write.
 inline void note(const char* file, const std::vector<std::string_view>& fields) {

@@ -13,10 +13,10 @@
 
 #include <boost/filesystem.hpp>
 
+#include "intercept/fields.h"
 #include "recorder/bytes.h"
 #include "recorder/exception.h"
-#include "recorder/recording.h"
-#include "recorder/send_call.h"
+#include "recorder/noted_send.h"
 #include "sandbox/assertions.h"
 #include "sandbox/support_setup.h"
 
@@ -50,7 +50,8 @@ std::string joined(const std::vector<std::string>& names) {
 void setRecordingVariables(const RunSetup& setup, const RunPlace& place) {
   setOrUnset(RECORD_VARIABLE, place.record);
   setOrUnset(PRELOAD_VARIABLE, preloadPath());
-  setOrUnset(SUPPORT_VARIABLE, supportLibraryFor(setup.answers, place.record + "/support"));
+  setOrUnset(SUPPORT_VARIABLE, supportLibraryFor(setup.answers));
+  setOrUnset(MISSING_VARIABLE, missingEntryPointsOf(setup.answers));
   setOrUnset(NOW_VARIABLE, setup.now ? std::optional(std::to_string(*setup.now)) : std::nullopt);
   prepend("LD_PRELOAD", preloadPath(), ":");
   prepend("ASAN_OPTIONS", "verify_asan_link_order=0", ":");
@@ -61,7 +62,6 @@ void setVariables(const RunSetup& setup, const RunPlace& place) {
   setOrUnset("CALVIX_VESTRA_INTERNAL_TRANSMIT", std::nullopt);
   setOrUnset("HOME", place.directory + "/home");
   setOrUnset("VESTRA_OUTBOX", place.outbox);
-  setOrUnset("VESTRA_TESTKIT_ANSWERS", std::nullopt);
   setOrUnset("VESTRA_TESTKIT_CALLS", place.record + "/calls");
   setOrUnset("VESTRA_TESTKIT_EXEC_PATH", toolFor(setup.answers));
   setOrUnset("VESTRA_TESTKIT_REGID", setup.answers.registrationId);
@@ -109,7 +109,16 @@ void recordFailure(const RunPlace& place, const std::exception& failure) {
 
 }  // namespace
 
-SendCall sendCall() { return vestra_testkit_call_send; }
+bool callSend(SendFunction send, const char* projectDir, Oza::Vestra::ProductType product,
+              const NotedSend& noted) {
+  try {
+    return send(projectDir, product);
+  } catch (...) {
+    const Exception exception = caughtException();
+    noted.noteOutcome("threw", intercept::joinedFields(fieldsOf(exception)));
+    throw;
+  }
+}
 
 void beAHost(const RunSetup& setup, const RunPlace& place, StartingGate& gate,
              const std::function<bool()>& code) {

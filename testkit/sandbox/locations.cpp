@@ -1,6 +1,7 @@
-#include "sandbox/locations.h"
-
 #include <dlfcn.h>
+
+#include <climits>
+#include <cstdlib>
 
 #include <boost/filesystem/operations.hpp>
 
@@ -9,22 +10,28 @@
 namespace vestra::testkit {
 namespace {
 
-std::string besideThis(const char* relativePath) {
-  return boost::filesystem::canonical(directoryOfThisLibrary() + "/" + relativePath).string();
+char pathOfThisLibrary[PATH_MAX];
+
+/// At the program's start: a path from LD_LIBRARY_PATH may be relative, and tests change the directory.
+[[gnu::constructor]] void findThisLibrary() {
+  Dl_info info{};
+  dladdr(reinterpret_cast<const void*>(&findThisLibrary), &info);
+  if (realpath(info.dli_fname, pathOfThisLibrary) == nullptr) {
+    *pathOfThisLibrary = '\0';
+  }
+}
+
+std::string fromHere(const char* relativePath) {
+  const auto directory = boost::filesystem::path(pathOfThisLibrary).parent_path();
+  return boost::filesystem::canonical(directory / relativePath).string();
 }
 
 }  // namespace
 
-std::string directoryOfThisLibrary() {
-  Dl_info info{};
-  dladdr(reinterpret_cast<const void*>(&directoryOfThisLibrary), &info);
-  return boost::filesystem::canonical(info.dli_fname).parent_path().string();
-}
+std::string supportLibraryPath() { return fromHere(SUPPORT_LIBRARY_FROM_HERE); }
 
-std::string supportLibraryPath() { return besideThis(SUPPORT_LIBRARY_FROM_HERE); }
+std::string preloadPath() { return fromHere(PRELOAD_FROM_HERE); }
 
-std::string preloadPath() { return besideThis(PRELOAD_FROM_HERE); }
-
-std::string designToolPath() { return besideThis(DESIGN_TOOL_FROM_HERE); }
+std::string designToolPath() { return fromHere(DESIGN_TOOL_FROM_HERE); }
 
 }  // namespace vestra::testkit

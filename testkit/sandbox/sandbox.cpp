@@ -12,8 +12,8 @@
 #include "sandbox/forked_process.h"
 #include "sandbox/host_process.h"
 #include "sandbox/parent_process.h"
-#include "sandbox/results/directory_name.h"
 #include "sandbox/results/files_left.h"
+#include "sandbox/results/reasons.h"
 #include "sandbox/results/run_reader.h"
 #include "sandbox/run_setup.h"
 #include "sandbox/starting_gate.h"
@@ -113,14 +113,13 @@ class Sandbox::Implementation {
 
   std::vector<HostRun> finish(const std::vector<RunPlace>& places,
                               const std::vector<std::unique_ptr<ForkedProcess>>& processes) const {
-    const auto deadline = std::chrono::steady_clock::now() + setup.timeLimit;
     std::vector<ProcessEnd> ends;
     for (const auto& process : processes) {
       ends.push_back(process->wait());
     }
     std::vector<HostRun> runs;
     for (std::size_t i = 0; i < places.size(); ++i) {
-      runs.push_back(runIn(places[i], ends[i], deadline));
+      runs.push_back(runIn(places[i], ends[i]));
     }
     return runs;
   }

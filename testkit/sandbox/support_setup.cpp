@@ -5,14 +5,8 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include <boost/filesystem.hpp>
-
-#include "recorder/bytes.h"
-
 namespace vestra::testkit {
 namespace {
-
-constexpr const char* FILE_NAME = "libqvzcommonvestrasupport.so";
 
 const std::map<std::string, std::string>& entryPoints() {
   static const std::map<std::string, std::string> names{{"exec_path", "oza_vestra_exec_path"},
@@ -30,30 +24,11 @@ void refuseUnknown(const SupportAnswers& answers) {
   }
 }
 
-/// Spoils a symbol's name, so that looking it up finds nothing.
-void spoil(std::string& library, const std::string& symbol) {
-  const std::string wanted = '\0' + symbol + '\0';
-  for (std::size_t at = library.find(wanted); at != std::string::npos; at = library.find(wanted, at + 1)) {
-    library[at + 1] = '-';
-  }
-}
-
-std::string libraryWithout(const std::vector<std::string>& missing) {
-  std::string library = bytesOf(supportLibraryPath()).value_or("");
-  for (const std::string& what : missing) {
-    const auto entryPoint = entryPoints().find(what);
-    if (entryPoint != entryPoints().end()) {
-      spoil(library, entryPoint->second);
-    }
-  }
-  return library;
-}
-
-}  // namespace
-
 bool isMissing(const SupportAnswers& answers, const std::string& what) {
   return std::count(answers.missing.begin(), answers.missing.end(), what) != 0;
 }
+
+}  // namespace
 
 // The shell takes what the library appends as further parameters.
 std::string toolFor(const SupportAnswers& answers) {
@@ -67,20 +42,17 @@ std::string toolFor(const SupportAnswers& answers) {
   return delay > 0 ? "sleep " + std::to_string(delay) + "; " + tool : tool;
 }
 
-std::string supportLibraryFor(const SupportAnswers& answers, const std::string& directory) {
+std::string supportLibraryFor(const SupportAnswers& answers) {
   refuseUnknown(answers);
-  if (isMissing(answers, "library")) {
-    return "";
+  return isMissing(answers, "library") ? "" : supportLibraryPath();
+}
+
+std::string missingEntryPointsOf(const SupportAnswers& answers) {
+  std::string symbols;
+  for (const auto& [answer, symbol] : entryPoints()) {
+    symbols += isMissing(answers, answer) ? symbol + "," : "";
   }
-  const bool isStandIn = std::all_of(answers.missing.begin(), answers.missing.end(),
-                                     [](const std::string& what) { return what == "tool"; });
-  if (isStandIn) {
-    return supportLibraryPath();
-  }
-  boost::filesystem::create_directory(directory);
-  std::string path = directory + "/" + FILE_NAME;
-  writeBytes(path, libraryWithout(answers.missing));
-  return path;
+  return symbols;
 }
 
 void openSupportLibrary(const std::string& path) {

@@ -16,25 +16,11 @@ std::string variableOf(const std::string& name) {
   return variable;
 }
 
-std::optional<std::string> settingInFile(const std::string& name) {
-  const char* file = std::getenv("VESTRA_TESTKIT_ANSWERS");
-  std::ifstream in(file != nullptr ? file : "");
-  const std::string beginning = name + "=";
-  for (std::string line; std::getline(in, line);) {
-    if (line.rfind(beginning, 0) == 0) {
-      return line.substr(beginning.size());
-    }
-  }
-  return std::nullopt;
-}
-
 }  // namespace
 
 std::optional<std::string> setting(const std::string& name) {
-  if (const char* value = std::getenv(variableOf(name).c_str())) {
-    return value;
-  }
-  return settingInFile(name);
+  const char* const value = std::getenv(variableOf(name).c_str());
+  return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
 }
 
 bool isNull(const std::string& name) {

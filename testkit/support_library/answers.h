@@ -8,18 +8,15 @@ namespace vestra::testkit {
 
 /// What the stand-in support library is told to answer.
 ///
-/// Each setting is looked up anew at each call, first in the environment, then in
-/// the file that the environment variable VESTRA_TESTKIT_ANSWERS names, whose
-/// lines are "name=value":
+/// Each setting is looked up anew at each call, in the environment:
 ///
-/// | setting     | environment variable       | meaning                               |
-/// |-------------|----------------------------|---------------------------------------|
-/// | exec_path   | VESTRA_TESTKIT_EXEC_PATH   | command line of the main design tool  |
-/// | regid       | VESTRA_TESTKIT_REGID       | registration identifier               |
-/// | environment | VESTRA_TESTKIT_ENVIRONMENT | environment text                      |
-/// | null        | VESTRA_TESTKIT_NULL        | which of the three are null instead,  |
-/// |             |                            | separated by commas                   |
-/// | calls       | VESTRA_TESTKIT_CALLS       | file that each call is appended to    |
+/// | setting     | environment variable       | meaning                                                    |
+/// |-------------|----------------------------|------------------------------------------------------------|
+/// | exec_path   | VESTRA_TESTKIT_EXEC_PATH   | command line of the main design tool                       |
+/// | regid       | VESTRA_TESTKIT_REGID       | registration identifier                                    |
+/// | environment | VESTRA_TESTKIT_ENVIRONMENT | environment text                                           |
+/// | null        | VESTRA_TESTKIT_NULL        | which of the three are null instead, separated by commas   |
+/// | calls       | VESTRA_TESTKIT_CALLS       | file that each call is appended to                         |
 ///
 /// @param name  of the setting, as in the table
 /// @return Nothing when it is set nowhere.

@@ -5,57 +5,47 @@
 namespace vestra::reading {
 namespace {
 
-std::string reasonFor(const std::string& key, const std::string& value) {
-  return hazardOf({"kelvo", "kelvo\\usage", key, value, 0}).value_or("none");
-}
-
-TEST(Hazard, AnOrdinaryItemHasNoHazard) {
-  EXPECT_EQ(reasonFor("runs", "2 words; {braces} ] and\na line feed"), "none");
-  EXPECT_EQ(reasonFor("a.b-c", ""), "none");
-}
-
-TEST(Hazard, BytesThatTheInterpreterLeavesAloneAreNoHazard) {
-  std::string value;
+TEST(Hazard, HasAReasonInWords) {
+  std::string harmlessBytes;
   for (int byte = 0; byte < 256; ++byte) {
     if (std::string("\"\\$[").find(static_cast<char>(byte)) == std::string::npos) {
-      value += static_cast<char>(byte);
+      harmlessBytes += static_cast<char>(byte);
     }
   }
-  EXPECT_EQ(reasonFor("k", value), "none");
-}
-
-TEST(Hazard, AValueThatTheInterpreterChangesIsAHazard) {
-  EXPECT_EQ(reasonFor("k", "a\"b"), "the value holds a double quote, which ends it");
-  EXPECT_EQ(reasonFor("k", "a[b]"), "the value holds an opening bracket, which begins a command");
-  EXPECT_EQ(reasonFor("k", "$HOME"), "the value holds a dollar sign, which begins a variable");
-  EXPECT_EQ(reasonFor("k", "C:\\temp"), "the value holds a backslash, which changes what follows it");
-}
-
-TEST(Hazard, AKeyThatTheInterpreterChangesIsAHazard) {
-  EXPECT_EQ(reasonFor("", "v"), "the key is empty");
-  EXPECT_EQ(reasonFor("a b", "v"), "the key holds white space, which ends it");
-  EXPECT_EQ(reasonFor("a;b", "v"), "the key holds a semicolon, which ends the command");
-  EXPECT_EQ(reasonFor("\"a", "v"), "the key begins with a double quote");
-  EXPECT_EQ(reasonFor("{a}", "v"), "the key begins with a brace");
-  EXPECT_EQ(reasonFor("a[b", "v"), "the key holds an opening bracket, which begins a command");
-}
-
-TEST(Hazard, ADollarSignThatBeginsNoVariableIsNoHazard) { EXPECT_EQ(reasonFor("k", "5 $ a day"), "none"); }
-
-TEST(Hazard, AValueThatAddsACommandIsAHazard) {
-  const std::string quote = "the value holds a double quote, which ends it";
-  for (const std::string separator : {"\n", "; "}) {
-    const std::string context = "\" -context \"kelvo\\\\usage\"";
-    EXPECT_EQ(reasonFor("k", "v" + context + separator + "vestra_add_data -client kelvo -key f -value \"w"),
-              quote + ", the value holds a backslash, which changes what follows it");
+  struct Row {
+    std::string key;
+    std::string value;
+    const char* reason;
+  };
+  const Row rows[] = {
+      {"runs", "2 words; {braces} ] and\na line feed", "none"},
+      {"a.b-c", "", "none"},
+      {"k", harmlessBytes, "none"},
+      {"k", "5 $ a day", "none"},
+      {"", "v", "the key is empty"},
+      {"two words", "v", "the key holds white space, which ends it"},
+      {"two\nlines", "v", "the key holds white space, which ends it"},
+      {"a;b", "v", "the key holds a semicolon, which ends the command"},
+      {"\"quoted\"", "v", "the key begins with a double quote"},
+      {"{braced}", "v", "the key begins with a brace"},
+      {"k[0]", "v", "the key holds an opening bracket, which begins a command"},
+      {"k$x", "v", "the key holds a dollar sign, which begins a variable"},
+      {"k\\n", "v", "the key holds a backslash, which changes what follows it"},
+      {"k", "say \"x\"", "the value holds a double quote, which ends it"},
+      {"k", "[exit]", "the value holds an opening bracket, which begins a command"},
+      {"k", "$HOME", "the value holds a dollar sign, which begins a variable"},
+      {"k", "C:\\temp", "the value holds a backslash, which changes what follows it"},
+      {"k", "v\" -context \"c\"; vestra_add_data -client kelvo -key f -value \"w",
+       "the value holds a double quote, which ends it"},
+      {"a b", "[c] $d",
+       "the key holds white space, which ends it, "
+       "the value holds an opening bracket, which begins a command, "
+       "the value holds a dollar sign, which begins a variable"},
+  };
+  for (const auto& [key, value, reason] : rows) {
+    EXPECT_EQ(hazardOf({"kelvo", "kelvo\\usage", key, value, 0}).value_or("none"), reason)
+        << key << " = " << value;
   }
-}
-
-TEST(Hazard, SeveralReasonsOfAHazardAreAllNamed) {
-  EXPECT_EQ(reasonFor("a b", "[c] $d"),
-            "the key holds white space, which ends it, "
-            "the value holds an opening bracket, which begins a command, "
-            "the value holds a dollar sign, which begins a variable");
 }
 
 }  // namespace

@@ -2,24 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace vestra::reading {
 namespace {
 
-TEST(Utf8, ACharacterHasItsLengthAndNumber) {
-  const Utf8Character euro = firstCharacter("\xE2\x82\xAC rest");
-  EXPECT_EQ(euro.length, 3u);
-  EXPECT_EQ(euro.codePoint, char32_t{0x20AC});
-}
-
-TEST(Utf8, TheSmallestAndTheLargestCharacterOfEachLengthAreRead) {
-  EXPECT_EQ(firstCharacter(std::string_view("\0", 1)).length, 1u);
-  EXPECT_EQ(firstCharacter("\x7F").codePoint, char32_t{0x7F});
-  EXPECT_EQ(firstCharacter("\xC2\x80").codePoint, char32_t{0x80});
-  EXPECT_EQ(firstCharacter("\xDF\xBF").codePoint, char32_t{0x7FF});
-  EXPECT_EQ(firstCharacter("\xE0\xA0\x80").codePoint, char32_t{0x800});
-  EXPECT_EQ(firstCharacter("\xEF\xBF\xBF").codePoint, char32_t{0xFFFF});
-  EXPECT_EQ(firstCharacter("\xF0\x90\x80\x80").codePoint, char32_t{0x10000});
-  EXPECT_EQ(firstCharacter("\xF4\x8F\xBF\xBF").codePoint, char32_t{0x10FFFF});
+TEST(Utf8, HasCharactersWithALengthAndANumber) {
+  const std::tuple<std::string, std::size_t, char32_t> rows[] = {{std::string(1, '\0'), 1, 0},
+                                                                 {"\x7F", 1, 0x7F},
+                                                                 {"\xC2\x80", 2, 0x80},
+                                                                 {"\xDF\xBF", 2, 0x7FF},
+                                                                 {"\xE0\xA0\x80", 3, 0x800},
+                                                                 {"\xE2\x82\xAC rest", 3, 0x20AC},
+                                                                 {"\xEF\xBF\xBF", 3, 0xFFFF},
+                                                                 {"\xF0\x90\x80\x80", 4, 0x10000},
+                                                                 {"\xF4\x8F\xBF\xBF", 4, 0x10FFFF},
+                                                                 {"", 0, 0}};
+  for (const auto& [bytes, length, codePoint] : rows) {
+    EXPECT_EQ(firstCharacter(bytes).length, length) << bytes;
+    EXPECT_EQ(firstCharacter(bytes).codePoint, codePoint) << bytes;
+    EXPECT_TRUE(isUtf8(bytes));
+  }
 }
 
 TEST(Utf8, BytesThatAreNoUtf8AreRefused) {
@@ -29,11 +32,6 @@ TEST(Utf8, BytesThatAreNoUtf8AreRefused) {
     EXPECT_EQ(firstCharacter(bytes).length, 0u) << bytes;
     EXPECT_FALSE(isUtf8(std::string("fine until here ") + bytes));
   }
-}
-
-TEST(Utf8, TheEmptyTextIsUtf8AndHasNoCharacter) {
-  EXPECT_TRUE(isUtf8(""));
-  EXPECT_EQ(firstCharacter("").length, 0u);
 }
 
 }  // namespace

@@ -103,13 +103,11 @@ TEST(WrittenItems, AHundredThousandItemsAreReadInLittleTimeHoweverTheyAreDamaged
   }
 }
 
-const auto NEVER = [] { return false; };
-
 TEST(HandedItems, AHandedValueEndsWhereItEndsWhateverItImitates) {
   const std::string value =
       "v\" -context \"kelvo\\\\usage\"\nvestra_add_data -client kelvo -key fake -value \"f";
   const std::vector<WrittenItem> handed{{"kelvo", "kelvo\\usage", "k", value, 0}};
-  EXPECT_THAT(itemsWrittenIn(scriptOf(added("k", value) + added("good", "1")), handed, NEVER),
+  EXPECT_THAT(itemsWrittenIn(scriptOf(added("k", value) + added("good", "1")), handed),
               ElementsAre(WrittenItem{"kelvo", "kelvo\\usage", "k", value, 2},
                           WrittenItem{"kelvo", "kelvo\\usage", "good", "1", 4}));
 }
@@ -120,15 +118,8 @@ TEST(HandedItems, AProjectFactIsTheFirstWithItsKeyInAnyCase) {
       "1\" -context \"" + context + "\"\nvestra_add_data -client project -key b -value \"2";
   const std::vector<WrittenItem> handed{{"project", context, "Beta", value, 0},
                                         {"project", context, "beta", "3", 0}};
-  EXPECT_THAT(itemsWrittenIn(scriptOf(added("beta", value, "project", context)), handed, NEVER),
+  EXPECT_THAT(itemsWrittenIn(scriptOf(added("beta", value, "project", context)), handed),
               ElementsAre(WrittenItem{"project", context, "beta", value, 2}));
-}
-
-TEST(HandedItems, ReadingStopsWhenItIsEnough) {
-  int asked = 0;
-  EXPECT_EQ(
-      itemsWrittenIn(scriptOf(added("a", "1") + added("b", "2")), {}, [&] { return ++asked > 1; }).size(),
-      1U);
 }
 
 RC_GTEST_PROP(HandedItems, AnyTextsAreReadAsTheyWereHanded, ()) {
@@ -142,7 +133,7 @@ RC_GTEST_PROP(HandedItems, AnyTextsAreReadAsTheyWereHanded, ()) {
     lines += scriptLineOf(handed.back());
     line = 2 + static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
   }
-  RC_ASSERT(itemsWrittenIn(scriptOf(lines), handed, NEVER) == handed);
+  RC_ASSERT(itemsWrittenIn(scriptOf(lines), handed) == handed);
 }
 
 }  // namespace

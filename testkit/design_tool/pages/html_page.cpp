@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <map>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -69,24 +68,9 @@ std::string asWords(std::string text) {
   return text;
 }
 
-/// A heading for each section, no two alike: the last part of its path as words, so that
-/// "kelvo\command_line_options" becomes "Command line options". Where that is ambiguous, the whole path with
-/// client and context.
-std::vector<std::string> headingsOf(const std::vector<MappedSection>& sections) {
-  std::vector<std::string> headings;
-  std::map<std::string, int> uses;
-  for (const MappedSection& section : sections) {
-    const std::string& path = section.path();
-    headings.push_back(asWords(path.substr(path.find_last_of('\\') + 1)));
-    ++uses[headings.back()];
-  }
-  for (std::size_t i = 0; i < headings.size(); ++i) {
-    if (uses[headings[i]] > 1) {
-      headings[i] =
-          fmt::format("{} ({}, {})", asWords(sections[i].path()), sections[i].client, sections[i].context);
-    }
-  }
-  return headings;
+/// The last part of the section's path as words: "kelvo\command_line_options" becomes "Command line options".
+std::string headingOf(const MappedSection& section) {
+  return asWords(section.path().substr(section.path().find_last_of('\\') + 1));
 }
 
 std::string titleOrDefault(const Report& report) {
@@ -209,9 +193,9 @@ void addStatisticsTable(std::string& html, const MappedSection& section) {
   html += "</tbody>\n</table>\n";
 }
 
-void addSection(std::string& html, const MappedSection& section, const std::string& heading) {
+void addSection(std::string& html, const MappedSection& section) {
   html += fmt::format("<section>\n<div class=\"head\"><h2>{}</h2><span class=\"chip\">{}</span>",
-                      escapedForHtml(heading), escapedForHtml(section.client));
+                      escapedForHtml(headingOf(section)), escapedForHtml(section.client));
   if (section.rule == nullptr) {
     html += "<span class=\"test\"><span class=\"chip\">no rule</span></span>";
   }
@@ -236,10 +220,8 @@ std::string renderHtml(const Report& report, const std::vector<Rule>& rules, con
   addTestMark(html, report);
   addAbout(html, privacyPage);
   addOrigin(html, report);
-  const std::vector<MappedSection> sections = mapSections(report, rules);
-  const std::vector<std::string> headings = headingsOf(sections);
-  for (std::size_t i = 0; i < sections.size(); ++i) {
-    addSection(html, sections[i], headings[i]);
+  for (const MappedSection& section : mapSections(report, rules)) {
+    addSection(html, section);
   }
   return html + fmt::format(
                     "<footer>Report <span class=\"value\">{}</span>. Written by the stand-in design tool; "

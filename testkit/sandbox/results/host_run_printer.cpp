@@ -8,7 +8,6 @@
 
 #include "reading/visible_text.h"
 #include "recorder/bytes.h"
-#include "sandbox/results/directory_name.h"
 #include "sandbox/results/reasons.h"
 
 namespace vestra::testkit {
@@ -119,12 +118,6 @@ std::ostream& operator<<(std::ostream& out, const AddedItem& item) {
 
 std::ostream& operator<<(std::ostream& out, const Hazard& hazard) {
   return out << hazard.item << ": " << hazard.reason;
-}
-
-std::ostream& operator<<(std::ostream& out, const Rule& rule) {
-  return out << forTerminal(rule.client) << ' ' << forTerminal(rule.context) << ": XML "
-             << inQuotes(rule.xmlMap) << ", HTML " << inQuotes(rule.htmlMap) << " as "
-             << forTerminal(rule.htmlFormat);
 }
 
 std::ostream& operator<<(std::ostream& out, const Report& report) {

@@ -4,20 +4,19 @@
 
 #include <sys/wait.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <ctime>
-#include <numeric>
 #include <optional>
 #include <sstream>
 
 #include <vestra/testkit/host_run.h>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/filesystem/operations.hpp>
 
 #include "reading/visible_text.h"
 #include "recorder/bytes.h"
-#include "sandbox/results/directory_name.h"
 
 namespace vestra::testkit {
 namespace {
@@ -25,6 +24,7 @@ namespace {
 using reading::inQuotes;
 
 constexpr std::int64_t A_DAY = 86400;
+constexpr std::size_t KEYS_LENGTH = 300;
 
 std::string utc(std::int64_t time) {
   const std::time_t seconds = time;
@@ -56,12 +56,9 @@ std::string whyNotStarted(const HostRun& run) {
               : "which was not due";
 }
 
-/// The last message of the design tool, without the lines that show what it is about.
-std::string lastMessageIn(const std::string& output) {
+std::string lastLineOf(const std::string& output) {
   const auto lines = linesOf(output);
-  const auto last = std::find_if(lines.rbegin(), lines.rend(),
-                                 [](const std::string& line) { return !line.empty() && line[0] != ' '; });
-  return last == lines.rend() ? "" : ": " + *last;
+  return lines.empty() ? "" : ": " + lines.back();
 }
 
 std::string whyNotReported(const HostRun& run) {
@@ -71,7 +68,7 @@ std::string whyNotReported(const HostRun& run) {
   const ToolRun& tool = run.toolRuns.back();
   const std::string end =
       tool.status ? " ended with " + statusText(*tool.status) + " and made no report" : " did not end";
-  return "whose design tool" + end + lastMessageIn(tool.output);
+  return "whose design tool" + end + lastLineOf(tool.output);
 }
 
 std::string outcomeOf(const HostRun& run) {
@@ -88,60 +85,30 @@ std::string outcomeOf(const HostRun& run) {
   return *send.answer ? whyNotReported(run) : whyNotStarted(run);
 }
 
-/// In how many places two keys differ: characters put in, left out or replaced.
-std::size_t distance(const std::string& a, const std::string& b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), 0);
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-    }
+/// The section's keys, and the other sections that have this one.
+std::string instead(const HostRun& run, Oza::Vestra::SectionType section, const std::string& key) {
+  std::string keys;
+  for (const Item& item : run.items(section)) {
+    keys += (keys.empty() ? ", only " : ", ") + inQuotes(item.key);
   }
-  return row.back();
-}
-
-const std::vector<Item>& itemsOf(const HostRun& run) {
-  return run.report() != nullptr ? run.report()->items : run.writtenItems;
-}
-
-/// The item of the section whose key is most like the wanted one; null when none is.
-const Item* nearestTo(const std::string& key, const std::string& context, const std::vector<Item>& items) {
-  const Item* nearest = nullptr;
-  std::size_t least = key.size() / 2 + 1;
-  for (const Item& item : items) {
-    const std::size_t away = item.context == context ? distance(key, item.key) : least;
-    if (away < least) {
-      nearest = &item;
-      least = away;
-    }
+  std::string elsewhere;
+  for (const Item& item : run.report() != nullptr ? run.report()->items : run.writtenItems) {
+    elsewhere += item.key == key ? "; " + item.context + " has it: " + inQuotes(item.value) : "";
   }
-  return nearest;
-}
-
-std::string sameKeyElsewhere(const std::string& key, const std::vector<Item>& items) {
-  std::string text;
-  for (const Item& item : items) {
-    if (item.key == key) {
-      text += "; " + item.context + " has it: " + inQuotes(item.value);
-    }
-  }
-  return text;
-}
-
-std::string instead(const HostRun& run, const std::string& context, const std::string& key) {
-  const auto& items = itemsOf(run);
-  std::string text = "which has no key " + inQuotes(key) + " in " + context;
-  if (const Item* nearest = nearestTo(key, context, items)) {
-    text += "; the nearest is " + inQuotes(nearest->key) + " = " + inQuotes(nearest->value);
-  }
-  return text + sameKeyElsewhere(key, items);
+  return "which has no key " + inQuotes(key) + " in " + contextOf(section) + keys.substr(0, KEYS_LENGTH) +
+         (keys.size() > KEYS_LENGTH ? "..." : "") + elsewhere;
 }
 
 }  // namespace
+
+std::string withoutDirectory(std::string text, const std::string& directory) {
+  boost::algorithm::replace_all(text, directory, "SANDBOX");
+  return text;
+}
+
+std::string withoutGoneDirectory(const std::string& text, const std::string& directory) {
+  return directory.empty() || boost::filesystem::exists(directory) ? text : withoutDirectory(text, directory);
+}
 
 std::string statusText(int status) {
   return WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
@@ -175,7 +142,7 @@ std::string whyNotSent(const HostRun& run) {
 std::string whatIsThere(const HostRun& run, Oza::Vestra::SectionType section, const std::string& key) {
   const auto values = run.values(section, key);
   if (values.empty()) {
-    return instead(run, contextOf(section), key);
+    return instead(run, section, key);
   }
   std::string text = "whose " + inQuotes(key) + " in " + contextOf(section) + " is ";
   for (const std::string& value : values) {

@@ -107,7 +107,7 @@ class RunReader {
  public:
   RunReader(const RunPlace& thePlace, HostRun& theRun) : place(thePlace), run(theRun) {}
 
-  void readAll(std::chrono::steady_clock::time_point deadline) {
+  void readAll() {
     readCalls();
     readOutcome();
     readShell();
@@ -115,9 +115,7 @@ class RunReader {
     run.supportCalls = linesOf(bytesOf(place.record + "/calls").value_or(""));
     readFiles();
     readScript();
-    const auto items = itemsWrittenIn(run.script, run.added, deadline);
-    run.timedOut = run.timedOut || !items;
-    run.writtenItems = items.value_or(std::vector<Item>());
+    run.writtenItems = itemsWrittenIn(run.script, run.added);
     run.failedAssertions = failAsRecorded(place.record, run.output);
   }
 
@@ -139,12 +137,9 @@ class RunReader {
   }
 
   void readShell() {
-    ShellRecord shell = shellRecordIn(place.record, bytesOf(place.record + "/printed.out").value_or(""),
-                                      bytesOf(place.record + "/printed.err").value_or(""));
-    run.toolRuns = std::move(shell.toolRuns);
-    run.hostCommands = std::move(shell.hostCommands);
-    run.output = std::move(shell.output);
-    run.errorOutput = std::move(shell.errorOutput);
+    readShellRecord(place.record, run);
+    run.output = bytesOf(place.record + "/printed.out").value_or("");
+    run.errorOutput = bytesOf(place.record + "/printed.err").value_or("");
   }
 
   std::string vestraDirectory() const {
@@ -207,7 +202,7 @@ std::string identityFileIn(const std::string& sandboxDirectory) {
   return sandboxDirectory + "/project/vestra/.kelvo_vestrra.info";
 }
 
-HostRun runIn(const RunPlace& place, const ProcessEnd& end, std::chrono::steady_clock::time_point deadline) {
+HostRun runIn(const RunPlace& place, const ProcessEnd& end) {
   refuseFailureIn(place);
   HostRun run;
   run.signal = end.signal;
@@ -215,7 +210,7 @@ HostRun runIn(const RunPlace& place, const ProcessEnd& end, std::chrono::steady_
   run.timedOut = end.timedOut;
   run.unsoundness = unsoundnessIn(place.record);
   run.outlivingProcesses = end.outliving;
-  RunReader(place, run).readAll(deadline);
+  RunReader(place, run).readAll();
   return run;
 }
 

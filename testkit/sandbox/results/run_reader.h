@@ -1,8 +1,6 @@
 #ifndef VESTRA_TESTKIT_SANDBOX_RESULTS_RUN_READER_H
 #define VESTRA_TESTKIT_SANDBOX_RESULTS_RUN_READER_H
 
-#include <chrono>
-
 #include <vestra/testkit/host_run.h>
 
 #include "sandbox/forked_process.h"
@@ -17,10 +15,9 @@ std::string identityFileIn(const std::string& sandboxDirectory);
 
 /// Reads back what a run left.
 ///
-/// @param end       how its process ended
-/// @param deadline  after which items are no longer read
+/// @param end  how its process ended
 /// @throws std::runtime_error when the run could not be made
-HostRun runIn(const RunPlace& place, const ProcessEnd& end, std::chrono::steady_clock::time_point deadline);
+HostRun runIn(const RunPlace& place, const ProcessEnd& end);
 
 }  // namespace vestra::testkit
 

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <iterator>
+#include <optional>
+#include <utility>
 
 #include "reading/hazard.h"
 #include "reading/visible_text.h"
@@ -146,19 +147,12 @@ void append(std::vector<Hazard>& hazards, const std::vector<Hazard>& others) {
 
 }  // namespace
 
-std::optional<std::vector<Item>> itemsWrittenIn(const std::string& script,
-                                                const std::vector<AddedItem>& added,
-                                                std::chrono::steady_clock::time_point deadline) {
-  bool isTimeUp = false;
-  const auto read = reading::itemsWrittenIn(
-      script, handed(added), [&] { return isTimeUp = std::chrono::steady_clock::now() >= deadline; });
-  if (isTimeUp) {
-    return std::nullopt;
-  }
+std::vector<Item> itemsWrittenIn(const std::string& script, const std::vector<AddedItem>& added) {
   std::vector<Item> items;
-  std::transform(read.begin(), read.end(), std::back_inserter(items), [](const WrittenItem& item) {
-    return Item{item.client, item.context, item.key, item.value};
-  });
+  for (WrittenItem& item : reading::itemsWrittenIn(script, handed(added))) {
+    items.push_back(
+        {std::move(item.client), std::move(item.context), std::move(item.key), std::move(item.value)});
+  }
   return items;
 }
 

@@ -1,8 +1,6 @@
 #ifndef VESTRA_TESTKIT_SANDBOX_RESULTS_SCRIPT_ITEMS_H
 #define VESTRA_TESTKIT_SANDBOX_RESULTS_SCRIPT_ITEMS_H
 
-#include <chrono>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,10 +12,7 @@ namespace vestra::testkit {
 /// byte, before any interpreter has read them.
 ///
 /// @param added  what the host handed over, in order
-/// @return Nothing when the deadline came first.
-std::optional<std::vector<Item>> itemsWrittenIn(const std::string& script,
-                                                const std::vector<AddedItem>& added,
-                                                std::chrono::steady_clock::time_point deadline);
+std::vector<Item> itemsWrittenIn(const std::string& script, const std::vector<AddedItem>& added);
 
 }  // namespace vestra::testkit
 

@@ -11,12 +11,7 @@ namespace {
 using Oza::Vestra;
 using testing::HasSubstr;
 using testing::Not;
-using vestra::testkit::HasItem;
-using vestra::testkit::HostRun;
-using vestra::testkit::Report;
-using vestra::testkit::Sandbox;
-using vestra::testkit::SupportAnswers;
-using vestra::testkit::WasSent;
+using namespace vestra::testkit;
 
 constexpr std::time_t NOW = 1600000000;
 

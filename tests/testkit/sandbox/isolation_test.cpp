@@ -28,11 +28,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
-using vestra::testkit::HasItem;
-using vestra::testkit::HostRun;
-using vestra::testkit::Sandbox;
-using vestra::testkit::SupportAnswers;
-using vestra::testkit::WasSent;
+using namespace vestra::testkit;
 namespace fs = boost::filesystem;
 
 /// A host with an RPATH that leads to a "real" support library.

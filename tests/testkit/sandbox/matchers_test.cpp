@@ -5,6 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <gtest/gtest-spi.h>
 #include <vestra/testkit/matchers.h>
 
 namespace {
@@ -21,23 +22,7 @@ using testing::Not;
 using testing::Pair;
 using testing::SizeIs;
 using testing::StartsWith;
-using vestra::testkit::EndedQuietly;
-using vestra::testkit::Exception;
-using vestra::testkit::HasItem;
-using vestra::testkit::HasNoHazards;
-using vestra::testkit::HasNoSanitizerFindings;
-using vestra::testkit::HasNoWarnings;
-using vestra::testkit::HostRun;
-using vestra::testkit::Identity;
-using vestra::testkit::Item;
-using vestra::testkit::ItemsAre;
-using vestra::testkit::Report;
-using vestra::testkit::RunMatcher;
-using vestra::testkit::Send;
-using vestra::testkit::SendsAre;
-using vestra::testkit::Threw;
-using vestra::testkit::Verdict;
-using vestra::testkit::WasSent;
+using namespace vestra::testkit;
 
 constexpr auto MATCHES = Verdict::MATCHES;
 constexpr auto DIFFERS = Verdict::DIFFERS;
@@ -117,8 +102,8 @@ HostRun runThatWrote(const std::string& errors, int status = 0) {
 
 template <typename Matched, typename Matcher>
 Verdict verdictOf(const Matched& matched, const Matcher& matcher) {
-  const bool matches = testing::Value(matched, matcher);
-  const bool differs = testing::Value(matched, Not(matcher));
+  const bool matches = testing::Matches(matcher)(matched);
+  const bool differs = testing::Matches(Not(matcher))(matched);
   EXPECT_FALSE(matches && differs);
   return matches ? MATCHES : differs ? DIFFERS : CANNOT_TELL;
 }
@@ -203,7 +188,7 @@ TEST(AMatcher, JudgesARunOrCannotTell) {
       {"an exception", throwingRun(), threw, MATCHES},
       {"no exception", sentRun(), threw, DIFFERS},
       {"another exception", throwingRun(), Threw<std::runtime_error>(), DIFFERS},
-      {"an exception's text", throwingRun(), Threw("std::out_of_range", HasSubstr("far")), MATCHES},
+      {"an exception's text", throwingRun(), Threw<std::out_of_range>(HasSubstr("far")), MATCHES},
       {"another text", throwingRun(), Threw<std::out_of_range>("near"), DIFFERS},
       {"no exception of a crashed host", crashedRun(), threw, CANNOT_TELL},
       {"quiet", sentRun(), EndedQuietly(), MATCHES},
@@ -240,6 +225,13 @@ TEST(ANegation, MatchesNoHostThatCrashedHoweverItIsComposed) {
   }
 }
 
+TEST(ANegation, IsNoValueWhereARunCannotTell) {
+  EXPECT_FALSE(testing::Value(notDueRun(), WasSent()));
+  EXPECT_TRUE(testing::Value(sentRun(), WasSent()));
+  EXPECT_NONFATAL_FAILURE(EXPECT_FALSE(testing::Value(crashedRun(), WasSent())), "by signal 11");
+  EXPECT_NONFATAL_FAILURE(EXPECT_FALSE(testing::Value(unsentRun(), HasNoHazards())), "of a run that cannot");
+}
+
 TEST(ANegation, IsOrdinaryOfOtherRuns) {
   EXPECT_EQ(verdictOf(notDueRun(), AllOf(EndedQuietly(), WasSent())), DIFFERS);
   EXPECT_EQ(verdictOf(sentRun(), AllOf(EndedQuietly(), WasSent())), MATCHES);
@@ -253,7 +245,7 @@ TEST(ANegation, IsOrdinaryOfOtherRuns) {
 TEST(HasItem, TakesNumbersAsHostsWriteThem) {
   const auto wants = [](const std::string& text, const auto& value) {
     const auto run = with(sentRun(), [&](HostRun& each) { each.reports[0].items[0].value = text; });
-    return testing::Value(run, HasItem(Vestra::KELVO_USAGE, "runs", value));
+    return testing::Matches(HasItem(Vestra::KELVO_USAGE, "runs", value))(run);
   };
   EXPECT_TRUE(wants("2", 2));
   EXPECT_TRUE(wants("2", 2UL));
@@ -284,7 +276,7 @@ TEST(AReason, StandsBeforeTheRun) {
   const auto toolFailed = with(sentRun(), [](HostRun& run) {
     run.reports.clear();
     run.toolRuns[0].status = 1 << 8;
-    run.toolRuns[0].output = "read 3 items\nkelvo_vestra.tcl:4: extra characters\n    \"a\"b\n       ^\n";
+    run.toolRuns[0].output = "read 3 items\nkelvo_vestra.tcl:4: extra characters\n";
   });
   const auto otherProduct = with(notDueRun(), [](HostRun& run) { run.sends[0].product = Vestra::KELVO_ALT; });
   const auto withoutLibrary = with(unsentRun(), [](HostRun& run) { run.rulesFile = "rules"; });
@@ -334,9 +326,7 @@ TEST(AReason, StandsBeforeTheRun) {
       {WasSent(), unsound, "which proves nothing, as it ran env -i"},
       {HasItem(Vestra::KELVO_USAGE, "runs", "3"), sentRun(), "whose \"runs\" in kelvo\\usage is \"2\""},
       {HasItem(Vestra::KELVO_USAGE, "rums", "2"), sentRun(),
-       "which has no key \"rums\" in kelvo\\usage; the nearest is \"runs\" = \"2\""},
-      {HasItem(Vestra::KELVO_USAGE, "elapsed", "2"), sentRun(),
-       "which has no key \"elapsed\" in kelvo\\usage"},
+       "which has no key \"rums\" in kelvo\\usage, only \"runs\""},
       {HasItem(Vestra::TAVLO_USAGE, "runs", "2"), sentRun(),
        "which has no key \"runs\" in tavlo\\usage; kelvo\\usage has it: \"2\""},
       {HasItem(Vestra::TAVLO_USAGE, "runs", "2"), silent,
@@ -386,7 +376,7 @@ TEST(AnAccount, ShowsAllThatThereIsTheWorstFirst) {
   run.errorOutput = "==9==ERROR: LeakSanitizer: leaks\n";
   run.hostCommands = {{"ls", 1 << 8}};
   run.identity = Identity{"5\n0\n2\n0\np\n", 5, 0, 2, false, "p"};
-  run.settings = vestra::testkit::Settings{"RandomID=r\n", "r"};
+  run.settings = Settings{"RandomID=r\n", "r"};
   run.failedAssertions = {{"host.cpp", 7, "Failed"}};
   run.unsoundness = {"it ran env -i"};
   run.outlivingProcesses = {"sleep 600"};
@@ -462,7 +452,6 @@ TEST(AFailuresAccount, HasAtMost25LinesTheCauseFirst) {
 }
 
 TEST(EachPartOfARun, PrintsItselfReadably) {
-  using namespace vestra::testkit;
   EXPECT_EQ(testing::PrintToString(sentRun()), "a run whose host answered true");
   EXPECT_EQ(testing::PrintToString(AddedItem{Vestra::KELVO_USAGE, "k", "v"}), "kelvo\\usage: k = \"v\"");
   EXPECT_EQ(testing::PrintToString(AddedItem{static_cast<Vestra::SectionType>(7), "k", "v"}),
@@ -475,8 +464,6 @@ TEST(EachPartOfARun, PrintsItselfReadably) {
             "send(\"/p\", TAVLO): E \"t\"");
   EXPECT_EQ(testing::PrintToString(HostCommand{"ls", std::nullopt}), "ls, not ended");
   EXPECT_EQ(testing::PrintToString(HostCommand{"ls", SIGKILL}), "ls, signal 9");
-  EXPECT_EQ(testing::PrintToString(Rule{"kelvo", "kelvo\\usage", "usage", "Usage", "FennoxStatsStyle"}),
-            "kelvo kelvo\\usage: XML \"usage\", HTML \"Usage\" as FennoxStatsStyle");
   EXPECT_EQ(testing::PrintToString(Hazard{RUNS, "a reason"}), "kelvo\\usage: runs = \"2\": a reason");
 }
 

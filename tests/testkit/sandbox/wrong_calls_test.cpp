@@ -19,17 +19,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-using vestra::testkit::EndedQuietly;
-using vestra::testkit::HasItem;
-using vestra::testkit::HasNoHazards;
-using vestra::testkit::HasNoWarnings;
-using vestra::testkit::HostRun;
-using vestra::testkit::ItemsAre;
-using vestra::testkit::RunMatcher;
-using vestra::testkit::Sandbox;
-using vestra::testkit::Send;
-using vestra::testkit::SendsAre;
-using vestra::testkit::WasSent;
+using namespace vestra::testkit;
 
 constexpr auto FACTS = Vestra::SOFTWARE_VERSION_AND_TARGET_DEVICE;
 constexpr auto OPTIONS = Vestra::KELVO_COMMAND_LINE_OPTIONS;
@@ -75,8 +65,10 @@ std::vector<Said> allThatIsSaidOf(const Sandbox& sandbox) {
           {"EndedQuietly", EndedQuietly()}};
 }
 
+using Change = std::function<void(Host&, const Sandbox&)>;
+
 /// The names of what the run does not match.
-std::vector<std::string> unmatchedBy(const std::function<void(Host&, const Sandbox&)>& change) {
+std::vector<std::string> unmatchedBy(const Change& change) {
   Sandbox sandbox;
   Host host{sandbox.project()};
   change(host, sandbox);
@@ -84,7 +76,7 @@ std::vector<std::string> unmatchedBy(const std::function<void(Host&, const Sandb
   const HostRun run = sandbox.runProcess([&] { return host(); });
   std::vector<std::string> names;
   for (const Said& said : allThatIsSaidOf(sandbox)) {
-    if (!testing::Value(run, said.matcher)) {
+    if (!testing::Matches(said.matcher)(run)) {
       names.emplace_back(said.name);
     }
   }
@@ -95,37 +87,57 @@ TEST(ARightCall, IsMatchedByEverything) {
   EXPECT_THAT(unmatchedBy([](Host&, const Sandbox&) {}), IsEmpty());
 }
 
-void twice(Host& host, Vestra::ProductType second) {
-  host.end = [&host, second](bool) { return Vestra::send(host.project.c_str(), second); };
-}
-
-void sendTo(Host& host, const std::string& directory) {
-  host.send = [directory] { return Vestra::send(directory.c_str(), Vestra::KELVO); };
-}
-
-void sendAs(Host& host, Vestra::ProductType product) {
-  host.send = [&host, product] { return Vestra::send(host.project.c_str(), product); };
-}
-
-void addUsage(Host& host, const std::vector<std::pair<const char*, const char*>>& items) {
-  host.addUsage = [items] {
-    for (const auto& [key, value] : items) {
-      Vestra::add(key, value, USAGE);
-    }
+Change sendTwice(Vestra::ProductType second) {
+  return [=](Host& host, const Sandbox&) {
+    host.end = [&host, second](bool) { return Vestra::send(host.project.c_str(), second); };
   };
 }
 
-void alsoAdd(Host& host, const char* key, const char* value, Vestra::SectionType section) {
-  host.addOptions = [=, before = host.addOptions] {
-    before();
-    Vestra::add(key, value, section);
+/// @param directory  below that of the sandbox, or a relative one
+Change sendTo(const std::string& directory) {
+  return [=](Host& host, const Sandbox& sandbox) {
+    const std::string path = directory[0] == '/' ? sandbox.directory() + directory : directory;
+    host.send = [path] { return Vestra::send(path.c_str(), Vestra::KELVO); };
   };
 }
 
-void atTheEnd(Host& host, const std::function<void()>& action) {
-  host.end = [action](bool sent) {
-    action();
-    return sent;
+Change sendAs(unsigned int product) {
+  return [=](Host& host, const Sandbox&) {
+    host.send = [&host, product] {
+      return Vestra::send(host.project.c_str(), static_cast<Vestra::ProductType>(product));
+    };
+  };
+}
+
+Change addUsage(const std::vector<std::pair<const char*, const char*>>& items) {
+  return [=](Host& host, const Sandbox&) {
+    host.addUsage = [items] {
+      for (const auto& [key, value] : items) {
+        Vestra::add(key, value, USAGE);
+      }
+    };
+  };
+}
+
+Change alsoAdd(const char* key, const char* value, Vestra::SectionType section) {
+  return [=](Host& host, const Sandbox&) {
+    host.addOptions = [=, before = host.addOptions] {
+      before();
+      Vestra::add(key, value, section);
+    };
+  };
+}
+
+Change insteadOfUsage(const std::function<void()>& action) {
+  return [=](Host& host, const Sandbox&) { host.addUsage = action; };
+}
+
+Change atTheEnd(const std::function<void()>& action) {
+  return [=](Host& host, const Sandbox&) {
+    host.end = [action](bool sent) {
+      action();
+      return sent;
+    };
   };
 }
 
@@ -133,23 +145,25 @@ TEST(AWrongCall, IsNoticed) {
   struct Case {
     const char* name;
     const char* noticedBy;
-    std::function<void(Host&, const Sandbox&)> change;
+    Change change;
   };
   using S = const Sandbox&;
+  const char* const injected =
+      "1.5\" -context \"kelvo\\\\usage\"\nvestra_add_data -client kelvo -key x -value \"1";
   const std::vector<Case> cases{
       // send
-      {"the lab tool's", "SendsAre", [](Host& h, S) { sendAs(h, Vestra::TAVLO); }},
-      {"the other slot's", "SendsAre", [](Host& h, S) { sendAs(h, Vestra::KELVO_ALT); }},
-      {"an unknown product", "SendsAre", [](Host& h, S) { sendAs(h, static_cast<Vestra::ProductType>(3)); }},
-      {"another directory", "SendsAre", [](Host& h, S s) { sendTo(h, s.home()); }},
-      {"the directory above", "SendsAre", [](Host& h, S) { sendTo(h, "."); }},
-      {"the vestra directory itself", "SendsAre", [](Host& h, S s) { sendTo(h, s.project() + "/vestra"); }},
-      {"a slash too many", "SendsAre", [](Host& h, S s) { sendTo(h, s.project() + "/"); }},
-      {"a directory with a blank", "HasNoHazards", [](Host& h, S s) { sendTo(h, s.project() + "/a b"); }},
-      {"no directory", "SendsAre", [](Host& h, S) { sendTo(h, ""); }},
+      {"the lab tool's", "SendsAre", sendAs(Vestra::TAVLO)},
+      {"the other slot's", "SendsAre", sendAs(Vestra::KELVO_ALT)},
+      {"an unknown product", "SendsAre", sendAs(3)},
+      {"another directory", "SendsAre", sendTo("/home")},
+      {"the directory above", "SendsAre", sendTo(".")},
+      {"the vestra directory itself", "SendsAre", sendTo("/project/vestra")},
+      {"a slash too many", "SendsAre", sendTo("/project/")},
+      {"a directory with a blank", "HasNoHazards", sendTo("/project/a b")},
+      {"no directory", "SendsAre", sendTo("")},
       {"null", "WasSent", [](Host& h, S) { h.send = [] { return Vestra::send(nullptr, Vestra::KELVO); }; }},
-      {"twice", "SendsAre", [](Host& h, S) { twice(h, Vestra::KELVO); }},
-      {"twice for two products", "SendsAre", [](Host& h, S) { twice(h, Vestra::KELVO_ALT); }},
+      {"twice", "SendsAre", sendTwice(Vestra::KELVO)},
+      {"twice for two products", "SendsAre", sendTwice(Vestra::KELVO_ALT)},
       {"never", "WasSent", [](Host& h, S) { h.send = [] { return true; }; }},
       {"before the items", "UsageIs",
        [](Host& h, S) {
@@ -160,100 +174,46 @@ TEST(AWrongCall, IsNoticed) {
          h.send = [] { return true; };
        }},
       // items
-      {"no items", "UsageIs", [](Host& h, S) { addUsage(h, {}); }},
-      {"an item too few", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "2"}});
-       }},
-      {"an item twice", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "2"}, {"hours", "1.5"}, {"hours", "1.5"}});
-       }},
-      {"an item too many", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "2"}, {"hours", "1.5"}, {"x", "1"}});
-       }},
-      {"another order", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"hours", "1.5"}, {"runs", "2"}});
-       }},
-      {"another key", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"rums", "2"}, {"hours", "1.5"}});
-       }},
-      {"a key in capitals", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"Runs", "2"}, {"hours", "1.5"}});
-       }},
-      {"a key with a blank", "HasNoHazards",
-       [](Host& h, S) {
-         addUsage(h, {{"runs ", "2"}, {"hours", "1.5"}});
-       }},
-      {"key and value exchanged", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"2", "runs"}, {"hours", "1.5"}});
-       }},
-      {"another value", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "3"}, {"hours", "1.5"}});
-       }},
-      {"an empty value", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", ""}, {"hours", "1.5"}});
-       }},
-      {"a value with a blank", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "2 "}, {"hours", "1.5"}});
-       }},
-      {"a number as another locale writes it", "UsageIs",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "2"}, {"hours", "1,5"}});
-       }},
-      {"a value that the interpreter reads", "HasNoHazards",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", "$2"}, {"hours", "1.5"}});
-       }},
-      {"a value that adds an item", "HasNoHazards",
-       [](Host& h, S) {
-         addUsage(h,
-                  {{"runs", "2"},
-                   {"hours",
-                    "1.5\" -context \"kelvo\\\\usage\"\nvestra_add_data -client kelvo -key x -value \"1"}});
-       }},
-      {"null as a value", "WasSent",
-       [](Host& h, S) {
-         addUsage(h, {{"runs", nullptr}});
-       }},
+      {"no items", "UsageIs", addUsage({})},
+      {"an item too few", "UsageIs", addUsage({{"runs", "2"}})},
+      {"an item twice", "UsageIs", addUsage({{"runs", "2"}, {"hours", "1.5"}, {"hours", "1.5"}})},
+      {"an item too many", "UsageIs", addUsage({{"runs", "2"}, {"hours", "1.5"}, {"x", "1"}})},
+      {"another order", "UsageIs", addUsage({{"hours", "1.5"}, {"runs", "2"}})},
+      {"another key", "UsageIs", addUsage({{"rums", "2"}, {"hours", "1.5"}})},
+      {"a key in capitals", "UsageIs", addUsage({{"Runs", "2"}, {"hours", "1.5"}})},
+      {"a key with a blank", "HasNoHazards", addUsage({{"runs ", "2"}, {"hours", "1.5"}})},
+      {"key and value exchanged", "UsageIs", addUsage({{"2", "runs"}, {"hours", "1.5"}})},
+      {"another value", "UsageIs", addUsage({{"runs", "3"}, {"hours", "1.5"}})},
+      {"an empty value", "UsageIs", addUsage({{"runs", ""}, {"hours", "1.5"}})},
+      {"a value with a blank", "UsageIs", addUsage({{"runs", "2 "}, {"hours", "1.5"}})},
+      {"a number as another locale writes it", "UsageIs", addUsage({{"runs", "2"}, {"hours", "1,5"}})},
+      {"a value that the interpreter reads", "HasNoHazards", addUsage({{"runs", "$2"}, {"hours", "1.5"}})},
+      {"a value that adds an item", "HasNoHazards", addUsage({{"runs", "2"}, {"hours", injected}})},
+      {"null as a value", "WasSent", addUsage({{"runs", nullptr}})},
       {"another section", "OptionsAre",
        [](Host& h, S) { h.addOptions = [] { Vestra::add("mode", "batch", USAGE); }; }},
-      {"the lab tool's section as well", "TavlosAre",
-       [](Host& h, S) { alsoAdd(h, "probes", "1", Vestra::TAVLO_USAGE); }},
+      {"the lab tool's section as well", "TavlosAre", alsoAdd("probes", "1", Vestra::TAVLO_USAGE)},
       {"the lab tool's options as well", "TavlosOptionsAre",
-       [](Host& h, S) { alsoAdd(h, "mode", "batch", Vestra::TAVLO_COMMAND_LINE_OPTIONS); }},
-      {"the user's environment as well", "EnvironmentIs",
-       [](Host& h, S) { alsoAdd(h, "shell", "sh", Vestra::USER_ENVIRONMENT); }},
-      {"a fact that is none", "HasNoHazards", [](Host& h, S) { alsoAdd(h, "target_devise", "x8", FACTS); }},
-      {"a second fact of a kind", "HasNoHazards",
-       [](Host& h, S) { alsoAdd(h, "target_device", "x8", FACTS); }},
+       alsoAdd("mode", "batch", Vestra::TAVLO_COMMAND_LINE_OPTIONS)},
+      {"the user's environment as well", "EnvironmentIs", alsoAdd("shell", "sh", Vestra::USER_ENVIRONMENT)},
+      {"a fact that is none", "HasNoHazards", alsoAdd("target_devise", "x8", FACTS)},
+      {"a second fact of a kind", "HasNoHazards", alsoAdd("target_device", "x8", FACTS)},
       {"the fact too late", "HasItem",
-       [](Host& h, S) {
-         atTheEnd(h, h.addFacts);
+       [](Host& h, S s) {
+         atTheEnd(h.addFacts)(h, s);
          h.addFacts = [] {};
        }},
-      {"an item after send", "HasNoHazards",
-       [](Host& h, S) { atTheEnd(h, [] { Vestra::add("late", "1", USAGE); }); }},
+      {"an item after send", "HasNoHazards", atTheEnd([] { Vestra::add("late", "1", USAGE); })},
       // the host itself
-      {"throws before send", "WasSent",
-       [](Host& h, S) { h.addUsage = [] { throw std::runtime_error("x"); }; }},
-      {"throws after send", "WasSent",
-       [](Host& h, S) { atTheEnd(h, [] { throw std::runtime_error("x"); }); }},
-      {"crashes before send", "WasSent", [](Host& h, S) { h.addUsage = [] { raise(SIGSEGV); }; }},
-      {"crashes after send", "WasSent", [](Host& h, S) { atTheEnd(h, [] { raise(SIGSEGV); }); }},
-      {"leaves before send", "WasSent", [](Host& h, S) { h.addUsage = [] { std::exit(0); }; }},
-      {"leaves with a status", "EndedQuietly", [](Host& h, S) { atTheEnd(h, [] { std::exit(3); }); }},
-      {"prints", "EndedQuietly", [](Host& h, S) { atTheEnd(h, [] { std::cout << "sent" << std::endl; }); }},
+      {"throws before send", "WasSent", insteadOfUsage([] { throw std::runtime_error("x"); })},
+      {"throws after send", "WasSent", atTheEnd([] { throw std::runtime_error("x"); })},
+      {"crashes before send", "WasSent", insteadOfUsage([] { raise(SIGSEGV); })},
+      {"crashes after send", "WasSent", atTheEnd([] { raise(SIGSEGV); })},
+      {"leaves before send", "WasSent", insteadOfUsage([] { std::exit(0); })},
+      {"leaves with a status", "EndedQuietly", atTheEnd([] { std::exit(3); })},
+      {"prints", "EndedQuietly", atTheEnd([] { std::cout << "sent" << std::endl; })},
       {"has a sanitizer's finding", "EndedQuietly",
-       [](Host& h, S) { atTheEnd(h, [] { std::cerr << "a.c:1:2: runtime error: overflow\n"; }); }},
+       atTheEnd([] { std::cerr << "a.c:1:2: runtime error: overflow\n"; })},
   };
   for (const Case& each : cases) {
     EXPECT_THAT(unmatchedBy(each.change), Contains(each.noticedBy)) << each.name;

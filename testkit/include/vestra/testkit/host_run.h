@@ -122,7 +122,7 @@ struct Send {
   Oza::Vestra::ProductType product = Oza::Vestra::KELVO;
   /// Nothing when the call threw, or the host ended in it.
   std::optional<bool> answer;
-  /// What the call threw.
+  /// What the call threw; unknown of a program that was executed.
   std::optional<Exception> exception = std::nullopt;
 };
 
@@ -200,8 +200,7 @@ struct HostRun {
   std::optional<int> signal;
   /// Nothing when a signal ended the process.
   std::optional<int> exitStatus;
-  /// Whether the time limit was over before the host had ended, or before all was read
-  /// that it left; `writtenItems` may then lack items.
+  /// Whether the time limit was over before the host had ended.
   bool timedOut = false;
   /// Why this run may have done what nobody recorded: processes of it that ran without the
   /// test kit's preloaded objects, a sentence each. Empty for a sound run.
@@ -290,7 +289,7 @@ VESTRA_TESTKIT_EXPORT std::string endOf(const HostRun& run);
 VESTRA_TESTKIT_EXPORT std::string whyNotSent(const HostRun& run);
 
 /// What there is in the place of an item: the values of its key, or that the key is
-/// missing, with the nearest key and the same key's place in other sections.
+/// missing, with the keys that there are and the same key's place in other sections.
 VESTRA_TESTKIT_EXPORT std::string whatIsThere(const HostRun& run, Oza::Vestra::SectionType section,
                                               const std::string& key);
 
@@ -307,7 +306,6 @@ VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostRun&
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Item& item);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const AddedItem& item);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Hazard& hazard);
-VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Rule& rule);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Report& report);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const Send& send);
 VESTRA_TESTKIT_EXPORT std::ostream& operator<<(std::ostream& out, const HostCommand& command);

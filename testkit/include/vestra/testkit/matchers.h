@@ -23,7 +23,8 @@
 /// Where a run cannot tell, neither a matcher nor its negation matches: of a host that crashed, which
 /// only `EndedQuietly` judges; of a host that threw, `WasSent`; of an unsound run, everything; and
 /// what is said of a script, a report or sends where there are none. `Not` keeps to that around
-/// composed and stored matchers and containers of runs as well, but `EXPECT_FALSE(Value(…))` does not.
+/// composed and stored matchers and containers of runs as well, and `Value` fails the test there. `Times(0)`
+/// does not: write `Not(Contains(…))`.
 namespace vestra::testkit {
 
 /// What a check makes of a run.
@@ -44,10 +45,6 @@ class RunCheck {
         check(std::move(whatIsChecked)) {}
 
   bool MatchAndExplain(const HostRun& run, testing::MatchResultListener* listener) const {
-    return isJudged(Verdict::MATCHES, run, listener);
-  }
-
-  bool isJudged(Verdict wanted, const HostRun& run, testing::MatchResultListener* listener) const {
     std::ostringstream reason;
     const Verdict verdict = verdictOn(run, reason);
     metUncertainty() = metUncertainty() || verdict == Verdict::CANNOT_TELL || run.crashed();
@@ -55,6 +52,13 @@ class RunCheck {
       *listener << explanation(reason.str(), verdict == wanted, run);
     }
     return verdict == wanted;
+  }
+
+  /// Matches the runs that differ, and none of which this cannot tell.
+  RunCheck negation() const {
+    RunCheck other(negated, description, check);
+    other.wanted = wanted == Verdict::MATCHES ? Verdict::DIFFERS : Verdict::MATCHES;
+    return other;
   }
 
   void DescribeTo(std::ostream* out) const { *out << description; }
@@ -88,6 +92,7 @@ class RunCheck {
   std::string description;
   std::string negated;
   Check check;
+  Verdict wanted = Verdict::MATCHES;
 };
 
 /// A matcher of runs.
@@ -125,42 +130,41 @@ class CertainNot : public testing::MatcherInterface<const Matched&> {
   testing::Matcher<Matched> matcher;
 };
 
-/// `Not` of one such matcher.
-class Differs {
- public:
-  explicit Differs(RunCheck whatIsNegated) : check(std::move(whatIsNegated)) {}
-
-  bool MatchAndExplain(const HostRun& run, testing::MatchResultListener* listener) const {
-    return check.isJudged(Verdict::DIFFERS, run, listener);
-  }
-
-  void DescribeTo(std::ostream* out) const { check.DescribeNegationTo(out); }
-  void DescribeNegationTo(std::ostream* out) const { check.DescribeTo(out); }
-
- private:
-  RunCheck check;
-};
-
 /// @endcond
 
 }  // namespace vestra::testkit
 
 /// @cond
 // GoogleTest negates whatever a matcher gives, which is wrong where a run cannot tell.
-namespace testing::internal {
+namespace testing {
+
+/// As GoogleTest's, but fails the test where a run cannot tell: neither true nor false is right then.
+template <typename RunMatcher>
+bool Value(const vestra::testkit::HostRun& run, RunMatcher matcher) {
+  using vestra::testkit::RunCheck;
+  const bool metBefore = std::exchange(RunCheck::metUncertainty(), false);
+  const bool matches = SafeMatcherCast<const vestra::testkit::HostRun&>(matcher).Matches(run);
+  if (std::exchange(RunCheck::metUncertainty(), metBefore) && !matches) {
+    ADD_FAILURE() << "Value() of a run that cannot tell:\n" << summaryOf(run, vestra::testkit::SUMMARY_LINES);
+  }
+  return matches;
+}
+
+namespace internal {
 
 template <>
 class NotMatcher<vestra::testkit::RunMatcher> {
  public:
-  explicit NotMatcher(const vestra::testkit::RunMatcher& matcher) : differs(matcher.impl()) {}
+  explicit NotMatcher(const vestra::testkit::RunMatcher& matcher)
+      : negation(MakePolymorphicMatcher(matcher.impl().negation())) {}
 
   template <typename Run>
   operator Matcher<Run>() const {  // NOLINT(google-explicit-constructor): as matchers do.
-    return MakePolymorphicMatcher(differs);
+    return negation;
   }
 
  private:
-  vestra::testkit::Differs differs;
+  vestra::testkit::RunMatcher negation;
 };
 
 template <>
@@ -187,7 +191,8 @@ class NotMatcherImpl<const Container<vestra::testkit::HostRun, More...>&>
   using vestra::testkit::CertainNot<const Container<vestra::testkit::HostRun, More...>&>::CertainNot;
 };
 
-}  // namespace testing::internal
+}  // namespace internal
+}  // namespace testing
 /// @endcond
 
 namespace vestra::testkit {
@@ -202,10 +207,10 @@ inline Verdict verdictOnAll(bool matches, const HostRun& run) {
   return run.endedWell() ? verdictOnSome(matches, run) : Verdict::CANNOT_TELL;
 }
 
-/// A check of what was written or reported, which needs a script that was read to its end.
+/// A check of what was written or reported, which needs a script.
 inline RunCheck::Check whereThereIsAScript(RunCheck::Check check) {
   return [check = std::move(check)](const HostRun& run, std::ostream& reason) {
-    if (run.hasScript() && !run.timedOut) {
+    if (run.hasScript()) {
       return check(run, reason);
     }
     reason << "which has no script to look into, " << whyNotSent(run);
@@ -302,14 +307,19 @@ template <typename Value>
 testing::Matcher<std::string> textMatcher(const Value& value) {
   if constexpr (std::is_arithmetic_v<Value>) {
     return textOf(value);
+  } else if constexpr (std::is_convertible_v<const Value&, std::string>) {
+    return std::string(value);
   } else {
     return testing::SafeMatcherCast<std::string>(value);
   }
 }
 
-/// HasItem with a matcher.
-inline RunMatcher itemMatcher(Oza::Vestra::SectionType section, const std::string& key,
-                              const testing::Matcher<std::string>& value) {
+/// The section has an item with this key whose value matches.
+///
+/// @param wanted  a text, a number or a matcher
+template <typename Value>
+RunMatcher HasItem(Oza::Vestra::SectionType section, const std::string& key, const Value& wanted) {
+  const testing::Matcher<std::string> value = textMatcher(wanted);
   const auto check = [=, context = contextOf(section)](const HostRun& run, std::ostream& reason) {
     const auto isIn = [&](const std::vector<Item>& items) {
       return std::any_of(items.begin(), items.end(), [&](const Item& item) {
@@ -327,19 +337,6 @@ inline RunMatcher itemMatcher(Oza::Vestra::SectionType section, const std::strin
       " item \"" + key + "\" in " + contextOf(section) + " whose value " + descriptionOf(value);
   return testing::MakePolymorphicMatcher(
       RunCheck("has an" + item, "has no" + item, whereThereIsAScript(check)));
-}
-
-/// The section has an item with this key whose value matches.
-///
-/// @param value  a text, a number or a matcher
-template <typename Value>
-RunMatcher HasItem(Oza::Vestra::SectionType section, const std::string& key, const Value& value) {
-  return itemMatcher(section, key, textMatcher(value));
-}
-
-/// The same for a text.
-inline RunMatcher HasItem(Oza::Vestra::SectionType section, const std::string& key, const char* value) {
-  return itemMatcher(section, key, std::string(value));
 }
 
 /// The section's items, in order, match.
@@ -405,9 +402,13 @@ inline RunMatcher HasNoSanitizerFindings() {
       RunCheck("has no sanitizers' findings", "has sanitizers' findings", check));
 }
 
-/// Threw with a matcher.
-inline RunMatcher exceptionMatcher(const std::string& type, const testing::Matcher<std::string>& text) {
-  const auto check = [=](const HostRun& run, std::ostream& reason) {
+/// The host's code let an exception of this type, or of one derived from it, out.
+///
+/// @param wanted  the exception's text, or a matcher of it
+template <typename Type, typename Text = testing::Matcher<std::string>>
+RunMatcher Threw(const Text& wanted = testing::_) {
+  const auto text = testing::SafeMatcherCast<std::string>(wanted);
+  const auto check = [text, type = nameOf(typeid(Type))](const HostRun& run, std::ostream& reason) {
     reason << endOf(run);
     if (!run.exception) {
       return run.crashed() ? Verdict::CANNOT_TELL : Verdict::DIFFERS;
@@ -417,24 +418,8 @@ inline RunMatcher exceptionMatcher(const std::string& type, const testing::Match
         run.exception->type == type || std::find(bases.begin(), bases.end(), type) != bases.end();
     return isOfType && text.Matches(run.exception->text) ? Verdict::MATCHES : Verdict::DIFFERS;
   };
-  const std::string exception = type + " whose text " + descriptionOf(text);
+  const std::string exception = nameOf(typeid(Type)) + " whose text " + descriptionOf(text);
   return testing::MakePolymorphicMatcher(RunCheck("threw " + exception, "did not throw " + exception, check));
-}
-
-/// The host's code let an exception of this type, or of one derived from it, out.
-///
-/// @param text  of the exception: a text or a matcher
-template <typename Type, typename Text = testing::Matcher<std::string>>
-RunMatcher Threw(const Text& text = testing::_) {
-  return exceptionMatcher(nameOf(typeid(Type)), testing::SafeMatcherCast<std::string>(text));
-}
-
-/// The same for a type that the test does not know.
-///
-/// @param type  its name as C++ writes it
-template <typename Text>
-RunMatcher Threw(const std::string& type, const Text& text) {
-  return exceptionMatcher(type, testing::SafeMatcherCast<std::string>(text));
 }
 
 /// The host ended by itself, with status 0 and all its processes; nothing was printed but by the tool,

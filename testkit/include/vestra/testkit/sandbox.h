@@ -21,7 +21,7 @@ struct SupportAnswers {
   std::optional<std::string> execPath;
   /// The registration identifier.
   std::optional<std::string> registrationId;
-  /// By default a description of this machine.
+  /// By default that of a machine that does not exist.
   std::optional<std::string> environment;
   /// Those that are null instead: any of "exec_path", "regid", "environment".
   std::vector<std::string> null;
@@ -93,8 +93,7 @@ class VESTRA_TESTKIT_EXPORT Sandbox {
   /// Sets, or without a value unsets, an environment variable of the runs that
   /// follow. HOME is `home()` unless it is set here.
   void setEnvironment(const std::string& name, const std::optional<std::string>& value);
-  /// How long a run may take, reading what it left included, by the clock; 10 minutes unless
-  /// set, which no busy machine needs.
+  /// How long a host may run, by the clock; 10 minutes unless set, which no busy machine needs.
   void setTimeLimit(std::chrono::milliseconds limit);
 
   // With these and fixed answers, two runs leave the same bytes, but for the path of the

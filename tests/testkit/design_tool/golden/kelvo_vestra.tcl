@@ -24,8 +24,13 @@ vestra_add_data -client project -key system_ram -value "135.000 GB" -context "us
 vestra_register_client -client kelvo
 vestra_add_data -client kelvo -key runall -value "true" -context "kelvo\\command_line_options"
 vestra_add_data -client kelvo -key snapshot -value "work.tb_top_behavioural_with_a_really_long_name_that_has_no_blank_anywhere_to_break_at_0123456789" -context "kelvo\\command_line_options"
+vestra_add_data -client kelvo -key usage_note -value "first line
+  second line, <b>indented</b> & 'quoted'" -context "kelvo\\command_line_options"
+vestra_add_data -client kelvo -key bytes -value "bell  escape  stray �� return  end" -context "kelvo\\command_line_options"
+vestra_add_data -client kelvo -key words -value "café € 📈 שלום" -context "kelvo\\command_line_options"
+vestra_add_data -client kelvo -key nothing -value "" -context "kelvo\\command_line_options"
 vestra_add_data -client kelvo -key runs -value "2" -context "kelvo\\usage"
 vestra_add_data -client kelvo -key simulation_time_ps -value "104857600" -context "kelvo\\usage"
 vestra_add_data -client kelvo -key peak_memory_kb -value "2218340" -context "kelvo\\usage"
-vestra_transmit -clientid 3466800949 -regid "REG-174012" -xml /home/u/demo/vestra/usage_statistics_ext_kelvo.xml -html /home/u/demo/vestra/usage_statistics_ext_kelvo.html -wdm /home/u/demo/vestra/usage_statistics_ext_kelvo.wdm -intro "<H3>KELVO Usage Report</H3><BR>"
+vestra_transmit -clientid 1742439171 -regid "REG-174012" -xml /home/u/demo/vestra/usage_statistics_ext_kelvo.xml -html /home/u/demo/vestra/usage_statistics_ext_kelvo.html -wdm /home/u/demo/vestra/usage_statistics_ext_kelvo.wdm -intro "<H3>KELVO Usage Report</H3><BR>"
 vestra_terminate

@@ -98,17 +98,6 @@ TEST(HtmlPage, LinksToThePageAboutPrivacy) {
               HasSubstr("<a href=\"file:///opt/a%20%22b%22/privacy.html\">What is reported about you</a>"));
 }
 
-TEST(HtmlPage, HasNoTwoSectionsWithOneHeading) {
-  const std::string page = pageWith({}, {{"kelvo", "1", "x", "a\\usage", HtmlStyle::Statistics},
-                                         {"kelvo", "2", "x", "b\\usage", HtmlStyle::Statistics},
-                                         {"kelvo", "3", "x", "c\\options", HtmlStyle::Statistics},
-                                         {"tavlo", "4", "x", "b\\usage", HtmlStyle::Statistics}});
-  for (const char* heading :
-       {"A\\usage (kelvo, 1)", "B\\usage (kelvo, 2)", "Options", "B\\usage (tavlo, 4)"}) {
-    EXPECT_THAT(page, HasSubstr(std::string("<h2>") + heading + "</h2>"));
-  }
-}
-
 TEST(HtmlPage, ShowsInvisibleCharactersAndBlanks) {
   const std::string page = pageWith({{0, "a", " \t", 3}, {0, "b", "x\u202Ey\u200Bz\uFEFF", 4}}, {USAGE});
   EXPECT_THAT(page, HasSubstr("<td class=\"value\"><span class=\"byte\">\\x20</span><span "

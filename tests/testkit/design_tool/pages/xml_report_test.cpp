@@ -29,27 +29,14 @@ Report reportWith(const std::vector<Item>& items) {
   return report;
 }
 
-TEST(XmlReport, AnItemStandsInTheSectionThatItsRuleNames) {
-  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {MAPPED_USAGE}));
+TEST(XmlReport, HasASectionForEachRuleAndForEachContextWithoutOne) {
+  const Rule empty{"kelvo", "kelvo\\options", "mapped\\options", "html", HtmlStyle::Statistics};
+  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {empty}));
   const pugi::xml_node section = document.child("usage_statistics").child("section");
-  EXPECT_STREQ(section.attribute("client").value(), "kelvo");
-  EXPECT_STREQ(section.attribute("context").value(), "kelvo\\usage");
-  EXPECT_STREQ(section.attribute("name").value(), "mapped\\usage");
-  EXPECT_STREQ(section.child("item").attribute("key").value(), "runs");
-  EXPECT_STREQ(section.child("item").child_value(), "2");
-}
-
-TEST(XmlReport, ASectionWithoutARuleHasNoName) {
-  const auto document = parsed(renderXml(reportWith({{0, "runs", "2", 3}}), {}));
-  const pugi::xml_node section = document.child("usage_statistics").child("section");
-  EXPECT_STREQ(section.attribute("context").value(), "kelvo\\usage");
-  EXPECT_FALSE(section.attribute("name"));
-}
-
-TEST(XmlReport, ARuleWithoutDataHasAnEmptySection) {
-  const auto document = parsed(renderXml(Report(), {MAPPED_USAGE}));
-  EXPECT_TRUE(document.child("usage_statistics").child("section"));
-  EXPECT_FALSE(document.child("usage_statistics").child("section").child("item"));
+  EXPECT_STREQ(section.attribute("name").value(), "mapped\\options");
+  EXPECT_FALSE(section.child("item"));
+  EXPECT_STREQ(section.next_sibling("section").attribute("context").value(), "kelvo\\usage");
+  EXPECT_FALSE(section.next_sibling("section").attribute("name"));
 }
 
 TEST(XmlReport, MarkupWhiteSpaceAndLineFeedsComeBackExactly) {

@@ -15,11 +15,7 @@ using namespace std::chrono_literals;
 
 using testing::HasSubstr;
 using testing::ResultOf;
-using vestra::testkit::HostRun;
-using vestra::testkit::Sandbox;
-using vestra::testkit::SupportAnswers;
-using vestra::testkit::Threw;
-using vestra::testkit::WasSent;
+using namespace vestra::testkit;
 
 HostRun runWith(const SupportAnswers& answers) {
   Sandbox sandbox;
@@ -35,7 +31,7 @@ SupportAnswers missing(const std::string& what) {
 
 TEST(SupportAnswers, DecideWhatBecomesOfAReport) {
   const auto notSent = [](const std::string& reason) {
-    return testing::AllOf(testing::Not(WasSent()), ResultOf(vestra::testkit::whyNotSent, HasSubstr(reason)));
+    return testing::AllOf(testing::Not(WasSent()), ResultOf(whyNotSent, HasSubstr(reason)));
   };
   SupportAnswers failing;
   failing.toolStatus = 3;
@@ -66,7 +62,7 @@ TEST(SupportAnswers, CannotMissWhatIsUnknown) {
 }
 
 TEST(SupportAnswers, MayMissALibraryThatIsLoaded) {
-  void* const loaded = dlopen(vestra::testkit::supportLibraryPath().c_str(), RTLD_LAZY);
+  void* const loaded = dlopen(supportLibraryPath().c_str(), RTLD_LAZY);
   const HostRun run = runWith(missing("library"));
   EXPECT_EQ(run.answer, false);
   EXPECT_THAT(run.supportCalls, testing::IsEmpty());
