@@ -9,7 +9,7 @@
 
 #include "facts/file_snapshot.h"
 #include "reading/visible_text.h"
-#include "render/json_text.h"
+#include "render/document.h"
 
 namespace vestra::inspect {
 namespace {
@@ -113,7 +113,7 @@ std::string documentOf(const std::string& complaint, int count, const char* cons
                        const std::string& command) {
   const bool isWanted =
       std::any_of(words, words + count, [](const char* word) { return std::strcmp(word, "--json") == 0; });
-  return isWanted ? failureDocument(command, complaint, Redaction()) : "";
+  return isWanted ? dumped(failureDocument(command, complaint, Redaction())) + "\n" : "";
 }
 
 }  // namespace

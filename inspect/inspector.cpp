@@ -16,8 +16,7 @@
 #include "handler/product_profile.h"
 #include "reading/visible_text.h"
 #include "rehearse/rehearsal.h"
-#include "render/answers.h"
-#include "render/json_text.h"
+#include "render/text_form.h"
 
 namespace vestra::inspect {
 namespace {
@@ -79,8 +78,6 @@ bool wantsColours(const Request& request, const HostContext& context, bool onTer
   return request.colour == "always" || (request.colour == "auto" && allowed);
 }
 
-bool isFile(const std::string& path) { return lookAt(path).isRegular(); }
-
 std::string projectOf(const Request& request, const HostContext& context) {
   return request.subject.empty() ? nearestProject(context.currentDirectory) : request.subject;
 }
@@ -113,77 +110,118 @@ int statusFor(const Request& request, const Facts& facts, const Findings& findin
   return request.command == "doctor" && isFailure(request.failOn, findings) ? FOUND_SOMETHING : 0;
 }
 
-/// One account of all the facts, by status or by doctor.
-Answer accountOf(const Request& request, const HostContext& context, bool onTerminal) {
-  Facts facts = lookAtAll(context, projectOf(request, context), request.products);
+/// A document, or the text that is made of it.
+class Output {
+ public:
+  Output(const Request& theRequest, bool hasColours, std::ostream& output)
+      : request(theRequest), page(output, hasColours), out(output) {}
+
+  void write(const Json& document, void (*writeText)(const Json&, Page&)) {
+    if (request.asJson) {
+      out << dumped(document) << '\n';
+    } else {
+      writeText(document, page);
+    }
+  }
+
+  void writeReports(const Facts& facts, const Redaction& redaction) {
+    const Json head = reportsDocument(facts, redaction);
+    if (request.asJson) {
+      writeReportsDocument(head, facts, redaction);
+    } else {
+      page.heading(head["verdict"]["text"]);
+      for (const ReportFacts& report : facts.reports) {
+        writeReport(report, facts.person, redaction, page);
+      }
+    }
+  }
+
+ private:
+  /// The text of an object that goes on.
+  static std::string beginningOf(const Json& object) {
+    const std::string text = dumped(object);
+    return text.substr(0, text.rfind('\n')) + ",\n";
+  }
+
+  void writeReportsDocument(const Json& head, const Facts& facts, const Redaction& redaction) {
+    const char* between = "";
+    out << beginningOf(head) << "  \"reports\": [";
+    for (const ReportFacts& report : facts.reports) {
+      out << between << beginningOf(reportDocument(report, redaction)) << "  \"items\": [";
+      between = "";
+      forEachItem(report, facts.person, [&](const ReportedItem& item) {
+        out << between << dumped(itemDocument(item, redaction), -1);
+        between = ",\n";
+      });
+      out << "]}";
+      between = ",\n";
+    }
+    out << "]\n}\n";
+  }
+
+  const Request& request;
+  Page page;
+  std::ostream& out;
+};
+
+Redaction redactionFor(const Request& request, const Facts& facts) {
+  return request.isRedacted ? Redaction(facts) : Redaction();
+}
+
+/// All the facts, by status or by doctor.
+int showProject(const Request& request, const HostContext& context, Output& output,
+                std::ostream& complaints) {
+  Facts facts = lookAtMachine(context);
   facts.isRedacted = request.isRedacted;
+  lookInto(projectOf(request, context), request.products, facts);
+  readReports(facts);
   Findings findings = findingsIn(facts);
   const bool isDoctor = request.command == "doctor";
   if (isDoctor) {
     checkRunningHosts(findings);
   }
-  const Redaction redaction = request.isRedacted ? Redaction(facts) : Redaction();
+  const Redaction redaction = redactionFor(request, facts);
   const std::string hidden = whatIsHidden(facts);
-  Answer result{statusFor(request, facts, findings), "",
-                hidden.empty() ? "" : "vestra-inspect: " + redaction(hidden) + "\n"};
-  if (request.asJson) {
-    result.output = statusDocument(facts, findings, request.command, redaction);
-    return result;
+  if (!hidden.empty()) {
+    complaints << "vestra-inspect: " << redaction(hidden) << '\n';
   }
-  Page page(wantsColours(request, context, onTerminal), redaction);
-  (isDoctor ? writeDoctor : writeStatus)(facts, findings, page);
-  result.output = page.text();
-  return result;
+  output.write(statusDocument(facts, findings, request.command, redaction),
+               isDoctor ? writeDoctor : writeStatus);
+  return statusFor(request, facts, findings);
 }
 
-/// A script, a folder with one in it, or the scripts of a project.
-std::vector<ReportFacts> reportsWantedBy(const Request& request, const Facts& facts) {
-  std::vector<ReportFacts> reports;
-  const auto add = [&](const std::string& path) {
-    FileSnapshot file = readFileAt(path);
+/// The script of a product in a folder of its own, as a rehearsal keeps it.
+void readReportsIn(const std::string& folder, Facts& facts) {
+  for (const Product product : {Oza::Vestra::KELVO, Oza::Vestra::TAVLO}) {
+    FileSnapshot file = readFileAt(folder + "/" + Oza::profileOf(product).script);
     if (file.text) {
-      reports.push_back(readReport(std::move(file), facts.person));
+      facts.reports.push_back(readReport(std::move(file), facts.person));
     }
-  };
-  if (!request.subject.empty() && !lookAt(request.subject).exists()) {
+  }
+}
+
+/// A script, the scripts of a project, or a folder with one in it.
+int showReports(const Request& request, const HostContext& context, Output& output) {
+  Facts facts = lookAtMachine(context);
+  FileSnapshot subject = readFileAt(request.subject);
+  if (!request.subject.empty() && !subject.exists()) {
     throw std::runtime_error(request.subject + ": there is no such file or directory");
   }
-  if (isFile(request.subject)) {
-    if (!looksLikeScript(readWhole(request.subject))) {
+  lookInto(subject.isRegular() ? context.currentDirectory : projectOf(request, context), request.products,
+           facts);
+  if (subject.isRegular()) {
+    if (!subject.text || !looksLikeScript(*subject.text)) {
       throw std::runtime_error(request.subject + " is no report script");
     }
-    add(request.subject);
-  } else if (facts.reports.empty() && !request.subject.empty()) {
-    add(request.subject + "/" + Oza::profileOf(Oza::Vestra::KELVO).script);
-    add(request.subject + "/" + Oza::profileOf(Oza::Vestra::TAVLO).script);
+    facts.reports.push_back(readReport(std::move(subject), facts.person));
   } else {
-    reports = facts.reports;
+    readReports(facts);
   }
-  return reports;
-}
-
-Answer reportsFor(const Request& request, const HostContext& context, bool onTerminal) {
-  const std::string project =
-      isFile(request.subject) ? context.currentDirectory : projectOf(request, context);
-  Facts facts = lookAtAll(context, project, request.products);
-  facts.isRedacted = request.isRedacted;
-  facts.reports = reportsWantedBy(request, facts);
-  const std::string none = project +
-                           ": no report lies here. One stays after a run that was not due, or while "
-                           "CALVIX_VESTRA_DEBUG_EXT is set";
-  const std::string verdict = facts.reports.empty() ? none : verdictOf(facts.reports.front());
-  const Redaction redaction = request.isRedacted ? Redaction(facts) : Redaction();
-  if (request.asJson) {
-    return {0, reportsDocument(facts, verdict, redaction), ""};
+  if (facts.reports.empty() && !request.subject.empty()) {
+    readReportsIn(request.subject, facts);
   }
-  Page page(wantsColours(request, context, onTerminal), redaction);
-  for (const ReportFacts& report : facts.reports) {
-    writeReport(report, page);
-  }
-  if (facts.reports.empty()) {
-    page.verdict(verdict);
-  }
-  return {0, page.text(), ""};
+  output.writeReports(facts, redactionFor(request, facts));
+  return 0;
 }
 
 /// A line on the terminal that is overwritten by the next one.
@@ -192,52 +230,57 @@ void sayProgress(std::size_t directories, std::size_t projects) {
   static_cast<void>(!write(STDERR_FILENO, line.data(), line.size()));
 }
 
-Answer listFor(const Request& request, const HostContext& context, bool onTerminal) {
+int showList(const Request& request, const HostContext& context, Output& output, std::ostream& complaints) {
   const Facts machine = lookAtMachine(context);
   const bool saysProgress = isatty(STDERR_FILENO) == 1;
   const ProjectList list = listProjects(machine, request.directories,
                                         saysProgress ? Progress(sayProgress) : Progress([](auto, auto) {}));
-  const Redaction redaction = request.isRedacted ? Redaction(machine) : Redaction();
-  const std::string ending = saysProgress ? "\r\033[K" : "";
-  if (request.asJson) {
-    return {0, listDocument(machine, list, redaction), ending};
-  }
-  Page page(wantsColours(request, context, onTerminal), redaction);
-  writeList(list, page);
-  return {0, page.text(), ending};
+  complaints << (saysProgress ? "\r\033[K" : "");
+  output.write(listDocument(machine, list, redactionFor(request, machine)), writeList);
+  return 0;
 }
 
-Answer dispatch(const Request& request, bool onTerminal) {
+/// Tells a person on the standard error, which the program shares with nobody then.
+int showRehearsal(const Request& request, const HostContext& context, std::ostream& out,
+                  std::ostream& complaints) {
+  const Rehearsal rehearsal = rehearse(request, context);
+  Output(request, false, request.asJson ? out : complaints)
+      .write(rehearsalDocument(rehearsal, redactionFor(request, rehearsal.facts)), writeRehearsal);
+  return rehearsal.status;
+}
+
+int dispatch(const Request& request, bool onTerminal, std::ostream& out, std::ostream& complaints) {
   const HostContext context = contextOf(request);
-  if (request.command == "rehearse") {
-    return rehearse(request, context);
-  }
-  if (request.command == "list") {
-    return listFor(request, context, onTerminal);
-  }
-  return request.command == "report" ? reportsFor(request, context, onTerminal)
-                                     : accountOf(request, context, onTerminal);
+  Output output(request, wantsColours(request, context, onTerminal), out);
+  return request.command == "rehearse" ? showRehearsal(request, context, out, complaints)
+         : request.command == "list"   ? showList(request, context, output, complaints)
+         : request.command == "report" ? showReports(request, context, output)
+                                       : showProject(request, context, output, complaints);
 }
 
 /// What went wrong may name the user too.
-Answer failureOf(const Request& request, int status, const std::string& reason) {
+int fail(const Request& request, int status, const std::string& reason, std::ostream& out,
+         std::ostream& complaints) {
   HostContext context;
   context.environment = ownEnvironment();
   const Redaction redaction = request.isRedacted ? Redaction(lookAtPerson(context)) : Redaction();
-  return {status, request.asJson ? failureDocument(request.command, reason, redaction) : "",
-          fmt::format("vestra-inspect: {}\n", reading::forTerminal(redaction(reason)))};
+  complaints << "vestra-inspect: " << reading::forTerminal(redaction(reason)) << '\n';
+  if (request.asJson) {
+    out << dumped(failureDocument(request.command, reason, redaction)) << '\n';
+  }
+  return status;
 }
 
 }  // namespace
 
-Answer answer(const Request& request, bool onTerminal) {
+int answer(const Request& request, bool onTerminal, std::ostream& out, std::ostream& complaints) {
   try {
-    return dispatch(request, onTerminal);
+    return dispatch(request, onTerminal, out, complaints);
   } catch (const NotRehearsed& error) {
-    return failureOf(request, error.status, error.what());
+    return fail(request, error.status, error.what(), out, complaints);
   } catch (const std::exception& error) {
-    return failureOf(request, request.command == "rehearse" ? CANNOT_BE_REHEARSED : COULD_NOT_LOOK,
-                     error.what());
+    return fail(request, request.command == "rehearse" ? CANNOT_BE_REHEARSED : COULD_NOT_LOOK, error.what(),
+                out, complaints);
   }
 }
 

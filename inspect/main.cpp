@@ -16,14 +16,14 @@ namespace {
 constexpr int NOT_WRITTEN = 3;
 
 /// A reader that has seen enough ends this process quietly, with no word from it.
-int write(const vestra::inspect::Answer& answer) {
-  std::cerr << answer.complaint << std::flush;
+int leave(int status) {
   errno = 0;
-  std::cout << answer.output << std::flush;
+  std::cout << std::flush;
   if (std::cout) {
-    return answer.exitStatus;
+    return status;
   }
-  std::cerr << "vestra-inspect: the output cannot be written: " << std::strerror(errno) << std::endl;
+  std::cerr << "vestra-inspect: the output cannot be written: " << std::strerror(errno != 0 ? errno : ENOSPC)
+            << std::endl;
   return NOT_WRITTEN;
 }
 
@@ -37,9 +37,12 @@ int main(int count, char** words) {
     keepLeak(words[2], words[6]);
     return 0;
   }
+  std::ios::sync_with_stdio(false);
   const CommandLine line = readCommandLine(count, words);
   if (line.exitStatus) {
-    return write({*line.exitStatus, line.output, line.complaint});
+    std::cerr << line.complaint;
+    std::cout << line.output;
+    return leave(*line.exitStatus);
   }
-  return write(answer(line.request, isatty(STDOUT_FILENO) == 1));
+  return leave(answer(line.request, isatty(STDOUT_FILENO) == 1, std::cout, std::cerr));
 }

@@ -1,6 +1,8 @@
 #include "reading/hazard.h"
 
 #include <algorithm>
+#include <cctype>
+#include <string_view>
 
 #include <tcl.h>
 
@@ -43,6 +45,14 @@ bool holds(const std::string& text, const char* characters) {
   return text.find_first_of(characters) != std::string::npos;
 }
 
+/// Letters, digits, and what else is said.
+bool isPlain(const std::string& text, std::string_view others) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [&](unsigned char byte) {
+    return (byte < 0x80 && std::isalnum(byte) != 0) || byte == '_' || byte == '.' ||
+           others.find(static_cast<char>(byte)) != std::string_view::npos;
+  });
+}
+
 class Reasons {
  public:
   void addIf(bool applies, const std::string& reason) {
@@ -77,8 +87,11 @@ std::string reasonOf(const WrittenItem& item) {
 
 }  // namespace
 
+// Most items need no parser.
 std::optional<std::string> hazardOf(const WrittenItem& item) {
-  return isReadAsWritten(item) ? std::nullopt : std::optional(reasonOf(item));
+  return (isPlain(item.key, "") && isPlain(item.value, " ,;:/+-()")) || isReadAsWritten(item)
+             ? std::nullopt
+             : std::optional(reasonOf(item));
 }
 
 }  // namespace vestra::reading

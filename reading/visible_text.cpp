@@ -115,6 +115,9 @@ std::string_view firstBytes(std::string_view bytes, std::size_t limit) {
 bool isXmlText(std::string_view bytes) { return isUtf8Of(bytes, isXmlCharacter); }
 
 bool isVisible(char32_t codePoint) {
+  if (codePoint >= ' ' && codePoint <= '~') {
+    return true;
+  }
   const bool isNoCharacter = (codePoint & 0xFFFEu) == 0xFFFEu;
   return codePoint == '\n' || codePoint == '\t' || (!isNoCharacter && !isIn(INVISIBLE, codePoint));
 }

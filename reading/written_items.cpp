@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace vestra::reading {
 namespace {
@@ -132,15 +133,15 @@ class HandedItems {
 
 class Reader {
  public:
-  Reader(std::string_view scriptText, const std::vector<WrittenItem>& handedItems)
-      : script(scriptText), handed(handedItems) {}
+  Reader(std::string_view scriptText, const std::vector<WrittenItem>& handedItems, const UseItem& user)
+      : script(scriptText), handed(handedItems), use(user) {}
 
-  std::vector<WrittenItem> read() {
+  std::size_t read() {
     for (std::size_t begin = nextCommand(0); begin != std::string_view::npos;) {
       const std::size_t end = readItem(begin);
       begin = nextCommand(end);
     }
-    return std::move(items);
+    return readTo;
   }
 
  private:
@@ -156,9 +157,11 @@ class Reader {
   /// Gives where the search for the next command goes on.
   std::size_t readItem(std::size_t begin) {
     if (const WrittenItem* item = handed.takeAt(script, begin)) {
-      items.push_back(*item);
-      items.back().line = lineAt(begin);
-      return begin + scriptLineOf(*item).size();
+      WrittenItem read = *item;
+      read.line = lineAt(begin);
+      const std::size_t end = begin + scriptLineOf(*item).size();
+      take(std::move(read), begin, end);
+      return end;
     }
     const std::size_t clientBegin = begin + COMMAND.size();
     for (const std::string_view client : CLIENTS) {
@@ -179,9 +182,15 @@ class Reader {
     if (!ending) {
       return value;
     }
-    items.push_back({std::string(client), ending->context, std::string(script.substr(key, keyEnd - key)),
-                     std::string(script.substr(value, ending->valueEnd - value)), lineAt(begin)});
+    take({std::string(client), ending->context, std::string(script.substr(key, keyEnd - key)),
+          std::string(script.substr(value, ending->valueEnd - value)), lineAt(begin)},
+         begin, ending->commandEnd);
     return ending->commandEnd;
+  }
+
+  void take(WrittenItem item, std::size_t begin, std::size_t end) {
+    use(std::move(item), script.substr(readTo, begin - readTo));
+    readTo = end;
   }
 
   /// A client without an ending here has none further on, and is not looked for again.
@@ -213,7 +222,8 @@ class Reader {
 
   std::string_view script;
   HandedItems handed;
-  std::vector<WrittenItem> items;
+  const UseItem& use;
+  std::size_t readTo = 0;
   std::set<std::string_view> finished;
   std::size_t countedTo = 0;
   std::size_t line = 1;
@@ -224,7 +234,15 @@ class Reader {
 std::vector<WrittenItem> itemsWrittenIn(std::string_view script) { return itemsWrittenIn(script, {}); }
 
 std::vector<WrittenItem> itemsWrittenIn(std::string_view script, const std::vector<WrittenItem>& handed) {
-  return Reader(script, handed).read();
+  std::vector<WrittenItem> items;
+  Reader(script, handed, [&](WrittenItem item, std::string_view) {
+    items.push_back(std::move(item));
+  }).read();
+  return items;
+}
+
+std::size_t forEachItemWrittenIn(std::string_view script, const UseItem& use) {
+  return Reader(script, {}, use).read();
 }
 
 std::string scriptLineOf(const WrittenItem& item) {

@@ -2,6 +2,7 @@
 #define VESTRA_READING_WRITTEN_ITEMS_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,7 +26,13 @@ struct WrittenItem {
 /// items. A command without such an end is left out. Takes time in proportion to the script.
 std::vector<WrittenItem> itemsWrittenIn(std::string_view script);
 
-/// The same where it is known what the host handed over: such an item ends where its texts end, whatever
+/// Is given an item, and what stands between it and the item before.
+using UseItem = std::function<void(WrittenItem item, std::string_view before)>;
+
+/// The same one by one. @return Where the text behind the last item begins.
+std::size_t forEachItemWrittenIn(std::string_view script, const UseItem& use);
+
+/// All items where it is known what the host handed over: such an item ends where its texts end, whatever
 /// they imitate.
 ///
 /// @param handed in the order of the calls

@@ -1,19 +1,17 @@
 #ifndef VESTRA_INSPECT_CHECKS_CHECKS_H
 #define VESTRA_INSPECT_CHECKS_CHECKS_H
 
-#include <cstdint>
 #include <string>
 
 #include "checks/finding.h"
 #include "facts/facts.h"
+#include "facts/times.h"
 
 namespace vestra::inspect {
 
 // Each looks at the facts of one subject and adds what it finds.
 
 void checkProject(const Facts& facts, Findings& findings);
-void checkIdentity(const Facts& facts, Findings& findings);
-void checkDue(const Facts& facts, Findings& findings);
 void checkUser(const Facts& facts, Findings& findings);
 void checkSupport(const Facts& facts, Findings& findings);
 void checkTool(const Facts& facts, Findings& findings);
@@ -43,13 +41,6 @@ bool holdsScript(const std::string& identifier);
 /// "PATH has mode 0644 and belongs to user 1000"
 std::string describe(const FileSnapshot& file);
 std::string errorText(int error);
-/// A time as people write it, in the local zone.
-std::string timeText(std::int64_t seconds);
-/// "21 h 4 min", "365 days"
-std::string durationText(std::int64_t seconds);
-/// The time from `begin` to `end`; the greatest that there is where it is greater.
-std::int64_t between(std::int64_t begin, std::int64_t end);
-
 }  // namespace vestra::inspect
 
 #endif

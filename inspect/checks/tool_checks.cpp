@@ -1,5 +1,9 @@
+// What stands between a report and the main design tool: the support library, the shell, the files.
+
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <cstdint>
 #include <set>
 
 #include <fmt/format.h>
@@ -7,10 +11,41 @@
 
 #include "checks/checks.h"
 #include "handler/product_profile.h"
+#include "handler/support_library.h"
 #include "reading/visible_text.h"
 
 namespace vestra::inspect {
 namespace {
+
+using Oza::support_library::FILE_NAME;
+
+/// Who else may change a directory or a file: none of root's and the user's own, unless by its mode.
+std::string otherWriterOf(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
+    return "";
+  }
+  if (status.st_uid != 0 && status.st_uid != geteuid()) {
+    return fmt::format("user {}", status.st_uid);
+  }
+  return (status.st_mode & S_IWOTH) != 0                         ? "everybody"
+         : (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0 ? fmt::format("group {}", status.st_gid)
+                                                                 : "";
+}
+
+void checkWritability(const SupportFacts& support, std::set<std::string> places, Findings& findings) {
+  if (!support.path.empty()) {
+    places.insert({parentOf(support.path), support.path});
+  }
+  for (const std::string& place : places) {
+    const std::string writer =
+        place.front() == '/' ? otherWriterOf(place) : "whoever owns the current directory";
+    if (!writer.empty()) {
+      findings.add("support.writable", fmt::format("{} may be written by {}", place, writer),
+                   modeChange(lookAt(place), "go-w"));
+    }
+  }
+}
 
 bool isWanted(const Facts& facts, const std::string& product) {
   return std::any_of(facts.products.begin(), facts.products.end(),
@@ -35,27 +70,53 @@ void checkPlaces(const Facts& facts, Product product, Findings& findings) {
 
 /// After a report, the tool's own copies are younger than the report.
 void checkCopies(const Facts& facts, const char* product, Findings& findings) {
-  const ProjectFacts& project = facts.project;
-  const std::int64_t last = project.identity.lastSendTimeDefault;
-  const ReportFile* script = project.find("script", product);
-  const ReportFile* xml = project.find("xml", product);
-  if (last == 0 || !isWanted(facts, product)) {
-    return;
-  }
-  const bool isFresh = xml != nullptr && xml->file.modified >= last;
-  if (script == nullptr && isFresh) {
-    findings.add("report.went", fmt::format("{}: {} was written {}, after line 1 of the identity file",
-                                            product, xml->file.path, timeText(xml->file.modified)));
-  } else if (script == nullptr) {
+  const std::int64_t last = facts.project.identity.lastSendTimeDefault;
+  const ReportFile* xml = facts.project.find("xml", product);
+  if (last != 0 && facts.project.find("script", product) == nullptr &&
+      (xml == nullptr || xml->file.modified < last)) {
     findings.add("tool.failed", fmt::format("{}: a report was handed over {}, and its XML is {}", product,
                                             timeText(last), xml == nullptr ? "missing" : "older"));
-  } else if (!script->file.isYoungerThan(last)) {
-    findings.add("report.kept",
-                 fmt::format("{} is as old as line 1 of the identity file", script->file.path));
+  }
+}
+
+/// One finding for all items of a kind.
+void addItems(const char* id, const ReportFacts& report, const ItemCount& items, Findings& findings) {
+  if (items.count != 0) {
+    findings.add(id, fmt::format("{}:{}{}", report.file.path, items.first,
+                                 items.count == 1 ? "" : fmt::format("; and {} more", items.count - 1)));
   }
 }
 
 }  // namespace
+
+void checkSupport(const Facts& facts, Findings& findings) {
+  const SupportFacts& support = facts.support;
+  std::set<std::string> places;
+  for (const std::string& path : support.tried) {
+    places.insert(parentOf(path));
+  }
+  if (support.state == SupportState::absent) {
+    findings.add("support.absent",
+                 fmt::format("the loader finds no {}{}{}", FILE_NAME, places.empty() ? "" : "; looked in ",
+                             fmt::join(places, ", ")));
+  } else if (support.state == SupportState::unknown) {
+    findings.add("support.unknown", support.reason);
+  } else if (!support.opens()) {
+    findings.add("support.broken", fmt::format("the loader says: {}", support.reason));
+  } else if (!support.missingEntryPoints.empty()) {
+    findings.add("support.entry",
+                 fmt::format("{} lacks {}", support.path, fmt::join(support.missingEntryPoints, ", ")));
+  }
+  for (const char* answer : {"exec_path", "regid", "environment"}) {
+    if (facts.toolFor(Oza::Vestra::KELVO).isNull(answer)) {
+      findings.add("support.null", fmt::format("the stand-in returns null for {}", answer));
+    }
+  }
+  if (support.isStandIn) {
+    findings.add("support.standin", support.path);
+  }
+  checkWritability(support, std::move(places), findings);
+}
 
 void checkTool(const Facts& facts, Findings& findings) {
   if (facts.toolFor(Oza::Vestra::KELVO).lacksShell) {
@@ -67,9 +128,26 @@ void checkTool(const Facts& facts, Findings& findings) {
                  fmt::format("the stand-in names {}, which is not there", reading::inQuotes(missing)));
   }
   for (const Product product : {Oza::Vestra::KELVO, Oza::Vestra::TAVLO}) {
-    checkCopies(facts, Oza::profileOf(product).name, findings);
-    if (isWanted(facts, Oza::profileOf(product).name)) {
+    const char* name = Oza::profileOf(product).name;
+    if (isWanted(facts, name)) {
+      checkCopies(facts, name, findings);
       checkPlaces(facts, product, findings);
+    }
+  }
+}
+
+void checkReports(const Facts& facts, Findings& findings) {
+  for (const ReportFacts& report : facts.reports) {
+    addItems("report.hazard", report, report.hazards, findings);
+    addItems("report.personal", report, report.personal, findings);
+    addItems("report.empty_ids", report, report.emptyIdentifiers, findings);
+    if (!report.isComplete) {
+      findings.add("report.cut", report.file.path + " ends before its last line");
+    } else if (!report.checksumHour) {
+      findings.add("report.checksum", fmt::format("{}: the checksum {} agrees with these items in no hour "
+                                                  "around {}",
+                                                  report.file.path, reading::inQuotes(report.checksum),
+                                                  timeText(report.file.modified)));
     }
   }
 }

@@ -2,11 +2,15 @@
 
 #include <linux/magic.h>
 
+#include <unistd.h>
+
 #include <cctype>
 
 #include <fmt/format.h>
-#include <boost/algorithm/string/case_conv.hpp>
+#include <fmt/ranges.h>
 #include <boost/algorithm/string/trim.hpp>
+#include <boost/filesystem/directory.hpp>
+#include <boost/filesystem/operations.hpp>
 
 #include "checks/checks.h"
 #include "reading/visible_text.h"
@@ -14,41 +18,23 @@
 namespace vestra::inspect {
 namespace {
 
-bool isUuid(const std::string& text) {
-  const std::string form = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
-  bool fits = text.size() == form.size();
-  for (std::size_t i = 0; fits && i < form.size(); ++i) {
-    fits = form[i] == '-' ? text[i] == '-' : std::isxdigit(static_cast<unsigned char>(text[i])) != 0;
-  }
-  return fits;
-}
-
 Fixes lineRemoval(const UserFacts& user, std::size_t line) {
   return editOf(user.file, fmt::format("{}d", line));
 }
 
-/// A line that a person would take for an identifier, and the library does not.
-bool isNearMiss(const std::string& line) {
-  const std::string lower = boost::algorithm::to_lower_copy(line);
-  const std::size_t word = lower.find("randomid");
-  return word != std::string::npos && lower.find('=', word) != std::string::npos;
-}
-
-void checkLines(const Facts& facts, Findings& findings) {
+/// An empty value ahead of all others is what reports carry, whatever follows.
+void checkFirstLine(const Facts& facts, Findings& findings) {
   const UserFacts& user = facts.user;
   const std::vector<std::string> lines = linesOf(*user.file.text);
-  bool isFirst = true;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string line = boost::algorithm::trim_copy(lines[i]);
-    const std::string says =
-        fmt::format("{}:{}: {}", user.file.path, i + 1, facts.secret(line, "<settings-line>"));
-    const bool isPair = line.rfind("RandomID=", 0) == 0 && line.find('=', 9) == std::string::npos;
-    if (isPair && isFirst && line.size() == 9) {
-      findings.add("settings.empty_first", says, lineRemoval(user, i + 1));
-    } else if (!isPair && isNearMiss(line)) {
-      findings.add("settings.near_miss", says);
+    if (line.rfind("RandomID=", 0) == 0 && line.find('=', 9) == std::string::npos) {
+      if (line.size() == 9) {
+        findings.add("settings.empty_first", fmt::format("{}:{}: \"RandomID=\"", user.file.path, i + 1),
+                     lineRemoval(user, i + 1));
+      }
+      return;
     }
-    isFirst = isFirst && !isPair;
   }
 }
 
@@ -63,8 +49,6 @@ void checkIdentifier(const Facts& facts, Findings& findings) {
     findings.add("settings.id_nul", says, lineRemoval(user, user.line));
   } else if (holdsScript(user.randomId)) {
     findings.add("settings.id_script", says, lineRemoval(user, user.line));
-  } else if (!isUuid(user.randomId)) {
-    findings.add("settings.id_form", says + " is no UUID");
   }
 }
 
@@ -76,15 +60,11 @@ void checkWriting(const UserFacts& user, Findings& findings) {
                  place.path == path && place.isRegular() ? modeChange(place, "u+rw")
                  : place.kind == FileKind::directory     ? modeChange(place, "u+rwx")
                                                          : Fixes());
-  } else if (user.file.kind == FileKind::missing) {
-    findings.add("settings.missing", path + " is missing");
-  } else if (!user.file.text) {
+  } else if (user.file.exists() && !user.file.text) {
     findings.add("settings.unreadable", path + " cannot be read", modeChange(user.file, "u+r"));
-  } else if (!user.file.text->empty() && user.file.text->back() != '\n') {
+  } else if (user.file.text && !user.file.text->empty() && user.file.text->back() != '\n') {
     findings.add("settings.no_newline", fmt::format("the last line of {} has no line end", path),
                  {"echo >> " + shellWord(path)});
-  } else if (user.keepsNew) {
-    findings.add("settings.none", path + " holds no identifier");
   }
 }
 
@@ -108,6 +88,42 @@ void checkHome(const Facts& facts, Findings& findings) {
   }
 }
 
+void checkSite(const SiteFacts& site, Findings& findings) {
+  if (site.internalWithoutOverride) {
+    const std::string evidence = site.usesResolverFile
+                                     ? fmt::format("/etc/resolv.conf:{}:{}: {}", site.line, site.column,
+                                                   reading::inQuotes(site.lineText))
+                                     : "the domain name is " + reading::inQuotes(site.domainName);
+    findings.add("site.internal", evidence);
+  }
+  if (site.overrideIsOn) {
+    findings.add("site.override",
+                 fmt::format("{} is set{}", INTERNAL_VARIABLE,
+                             site.internalWithoutOverride ? "" : ", and has no effect here"));
+  }
+}
+
+void checkEnvironment(const HostContext& context, Findings& findings) {
+  if (context.isSwitchedOn(KEEP_VARIABLE)) {
+    findings.add("env.debug",
+                 fmt::format("{} is {}", KEEP_VARIABLE, reading::inQuotes(context.variable(KEEP_VARIABLE))));
+  }
+  std::string names;
+  for (const auto& [name, value] : context.environment) {
+    if (name.rfind("VESTRA_TESTKIT_", 0) == 0 || name == "VESTRA_OUTBOX") {
+      names += " " + name;
+    }
+  }
+  if (!names.empty()) {
+    findings.add("env.testkit", "set:" + names);
+  }
+}
+
+bool hasLibrary(const std::string& process) {
+  const auto maps = readFileAt(process + "/maps").text;
+  return maps && maps->find("/libvestra.so") != std::string::npos;
+}
+
 }  // namespace
 
 bool holdsScript(const std::string& identifier) {
@@ -123,12 +139,51 @@ void checkUser(const Facts& facts, Findings& findings) {
     return;
   }
   if (user.file.text) {
-    checkLines(facts, findings);
+    checkFirstLine(facts, findings);
   }
   checkIdentifier(facts, findings);
   if (user.randomId.empty()) {
     checkWriting(user, findings);
   }
+}
+
+void checkEnvironmentAndSite(const Facts& facts, Findings& findings) {
+  checkSite(facts.site, findings);
+  checkEnvironment(facts.context, findings);
+}
+
+void checkRunningHosts(Findings& findings) {
+  std::vector<std::string> hosts;
+  boost::system::error_code error;
+  boost::filesystem::directory_iterator processes("/proc", error);
+  for (; !error && processes != boost::filesystem::directory_iterator(); processes.increment(error)) {
+    const std::string path = processes->path().string();
+    const std::string id = processes->path().filename().string();
+    if (std::isdigit(static_cast<unsigned char>(id.front())) != 0 && lookAt(path).owner == geteuid() &&
+        hasLibrary(path)) {
+      hosts.push_back(id);
+    }
+  }
+  if (!hosts.empty()) {
+    findings.add("host.running", fmt::format("Vestra is loaded by process {}", fmt::join(hosts, ", ")));
+  }
+}
+
+Findings findingsInProject(const Facts& facts) {
+  Findings findings;
+  for (const auto check : {checkProject, checkTool}) {
+    check(facts, findings);
+  }
+  return findings;
+}
+
+Findings findingsIn(const Facts& facts) {
+  Findings findings;
+  for (const auto check :
+       {checkProject, checkUser, checkSupport, checkTool, checkReports, checkEnvironmentAndSite}) {
+    check(facts, findings);
+  }
+  return findings;
 }
 
 }  // namespace vestra::inspect

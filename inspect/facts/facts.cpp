@@ -3,22 +3,6 @@
 #include "reading/visible_text.h"
 
 namespace vestra::inspect {
-namespace {
-
-void readReports(Facts& facts) {
-  for (const ReportFile& file : facts.project.files) {
-    if (file.role != "script") {
-      continue;
-    }
-    FileSnapshot script = readFileAt(file.file.path);
-    if (script.text) {
-      facts.reports.push_back(readReport(std::move(script), facts.person));
-    }
-  }
-}
-
-}  // namespace
-
 const ReportFacts* Facts::reportOf(const std::string& product) const {
   for (const ReportFacts& report : reports) {
     if (report.product == product) {
@@ -54,12 +38,13 @@ void lookInto(const std::string& directory, const std::vector<Product>& products
   }
 }
 
-Facts lookAtAll(const HostContext& context, const std::string& directory,
-                const std::vector<Product>& products) {
-  Facts facts = lookAtMachine(context);
-  lookInto(directory, products, facts);
-  readReports(facts);
-  return facts;
+void readReports(Facts& facts) {
+  for (const ReportFile& file : facts.project.files) {
+    FileSnapshot script = file.role == "script" ? readFileAt(file.file.path) : FileSnapshot();
+    if (script.text) {
+      facts.reports.push_back(readReport(std::move(script), facts.person));
+    }
+  }
 }
 
 }  // namespace vestra::inspect

@@ -46,10 +46,8 @@ Facts lookAtMachine(const HostContext& context);
 /// @param products  Empty for those that left traces.
 void lookInto(const std::string& directory, const std::vector<Product>& products, Facts& facts);
 
-/// Looks at everything, and changes nothing.
-/// @param products  Empty for those that left traces.
-Facts lookAtAll(const HostContext& context, const std::string& directory,
-                const std::vector<Product>& products);
+/// Reads the scripts that lie in the project.
+void readReports(Facts& facts);
 
 }  // namespace vestra::inspect
 

@@ -52,9 +52,13 @@ void note(const struct stat& status, FileSnapshot& file) {
   file.readable = may(file.path, R_OK);
 }
 
-// Read in pieces: a size that the file claims is not allocated before its bytes are there.
+// What is reserved takes no memory before bytes are there.
 std::optional<std::string> readUpTo(int descriptor, std::size_t limit) {
   std::string text;
+  struct stat status {};
+  if (fstat(descriptor, &status) == 0) {
+    text.reserve(std::min(limit, static_cast<std::size_t>(status.st_size)));
+  }
   std::array<char, 65536> piece{};
   while (text.size() < limit) {
     const ssize_t length = read(descriptor, piece.data(), std::min(piece.size(), limit - text.size()));
@@ -83,13 +87,13 @@ bool isEmptyDirectory(const std::string& path) {
   return entries == 2;
 }
 
-/// Room for the bytes of a file is another matter: what is cut or empty is made all the same.
+/// Free inodes. Space for the bytes does not matter: a file is created all the same.
 bool hasRoomForNames(const std::string& directory) {
   struct statvfs system {};
   return statvfs(directory.c_str(), &system) != 0 || system.f_files == 0 || system.f_favail != 0;
 }
 
-/// In a sticky directory, only owners take away.
+/// In a sticky directory only the owner may remove a file.
 bool stickinessForbids(const std::string& path, const struct stat& file) {
   struct stat directory {};
   if (stat(parentOf(path).c_str(), &directory) != 0 || (directory.st_mode & S_ISVTX) == 0) {

@@ -50,8 +50,6 @@ struct FileSnapshot {
   bool isUnreadable() const;
 };
 
-using LookedFile = FileSnapshot;
-
 /// Looks without opening anything.
 FileSnapshot lookAt(const std::string& path);
 

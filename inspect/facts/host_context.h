@@ -34,8 +34,6 @@ struct HostContext {
   std::string settingsPath() const;
 };
 
-using View = HostContext;
-
 /// This process's own environment.
 Environment ownEnvironment();
 

@@ -11,6 +11,9 @@ namespace {
 
 using Oza::SECONDS_PER_DAY;
 
+// What a report without any item of the host's has at the least.
+constexpr rlim_t SMALLEST_SCRIPT = 1024;
+
 // As a C string, like the library: what follows a NUL is not reported.
 std::string reported(const std::string& identifier) {
   return identifier.c_str();  // NOLINT(readability-redundant-string-cstr)
@@ -58,6 +61,8 @@ void decideWhenDue(const HostContext& context, const SupportFacts& support, cons
       {tool.isPathChanged, Outcome::lost, "project.shell"},
       {!tool.notWritable.empty(), Outcome::lost, "tool.script_place"},
       {tool.isDiskFull, Outcome::lost, "project.full"},
+      {tool.sizeLimit < SMALLEST_SCRIPT, Outcome::lost, "project.limit"},
+      {tool.isSizeLimited(), Outcome::unknown, "project.limit"},
       {tool.isPathUnclear, Outcome::unknown, "project.shell"},
   };
   next.outcome = Outcome::reports;
@@ -68,6 +73,13 @@ void decideWhenDue(const HostContext& context, const SupportFacts& support, cons
       return;
     }
   }
+}
+
+/// A record that exceeds the file-size limit is not written.
+Outcome whenNotDue(const HostContext& context, const ProjectFacts& project, const ToolFacts& tool,
+                   Product product) {
+  const std::string record = Oza::formatProjectIdentity(identityAfter(context, project, product));
+  return record.size() <= tool.sizeLimit ? Outcome::notDue : Outcome::nothing;
 }
 
 /// A time near the edge of its type stays there.
@@ -93,7 +105,7 @@ Prediction predict(const HostContext& context, const UserFacts& user, const Proj
   decideAtStart(project, support, tool, next);
   if (next.reason.empty()) {
     decideWhenDue(context, support, tool, next);
-    next.outcome = next.isDue ? next.outcome : Outcome::notDue;
+    next.outcome = next.isDue ? next.outcome : whenNotDue(context, project, tool, product);
   }
   return next;
 }

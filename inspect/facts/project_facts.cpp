@@ -55,7 +55,9 @@ IdentityState stateOf(ProjectFacts& project) {
   if (file.kind == FileKind::device && file.writable) {
     return IdentityState::unreadable;
   }
-  if (file.kind == FileKind::unknown && file.error != ELOOP && file.error != EACCES) {
+  // Another process holds a lease, and may give it up in time.
+  const bool isLeased = file.readError == EAGAIN;
+  if (isLeased || (file.kind == FileKind::unknown && file.error != ELOOP && file.error != EACCES)) {
     return IdentityState::unknown;
   }
   if (!file.isRegular() || !file.writable || (!file.text && !file.isUnreadable())) {

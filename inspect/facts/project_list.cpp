@@ -1,38 +1,23 @@
 #include "facts/project_list.h"
 
-#include <dirent.h>
-#include <fcntl.h>
+#include <fts.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <memory>
 
 #include <boost/filesystem/operations.hpp>
 
 #include "checks/checks.h"
+#include "handler/product_profile.h"
 #include "identity/project_identity.h"
-#include "render/answers.h"
+#include "render/document.h"
 
 namespace vestra::inspect {
 namespace {
 
 constexpr std::size_t DIRECTORIES_BETWEEN_WORDS = 1000;
-
-int openDirectory(const std::string& path) {
-  constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  const int descriptor = open(path.c_str(), flags | O_NOATIME);
-  return descriptor < 0 && errno == EPERM ? open(path.c_str(), flags) : descriptor;
-}
-
-bool isDirectory(int parent, const dirent& entry) {
-  struct stat status {};
-  return entry.d_type == DT_DIR ||
-         (entry.d_type == DT_UNKNOWN && fstatat(parent, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-          S_ISDIR(status.st_mode));
-}
 
 ListedProject describeProject(const std::string& directory, Facts& facts) {
   lookInto(directory, {}, facts);
@@ -55,66 +40,39 @@ ListedProject describeProject(const std::string& directory, Facts& facts) {
   return project;
 }
 
-/// One walk through a directory and all below it.
-class Walk {
- public:
-  Walk(Facts& sharedFacts, ProjectList& found, const Progress& said)
-      : facts(sharedFacts), list(found), progress(said) {}
-
-  void through(const std::string& root) {
-    struct stat status {};
-    if (stat(root.c_str(), &status) == 0) {
-      fileSystem = status.st_dev;
-    }
-    std::vector<std::string> waiting = {root};
-    while (!waiting.empty()) {
-      const std::string directory = std::move(waiting.back());
-      waiting.pop_back();
-      enter(directory, waiting);
-    }
-  }
-
- private:
-  void enter(const std::string& directory, std::vector<std::string>& waiting) {
-    const int descriptor = openDirectory(directory);
-    struct stat status {};
-    if (descriptor < 0 || fstat(descriptor, &status) != 0) {
-      ++list.unreadable;
-      return;
-    }
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(fdopendir(descriptor), closedir);
-    if (status.st_dev != fileSystem || !stream) {
-      return;
-    }
-    if (++entered % DIRECTORIES_BETWEEN_WORDS == 0) {
-      progress(entered, list.projects.size());
-    }
-    const std::string identity = std::string("vestra/") + Oza::PROJECT_IDENTITY_FILE;
-    if (fstatat(descriptor, identity.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
-      list.projects.push_back(describeProject(directory, facts));
-    }
-    while (const dirent* entry = readdir(stream.get())) {
-      const bool isSelf = std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0;
-      if (!isSelf && isDirectory(descriptor, *entry)) {
-        waiting.push_back(directory + (directory.back() == '/' ? "" : "/") + entry->d_name);
-      }
-    }
-  }
-
-  Facts& facts;
-  ProjectList& list;
-  const Progress& progress;
-  dev_t fileSystem = 0;
-  std::size_t entered = 0;
-};
+bool holdsIdentity(const std::string& directory) {
+  struct stat status {};
+  return lstat((Oza::vestraDirectoryOf(directory) + Oza::PROJECT_IDENTITY_FILE).c_str(), &status) == 0;
+}
 
 }  // namespace
 
 ProjectList listProjects(Facts machine, const std::vector<std::string>& directories,
                          const Progress& progress) {
   ProjectList list;
+  std::vector<std::string> roots;
+  std::vector<char*> paths;
   for (const std::string& directory : directories) {
-    Walk(machine, list, progress).through(boost::filesystem::canonical(directory).string());
+    roots.push_back(boost::filesystem::canonical(directory).string());
+  }
+  for (std::string& root : roots) {
+    paths.push_back(root.data());
+  }
+  paths.push_back(nullptr);
+  const std::unique_ptr<FTS, int (*)(FTS*)> walk(
+      fts_open(paths.data(), FTS_PHYSICAL | FTS_XDEV | FTS_NOCHDIR, nullptr), fts_close);
+  std::size_t entered = 0;
+  while (const FTSENT* entry = walk ? fts_read(walk.get()) : nullptr) {
+    list.unreadable += entry->fts_info == FTS_DNR ? 1 : 0;
+    if (entry->fts_info != FTS_D) {
+      continue;
+    }
+    if (holdsIdentity(entry->fts_path)) {
+      list.projects.push_back(describeProject(entry->fts_path, machine));
+    }
+    if (++entered % DIRECTORIES_BETWEEN_WORDS == 0) {
+      progress(entered, list.projects.size());
+    }
   }
   std::stable_sort(
       list.projects.begin(), list.projects.end(),

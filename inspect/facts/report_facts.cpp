@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <cctype>
-#include <map>
-#include <set>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "data/crc32.h"
 #include "handler/time_stamp.h"
 #include "reading/hazard.h"
+#include "reading/visible_text.h"
 
 namespace vestra::inspect {
 namespace {
@@ -77,12 +80,12 @@ bool holdsMailAddress(const std::string& text) {
 
 std::vector<std::string> personalIn(const std::string& value, const PersonFacts& person) {
   std::vector<std::string> found;
-  const std::vector<std::pair<const char*, std::string>> names = {{"your login name", person.login},
-                                                                  {"your home directory", person.home},
-                                                                  {"this machine's name", person.hostName},
-                                                                  {"your full name", person.fullName}};
+  const std::pair<const char*, const std::string*> names[] = {{"your login name", &person.login},
+                                                              {"your home directory", &person.home},
+                                                              {"this machine's name", &person.hostName},
+                                                              {"your full name", &person.fullName}};
   for (const auto& [what, name] : names) {
-    if (name != "/" && holdsWord(value, name)) {
+    if (*name != "/" && holdsWord(value, *name)) {
       found.emplace_back(what);
     }
   }
@@ -92,94 +95,113 @@ std::vector<std::string> personalIn(const std::string& value, const PersonFacts&
   return found;
 }
 
-void readItems(const std::string& text, const PersonFacts& person, ReportFacts& report) {
-  std::set<std::pair<std::string, std::string>> keys;
-  for (reading::WrittenItem& written : reading::itemsWrittenIn(text)) {
-    ReportedItem item;
-    item.hazard = reading::hazardOf(written);
-    item.isRepeated = !keys.emplace(written.context, written.key).second;
-    item.isIdentifier =
-        written.client == "project" &&
-        (written.key == "project_id" || written.key == "random_id" || written.key == "registration_id");
-    item.personal = personalIn(written.value, person);
-    item.written = std::move(written);
-    report.items.push_back(std::move(item));
+ReportedItem judged(reading::WrittenItem written, const PersonFacts& person) {
+  ReportedItem item;
+  item.hazard = reading::hazardOf(written);
+  item.isIdentifier =
+      written.client == "project" &&
+      (written.key == "project_id" || written.key == "random_id" || written.key == "registration_id");
+  item.personal = personalIn(written.value, person);
+  item.written = std::move(written);
+  return item;
+}
+
+void count(ItemCount& counted, const ReportedItem& item, const std::string& what) {
+  if (++counted.count == 1) {
+    counted.first = fmt::format("{}: {} {}", item.written.line, reading::inQuotes(item.written.key), what);
   }
 }
 
-/// The registrations by their line, without those that an item's own text imitates.
-std::map<std::size_t, std::string> registrationsIn(const std::string& text, const ReportFacts& report) {
-  std::map<std::size_t, std::string> found;
-  const std::vector<std::string> lines = linesOf(text);
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (lines[i].rfind(REGISTER, 0) == 0) {
-      found.emplace(i + 1, lines[i].substr(std::string_view(REGISTER).size()));
+void note(const ReportedItem& item, ReportFacts& report) {
+  const reading::WrittenItem& written = item.written;
+  ++report.itemCount;
+  if (written.context == "software_version_and_target_device") {
+    report.project.emplace(written.key, written.value);
+  }
+  if (item.hazard) {
+    count(report.hazards, item, *item.hazard);
+  }
+  if (!item.personal.empty()) {
+    count(report.personal, item, fmt::format("holds {}", fmt::join(item.personal, ", ")));
+  }
+  if (item.isIdentifier && written.key != "registration_id" && written.value.empty()) {
+    count(report.emptyIdentifiers, item, "is empty");
+  }
+}
+
+/// The product of two polynomials over two elements, modulo that of the CRC-32, its bits reversed.
+std::uint32_t multiplied(std::uint32_t one, std::uint32_t other) {
+  std::uint32_t product = 0;
+  for (std::uint32_t bit = 1U << 31U; bit != 0; bit >>= 1U) {
+    product ^= (one & bit) != 0 ? other : 0;
+    other = (other & 1U) != 0 ? (other >> 1U) ^ 0xEDB88320U : other >> 1U;
+  }
+  return product;
+}
+
+/// The checksum of a text that is read in pieces and stands behind an hour that is not known.
+class ChecksumText {
+ public:
+  void append(std::string_view piece) {
+    crc.append(piece);
+    const std::size_t nul = piece.find('\0');
+    length += hasEnded ? 0 : std::min(nul, piece.size());
+    hasEnded = hasEnded || nul != std::string_view::npos;
+  }
+
+  void appendRegistrations(std::string_view text) {
+    if (text.empty()) {
+      return;
     }
-  }
-  for (const ReportedItem& item : report.items) {
-    const std::string command = reading::scriptLineOf(item.written);
-    const auto length = static_cast<std::size_t>(std::count(command.begin(), command.end(), '\n'));
-    found.erase(found.lower_bound(item.written.line), found.lower_bound(item.written.line + length));
-  }
-  return found;
-}
-
-/// What the checksum is made of, but for the hour.
-std::string checksumText(const ReportFacts& report, std::map<std::size_t, std::string> registrations) {
-  std::string text;
-  for (const ReportedItem& item : report.items) {
-    const reading::WrittenItem& written = item.written;
-    while (!registrations.empty() && registrations.begin()->first < written.line) {
-      text += registrations.begin()->second;
-      registrations.erase(registrations.begin());
-    }
-    text += written.key + written.value + written.client + written.context;
-  }
-  for (const auto& [line, client] : registrations) {
-    text += client;
-  }
-  return text;
-}
-
-std::optional<std::int64_t> hourOf(const std::string& checksum, const std::string& text,
-                                   std::int64_t around) {
-  for (std::int64_t distance = 0; distance <= HOURS_AROUND; ++distance) {
-    for (const std::int64_t hour :
-         {around - distance * SECONDS_PER_HOUR, around + distance * SECONDS_PER_HOUR}) {
-      if (std::to_string(Oza::crc32((Oza::timeStamp(hour) + text).c_str())) == checksum) {
-        return hour;
+    for (const std::string& line : linesOf(std::string(text))) {
+      if (line.rfind(REGISTER, 0) == 0) {
+        append(line.substr(std::string_view(REGISTER).size()));
       }
     }
   }
-  return std::nullopt;
-}
 
-void noteLostClients(const std::map<std::size_t, std::string>& registrations, ReportFacts& report) {
-  std::set<std::string> known;
-  for (const auto& [line, client] : registrations) {
-    known.insert(client);
-  }
-  for (const ReportedItem& item : report.items) {
-    if (known.insert(item.written.client).second) {
-      report.lostClients.push_back(item.written.client);
+  void append(const reading::WrittenItem& item) {
+    for (const std::string* text : {&item.key, &item.value, &item.client, &item.context}) {
+      append(*text);
     }
   }
-}
+
+  /// The hour around a time with which the text has the checksum.
+  std::optional<std::int64_t> hourOf(const std::string& checksum, std::int64_t around) const {
+    const std::uint32_t shift = shiftByLength();
+    for (std::int64_t distance = 0; distance <= 2 * HOURS_AROUND; ++distance) {
+      const std::int64_t hours = distance % 2 == 0 ? distance / -2 : distance / 2 + 1;
+      const std::int64_t hour = around + hours * SECONDS_PER_HOUR;
+      const std::uint32_t begin = Oza::crc32(Oza::timeStamp(hour).c_str());
+      if (std::to_string(multiplied(shift, begin) ^ crc.value()) == checksum) {
+        return hour;
+      }
+    }
+    return std::nullopt;
+  }
+
+ private:
+  /// What a checksum is multiplied by when as many zero bytes follow: x to the power of their bits.
+  std::uint32_t shiftByLength() const {
+    std::uint32_t shift = 1U << 31U;
+    std::uint32_t square = 1U << 23U;
+    for (std::size_t rest = length; rest != 0; rest >>= 1U) {
+      shift = (rest & 1U) != 0 ? multiplied(square, shift) : shift;
+      square = multiplied(square, square);
+    }
+    return shift;
+  }
+
+  Oza::Crc32 crc;
+  std::size_t length = 0;
+  bool hasEnded = false;
+};
 
 }  // namespace
 
 std::string ReportFacts::projectFact(const std::string& key) const {
-  for (const ReportedItem& item : items) {
-    if (item.written.key == key && item.written.context == "software_version_and_target_device") {
-      return item.written.value;
-    }
-  }
-  return {};
-}
-
-std::size_t ReportFacts::hazardCount() const {
-  return static_cast<std::size_t>(std::count_if(
-      items.begin(), items.end(), [](const ReportedItem& item) { return item.hazard.has_value(); }));
+  const auto found = project.find(key);
+  return found == project.end() ? "" : found->second;
 }
 
 bool looksLikeScript(const std::string& text) {
@@ -193,14 +215,30 @@ ReportFacts readReport(FileSnapshot file, const PersonFacts& person) {
   report.product = productOf(report);
   report.directory = text.rfind(INIT, 0) == 0 ? between(text, 0, INIT, "\n") : "";
   readTransmission(text, report);
-  readItems(text, person, report);
-  const auto registrations = registrationsIn(text, report);
-  noteLostClients(registrations, report);
+  ChecksumText checksum;
+  const std::size_t behind =
+      reading::forEachItemWrittenIn(text, [&](reading::WrittenItem written, std::string_view before) {
+        checksum.appendRegistrations(before);
+        checksum.append(written);
+        note(judged(std::move(written), person), report);
+      });
+  checksum.appendRegistrations(std::string_view(text).substr(behind));
   if (!report.checksum.empty()) {
-    report.checksumHour = hourOf(report.checksum, checksumText(report, registrations),
-                                 std::clamp<std::int64_t>(report.file.modified, 0, LAST_SECOND));
+    report.checksumHour =
+        checksum.hourOf(report.checksum, std::clamp<std::int64_t>(report.file.modified, 0, LAST_SECOND));
   }
   return report;
+}
+
+void forEachItem(const ReportFacts& report, const PersonFacts& person,
+                 const std::function<void(const ReportedItem& item)>& use) {
+  std::unordered_set<std::string> keys;
+  reading::forEachItemWrittenIn(*report.file.text, [&](reading::WrittenItem written, std::string_view) {
+    const bool isNew = keys.insert(written.context + '\n' + written.key).second;
+    ReportedItem item = judged(std::move(written), person);
+    item.isRepeated = !isNew;
+    use(item);
+  });
 }
 
 }  // namespace vestra::inspect

@@ -39,13 +39,16 @@ void askShell(std::string path, ToolFacts& tool) {
   }
 }
 
-/// Whether the tool finds the report under a name: a file keeps its permissions when it is replaced,
-/// and the owner's own read-only file is left.
+/// Whether the tool finds the report under a name. Another owner's file is replaced; the user's own keeps its
+/// permissions, and is left where they forbid writing.
 bool getsReport(const FileSnapshot& file) {
   std::string obstacle;
-  return file.kind == FileKind::missing
-             ? (file.link ? canCreateTarget(file) : canHoldFiles(parentOf(file.path), obstacle))
-             : file.isRegular() && file.writable && file.readable;
+  if (file.kind == FileKind::missing) {
+    return file.link ? canCreateTarget(file) : canHoldFiles(parentOf(file.path), obstacle);
+  }
+  const bool isReplaced = file.owner != geteuid() && !file.link && file.kind != FileKind::directory &&
+                          file.exists() && canBeRemoved(file.path);
+  return isReplaced || (file.isRegular() && file.writable && file.readable);
 }
 
 void lookAtFiles(const ProjectFacts& project, Product product, ToolFacts& tool) {
@@ -101,6 +104,8 @@ ToolFacts lookAtTool(const HostContext& context, const ProjectFacts& project, co
   ToolFacts tool;
   askShell(project.pathOf(Oza::profileOf(product).script), tool);
   lookAtFiles(project, product, tool);
+  rlimit limit{};
+  tool.sizeLimit = getrlimit(RLIMIT_FSIZE, &limit) == 0 ? limit.rlim_cur : RLIM_INFINITY;
   tool.isDiskFull = isFull(project.vestra.exists() ? project.vestra.path : project.directory);
   if (support.isStandIn) {
     askStandIn(context, tool);

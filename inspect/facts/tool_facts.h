@@ -1,6 +1,8 @@
 #ifndef VESTRA_INSPECT_FACTS_TOOL_FACTS_H
 #define VESTRA_INSPECT_FACTS_TOOL_FACTS_H
 
+#include <sys/resource.h>
+
 #include <string>
 #include <vector>
 
@@ -24,6 +26,8 @@ struct ToolFacts {
   /// The lab tool's log cannot be removed before the run.
   bool isLogStuck = false;
   bool isDiskFull = false;
+  /// The file-size limit of this process, which the host's is taken to be (RLIMIT_FSIZE).
+  rlim_t sizeLimit = RLIM_INFINITY;
   /// Answers of the test kit's stand-in that are null: "exec_path", "regid", "environment". Other
   /// libraries are not asked.
   std::vector<std::string> nullAnswers;
@@ -31,6 +35,8 @@ struct ToolFacts {
   std::string missingTool;
 
   bool isNull(const std::string& answer) const;
+  /// Whether the limit could cut a report.
+  bool isSizeLimited() const { return sizeLimit < LARGEST_RECORD; }
 };
 
 ToolFacts lookAtTool(const HostContext& context, const ProjectFacts& project, const SupportFacts& support,

@@ -11,34 +11,30 @@
 #include <fmt/format.h>
 #include <boost/filesystem/operations.hpp>
 
+#include "checks/finding.h"
 #include "facts/facts.h"
 #include "handler/product_profile.h"
 #include "intercept/intercept.h"
+#include "loader/loader_listing.h"
 #include "rehearse/directory.h"
 #include "rehearse/fingerprint.h"
 #include "rehearse/program_run.h"
 #include "rehearse/rehearsed.h"
 #include "rehearse/variables.h"
-#include "render/answers.h"
-#include "render/json_text.h"
 
 namespace vestra::inspect {
 namespace {
 
 namespace fs = boost::filesystem;
 
-/// Where the preloaded object lies, by where this program lies.
-std::string preloadedObject() {
-  const fs::path self = fs::read_symlink("/proc/self/exe");
-  return (fs::weakly_canonical(self.parent_path() / LIBRARIES_FROM_HERE) / "libvestra_rehearsal.so").string();
-}
+std::string preloadedObject() { return libraryDirectory() + "/libvestra_rehearsal.so"; }
 
 /// As execvp looks; empty when there is no such program.
-std::string pathOfProgram(const std::string& word, const View& view) {
+std::string pathOfProgram(const std::string& word, const HostContext& context) {
   if (word.find('/') != std::string::npos) {
     return lookAt(word).exists() ? word : "";
   }
-  const std::string path = view.variable("PATH");
+  const std::string path = context.variable("PATH");
   for (std::size_t begin = 0; begin <= path.size();) {
     const std::size_t end = std::min(path.find(':', begin), path.size());
     const std::string candidate = path.substr(begin, end - begin) + "/" + word;
@@ -54,13 +50,13 @@ std::string pathOfProgram(const std::string& word, const View& view) {
 /// the command line names.
 class WatchedFiles {
  public:
-  WatchedFiles(const Request& request, const View& view) {
-    watch(view.settingsPath());
-    watchProject(view.currentDirectory);
+  WatchedFiles(const Request& request, const HostContext& context) {
+    watch(context.settingsPath());
+    watchProject(context.currentDirectory);
     for (const std::string& word : request.program) {
       const std::size_t value = word.find('=') + 1;
-      watchProject(fs::absolute(word, view.currentDirectory).string());
-      watchProject(fs::absolute(word.substr(value), view.currentDirectory).string());
+      watchProject(fs::absolute(word, context.currentDirectory).string());
+      watchProject(fs::absolute(word.substr(value), context.currentDirectory).string());
     }
   }
 
@@ -119,8 +115,9 @@ void refuseUnsafe(const std::string& path, const struct stat& status) {
 /// since root's may become anybody's.
 class RehearsalFolder {
  public:
-  explicit RehearsalFolder(const View& view)
-      : parentPath(fs::canonical(view.isSwitchedOn("TMPDIR") ? view.variable("TMPDIR") : "/tmp").string()),
+  explicit RehearsalFolder(const HostContext& context)
+      : parentPath(
+            fs::canonical(context.isSwitchedOn("TMPDIR") ? context.variable("TMPDIR") : "/tmp").string()),
         parent(parentPath),
         name("vestra-rehearsal-" + randomName().substr(0, 8)),
         recordName(randomName()) {
@@ -141,8 +138,8 @@ class RehearsalFolder {
   std::string path() const { return parentPath + "/" + name; }
   std::string recordPath() const { return path() + "/" + recordName; }
 
-  Rehearsal read(const View& view) {
-    Rehearsal rehearsal = readRehearsal({*folder, path()}, {*record, recordPath()}, view);
+  Rehearsal read(const HostContext& context) {
+    Rehearsal rehearsal = readRehearsal({*folder, path()}, {*record, recordPath()}, context);
     for (const Rehearsed& each : rehearsal.reports) {
       keepsAny = keepsAny || !each.folder.empty();
     }
@@ -161,20 +158,20 @@ class RehearsalFolder {
 
 /// The support library of the loader's cache and default directories: the search path of each
 /// process is its own.
-std::string cachedSupportLibrary(View view) {
-  view.host.clear();
-  view.environment.erase("LD_LIBRARY_PATH");
-  view.environment.erase("LD_PRELOAD");
-  const SupportFacts support = lookAtSupport(view);
+std::string cachedSupportLibrary(HostContext context) {
+  context.host.clear();
+  context.environment.erase("LD_LIBRARY_PATH");
+  context.environment.erase("LD_PRELOAD");
+  const SupportFacts support = lookAtSupport(context);
   return support.path;
 }
 
-std::vector<std::string> environmentFor(const View& view, const std::string& record) {
-  Environment environment = view.environment;
+std::vector<std::string> environmentFor(const HostContext& context, const std::string& record) {
+  Environment environment = context.environment;
   const std::string object = preloadedObject();
   const std::string self = fs::read_symlink("/proc/self/exe").string();
-  const std::string preloaded = view.variable("LD_PRELOAD");
-  const std::string support = cachedSupportLibrary(view);
+  const std::string preloaded = context.variable("LD_PRELOAD");
+  const std::string support = cachedSupportLibrary(context);
   environment["LD_PRELOAD"] = preloaded.empty() ? object : object + ":" + preloaded;
   environment[PRELOAD_VARIABLE] = object;
   environment[RECORD_VARIABLE] = record;
@@ -190,19 +187,9 @@ std::vector<std::string> environmentFor(const View& view, const std::string& rec
   return entries;
 }
 
-std::chrono::milliseconds timeLimit(const View& view) {
-  const std::string limit = view.variable(LIMIT_VARIABLE);
+std::chrono::milliseconds timeLimit(const HostContext& context) {
+  const std::string limit = context.variable(LIMIT_VARIABLE);
   return std::chrono::milliseconds(limit.empty() ? DEFAULT_LIMIT : std::atoi(limit.c_str()));
-}
-
-Answer answerFor(const Request& request, const Rehearsal& rehearsal) {
-  const Redaction redaction = request.isRedacted ? Redaction(rehearsal.facts) : Redaction();
-  if (request.asJson) {
-    return {rehearsal.status, rehearsalDocument(rehearsal, redaction), ""};
-  }
-  Page page(false, redaction);
-  writeRehearsal(rehearsal, page);
-  return {rehearsal.status, "", page.text()};
 }
 
 void refuseUnobservable(const std::string& program) {
@@ -217,8 +204,8 @@ void refuseUnobservable(const std::string& program) {
 
 }  // namespace
 
-Answer rehearse(const Request& request, const View& view) {
-  const std::string program = pathOfProgram(request.program.front(), view);
+Rehearsal rehearse(const Request& request, const HostContext& context) {
+  const std::string program = pathOfProgram(request.program.front(), context);
   if (program.empty()) {
     throw NotRehearsed(NOT_FOUND, request.program.front() + ": not found");
   }
@@ -226,18 +213,18 @@ Answer rehearse(const Request& request, const View& view) {
     throw NotRehearsed(MAY_NOT_BE_RUN, program + ": may not be run");
   }
   refuseUnobservable(program);
-  WatchedFiles watched(request, view);
-  RehearsalFolder folder(view);
-  const ProgramEnd end = runProgram(program, request.program, environmentFor(view, folder.recordPath()),
-                                    request.asJson, timeLimit(view));
-  Rehearsal rehearsal = folder.read(view);
+  WatchedFiles watched(request, context);
+  RehearsalFolder folder(context);
+  const ProgramEnd end = runProgram(program, request.program, environmentFor(context, folder.recordPath()),
+                                    request.asJson, timeLimit(context));
+  Rehearsal rehearsal = folder.read(context);
   for (const std::string& process : end.stillRunning) {
     rehearsal.unobserved.push_back("process " + process + " still runs");
   }
   const std::vector<std::string> changed = watched.changedAfter(rehearsal.reports);
   rehearsal.leaked.insert(rehearsal.leaked.end(), changed.begin(), changed.end());
   rehearsal.status = rehearsal.isCertain() ? end.status : LEAKED;
-  return answerFor(request, rehearsal);
+  return rehearsal;
 }
 
 }  // namespace vestra::inspect

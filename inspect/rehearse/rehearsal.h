@@ -5,8 +5,7 @@
 #include <string>
 
 #include "command_line.h"
-#include "facts/view.h"
-#include "inspector.h"
+#include "rehearse/rehearsed.h"
 
 namespace vestra::inspect {
 
@@ -24,10 +23,10 @@ struct NotRehearsed : std::runtime_error {
   int status;
 };
 
-/// Runs the program with its reports intercepted, and tells what they would have been.
+/// Runs the program with its reports intercepted, and reads what they would have been.
 /// @throws NotRehearsed when there is no such program, or it may not be run.
 /// @throws std::runtime_error when its reports cannot be intercepted: it was not started.
-Answer rehearse(const Request& request, const View& view);
+Rehearsal rehearse(const Request& request, const HostContext& context);
 
 }  // namespace vestra::inspect
 

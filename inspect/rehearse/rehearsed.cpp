@@ -8,17 +8,16 @@
 #include "intercept/fields.h"
 #include "intercept/intercept.h"
 #include "rehearse/variables.h"
-#include "render/json_text.h"
 
 namespace vestra::inspect {
 namespace {
 
-std::vector<std::string> examplesIn(const std::string& directory, const View& view) {
+std::vector<std::string> examplesIn(const std::string& directory, const HostContext& context) {
   std::vector<std::string> examples;
-  if (lookAtProject(view, directory).state == IdentityState::fresh) {
+  if (lookAtProject(context, directory).state == IdentityState::fresh) {
     examples.emplace_back("project_id");
   }
-  if (lookAtUser(view).makesNew) {
+  if (lookAtUser(context).makesNew) {
     examples.emplace_back("random_id");
   }
   return examples;
@@ -26,7 +25,7 @@ std::vector<std::string> examplesIn(const std::string& directory, const View& vi
 
 std::optional<ReportFacts> reportIn(const std::string& folder, const PersonFacts& person) {
   for (const Product product : {Oza::Vestra::KELVO, Oza::Vestra::TAVLO}) {
-    LookedFile script = readFileAt(folder + "/" + Oza::profileOf(product).script);
+    FileSnapshot script = readFileAt(folder + "/" + Oza::profileOf(product).script);
     if (script.text) {
       return readReport(std::move(script), person);
     }
@@ -67,7 +66,7 @@ void keepFiles(const Directory& report, const Place& kept, const std::string& nu
 }
 
 Rehearsed readRehearsed(const Directory& report, const std::string& number, const Place& kept,
-                        const Place& record, const View& view) {
+                        const Place& record, const HostContext& context) {
   const auto noted = [&](const char* name) { return report.read(name).value_or(""); };
   Rehearsed each;
   each.directory = noted(DIRECTORY_FILE);
@@ -82,18 +81,11 @@ Rehearsed readRehearsed(const Directory& report, const std::string& number, cons
   if (each.folder.empty()) {
     return each;
   }
-  each.report = reportIn(each.folder, lookAtPerson(view));
+  each.report = reportIn(each.folder, lookAtPerson(context));
   if (each.report && !each.isLeak()) {
-    each.examples = examplesIn(each.directory, view);
+    each.examples = examplesIn(each.directory, context);
   }
   return each;
-}
-
-/// For programs: beside the script.
-void keepDocument(const Rehearsed& each) {
-  if (each.report) {
-    Directory(each.folder).write("report.json", reportDocument(*each.report, Redaction()));
-  }
 }
 
 /// Programs that could not be observed. Those with an environment of their own could: it was
@@ -113,51 +105,6 @@ std::vector<std::string> unobservedIn(const Directory& record) {
 std::string headOf(const Rehearsed& each) {
   return fmt::format("{} one report{} for {}", each.isLeak() ? "did not intercept" : "intercepted",
                      each.report ? " of " + each.report->product : "", each.directory);
-}
-
-std::string fateOf(const Rehearsed& each) {
-  const std::string outcome = each.outcome();
-  return outcome == "reports"   ? "would have been handed over now"
-         : outcome == "not_due" ? "not due: would have been written and not handed over"
-         : outcome == "nothing" ? "nothing would have been reported"
-         : outcome == "throws"  ? "the program would have got the exception \"" + each.answer.substr(1) + "\""
-                                : "could not be rehearsed: no answer within the time limit";
-}
-
-void writeReportLines(const Rehearsed& each, Page& page) {
-  const ReportFacts& report = *each.report;
-  page.paragraph(2, fmt::format("number {}; checksum {}; {} items, {} with hazards",
-                                report.projectFact("project_iteration"), report.checksum, report.items.size(),
-                                report.hazardCount()));
-  page.paragraph(2, fmt::format("registration \"{}\"", report.registration));
-  if (each.command) {
-    page.paragraph(2, "the shell would have been given");
-    page.paragraph(4, *each.command);
-  }
-}
-
-void writeRehearsed(const Rehearsed& each, Page& page) {
-  page.verdict("vestra-inspect: " + headOf(each));
-  if (!each.isLeak()) {
-    page.paragraph(2, fateOf(each));
-  }
-  if (each.report) {
-    writeReportLines(each, page);
-    page.paragraph(2, "kept in " + each.folder);
-  }
-  for (const std::string& identifier : each.examples) {
-    page.paragraph(2, fmt::format("{} is an example: the real run will draw another{}", identifier,
-                                  identifier == "project_id" ? ", unless the program gives one" : ""));
-  }
-}
-
-void writeUnobserved(const Rehearsal& rehearsal, Page& page) {
-  for (const std::string& each : rehearsal.unobserved) {
-    page.paragraph(2, "not observed: " + each);
-  }
-  if (!rehearsal.unobserved.empty()) {
-    page.paragraph(2, "what is not observed reports as ever");
-  }
 }
 
 }  // namespace
@@ -186,16 +133,16 @@ std::string Rehearsal::verdict() const {
                          : headOf(reports.front());
 }
 
-Rehearsal readRehearsal(const Place& kept, const Place& record, const View& view) {
+Rehearsal readRehearsal(const Place& kept, const Place& record, const HostContext& context) {
   Rehearsal rehearsal;
   for (int number = 1; const auto report = record.directory.enter(std::to_string(number)); ++number) {
-    rehearsal.reports.push_back(readRehearsed(*report, std::to_string(number), kept, record, view));
+    rehearsal.reports.push_back(readRehearsed(*report, std::to_string(number), kept, record, context));
   }
   rehearsal.unobserved = unobservedIn(record.directory);
-  rehearsal.facts = lookAtAll(
-      view, rehearsal.reports.empty() ? view.currentDirectory : rehearsal.reports.front().directory, {});
+  rehearsal.facts = lookAtMachine(context);
+  lookInto(rehearsal.reports.empty() ? context.currentDirectory : rehearsal.reports.front().directory, {},
+           rehearsal.facts);
   for (const Rehearsed& each : rehearsal.reports) {
-    keepDocument(each);
     if (each.report) {
       rehearsal.facts.reports.push_back(*each.report);
     }
@@ -204,26 +151,6 @@ Rehearsal readRehearsal(const Place& kept, const Place& record, const View& view
     }
   }
   return rehearsal;
-}
-
-void writeRehearsal(const Rehearsal& rehearsal, Page& page) {
-  if (!rehearsal.leaked.empty() || rehearsal.reports.empty()) {
-    page.verdict("vestra-inspect: " + rehearsal.verdict());
-  }
-  for (const std::string& path : rehearsal.leaked) {
-    page.paragraph(2, path);
-  }
-  for (const Rehearsed& each : rehearsal.reports) {
-    writeRehearsed(each, page);
-  }
-  writeUnobserved(rehearsal, page);
-  if (!rehearsal.reports.empty() && rehearsal.leaked.empty()) {
-    page.paragraph(2, "checked: settings and identity file are as before; the day is not used");
-  }
-  if (rehearsal.reports.size() > 1) {
-    page.paragraph(
-        2, "each was rehearsed by itself: what an earlier one would have changed is not in a later one");
-  }
 }
 
 }  // namespace vestra::inspect

@@ -7,7 +7,6 @@
 
 #include "facts/facts.h"
 #include "rehearse/directory.h"
-#include "render/page.h"
 
 namespace vestra::inspect {
 
@@ -60,11 +59,8 @@ struct Place {
   std::string path;
 };
 
-/// Reads what was recorded, and keeps each report in a folder with the same number: script, rules file,
-/// and a document.
-Rehearsal readRehearsal(const Place& kept, const Place& record, const View& view);
-
-void writeRehearsal(const Rehearsal& rehearsal, Page& page);
+/// Reads what was recorded, and keeps each report in a folder with the same number: script and rules file.
+Rehearsal readRehearsal(const Place& kept, const Place& record, const HostContext& context);
 
 }  // namespace vestra::inspect
 

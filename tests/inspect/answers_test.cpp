@@ -50,7 +50,7 @@ TEST_F(Inspector, NamesIdentifiersWithFileAndLine) {
   EXPECT_EQ(document["user"]["random_id"]["value"], "3f2a9c4e-8b1d-4c7a-9e2f-5d6b7a8c9d0e");
   EXPECT_EQ(document["user"]["random_id"]["line"], 2);
   EXPECT_EQ(document["project"]["project_id"]["value"], "the-project");
-  EXPECT_THAT(place.inspect({}).out, HasSubstr("line 2 of\n"));
+  EXPECT_THAT(place.inspect({}).out, HasSubstr(", line 2\n"));
 }
 
 TEST_F(Inspector, FindsTheNearestProjectUpwards) {
@@ -132,7 +132,7 @@ TEST_F(Inspector, ListsProjectsByTheirLastReport) {
   EXPECT_EQ(list["projects"][2]["problems"], Json({"identity.number"}));
   EXPECT_EQ(list["unreadable"], 1);
   EXPECT_THAT(place.inspect(at(NOW, {"list", place.elsewhere()})).out,
-              AllOf(StartsWith("2 projects; 1 directory could not be read\n"), HasSubstr("; 6 attempts")));
+              AllOf(StartsWith("2 projects; 1 directory could not be read\n"), HasSubstr("; attempts 6")));
 }
 
 /// What is larger than any record is not read whole.

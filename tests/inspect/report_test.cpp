@@ -94,23 +94,6 @@ TEST_F(ReportOnDisk, IsReadAsFarAsItGoesWhereverItIsCut) {
   EXPECT_THAT(findingsOf(place.document({"doctor"})), Contains("report.cut"));
 }
 
-TEST_F(ReportOnDisk, TellsAClientThatWasNotRegistered) {
-  report({"runs", "2"});
-  std::string text = readFile(script());
-  const std::string line = "vestra_register_client -client kelvo\n";
-  text.erase(text.find(line), line.size());
-  place.write(script(), text);
-  EXPECT_THAT(findingsOf(place.document({"doctor"})),
-              AllOf(Contains("report.lost_client"), Contains("report.checksum")));
-}
-
-TEST_F(ReportOnDisk, TellsOtherRulesThanTheLibrarys) {
-  report({"runs", "2"});
-  EXPECT_THAT(findingsOf(place.document({"doctor"})), Not(Contains("report.rules")));
-  place.write(place.inVestra("usage_statistics_ext_kelvo.wdm"), "version = \"1.0\";\n");
-  EXPECT_THAT(findingsOf(place.document({"doctor"})), Contains("report.rules"));
-}
-
 TEST_F(ReportOnDisk, IsShownFromAFileOfItsOwn) {
   report({"runs", "2"});
   place.write(place / "kept.tcl", readFile(script()));

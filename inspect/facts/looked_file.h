@@ -1,1 +1,0 @@
-#include "facts/file_snapshot.h"

@@ -1,1 +1,0 @@
-#include "facts/host_context.h"
