@@ -68,7 +68,7 @@ CHECKS = (
     Check(
         "reliability_tests",
         RELIABILITY,
-        ("tests/reliability/reliability_tests", "--gtest_filter=-*KilledHost*:*Together*"),
+        ("tests/reliability/reliability_tests", "--gtest_filter=-*KilledHost*:*HostsAtOnce*"),
         240,
         is_quick=False,
     ),
