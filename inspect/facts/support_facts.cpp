@@ -23,7 +23,8 @@ namespace {
 
 using Oza::support_library::FILE_NAME;
 
-constexpr const char* STAND_IN_MARK = "VESTRA_TESTKIT_";
+// A text of the library; shorter ones become parts of its instructions.
+constexpr const char* STAND_IN_MARK = "/bin/vestra-design-tool";
 
 /// Why the loader cannot be asked; empty when it can.
 std::string whyNotAsked(const HostContext& context, const std::string& probe) {

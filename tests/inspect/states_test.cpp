@@ -310,7 +310,7 @@ TEST(StateTable, HasEachRowOfTheFormatsTables) {
   EXPECT_THAT(rows, testing::IsSubsetOf(
                         {"an identifier behind the first MiB", "disk full", "disk full when it is written",
                          "file-size limit of the process below the record's length", "longer than 1 MiB",
-                         "not to be opened at this moment (`EMFILE`, `EIO`, a lease for longer than 250 ms)",
+                         "cannot be opened at this time (`EMFILE`, `EIO`, a lease for longer than 250 ms)",
                          "not to be opened or read again when the attempt is counted",
                          "writable, but not readable (`EACCES`)"}));
 }
