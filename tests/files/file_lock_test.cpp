@@ -1,8 +1,10 @@
 #include "files/file_lock.h"
 
 #include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 
@@ -128,6 +130,14 @@ TEST_F(Lock, IsNotTakenOnAFileSystemWhoseLocksMayBlock) {
   }
   const ScopedFileSystem ext4(0xEF53);
   EXPECT_TRUE(takes(LockKind::EXCLUSIVE));
+}
+
+TEST_F(Lock, IsNotTakenOnAFileSystemThatCannotBeTold) {
+  EXPECT_EQ(inChildProcess([&] {
+              failSystemCall(SYS_fstatfs, EIO);
+              return std::string(takes(LockKind::EXCLUSIVE) ? "taken" : "not taken");
+            }),
+            "not taken");
 }
 
 TEST_F(Lock, IsNotTakenOfADevice) {

@@ -75,6 +75,7 @@ TEST(Suspicions, AreNamedAtTheirFirstLine) {
       {one + item("k", "v\n" + end + "w" + end + "w"),
        "4: the value of key \"k\" ends its command and adds 2 more\n"
        "5: key \"x\" occurs again in context \"kelvo\\usage\", first on line 5\n"},
+      {one + item("k", "v" + end + "w"), "4: the value of key \"k\" ends its command and adds 1 more\n"},
       // In the order of the lines.
       {addData("project", "a", "1", "user_environment") + item("b", "\\t"),
        "3: client \"project\" has data but was never registered\n"
