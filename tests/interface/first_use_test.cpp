@@ -57,11 +57,12 @@ TEST_F(FirstUse, WithNullThrowsTheTextThatHostsKnowAndMakesNoManager) {
       {"key", [] { Vestra::add(nullptr, "v", PROJECT); }},
       {"key and value", [] { Vestra::add(nullptr, nullptr, PROJECT); }},
       {"project directory", [] { Vestra::send(nullptr, Vestra::KELVO); }}};
-  for (const auto& [name, call] : rows) {
-    SCOPED_TRACE(name);
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.first);
     keepInSettings("before");
-    EXPECT_EQ(inChildProcess([&] { return errorOf(call); }), "basic_string::_M_construct null not valid");
-    EXPECT_EQ(managerAfter([&] { errorOf(call); }), "no manager");
+    EXPECT_EQ(inChildProcess([&] { return errorOf(row.second); }),
+              "basic_string::_M_construct null not valid");
+    EXPECT_EQ(managerAfter([&] { errorOf(row.second); }), "no manager");
   }
 }
 

@@ -99,9 +99,9 @@ TEST_F(OutOfMemory, NothingIsLeftOfWhatCannotBeMade) {
       {"a rules block", [&] { context.getWdmString(); }},
       {"a site's text", [&] { EXPECT_EQ(siteText("", resolver), LONG); }},
   };
-  for (const auto& [name, make] : rows) {
-    SCOPED_TRACE(name);
-    failEachAllocation([] { return std::make_unique<Nothing>(); }, [&](Nothing&) { make(); },
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.first);
+    failEachAllocation([] { return std::make_unique<Nothing>(); }, [&](Nothing&) { row.second(); },
                        [](Outcome outcome, Nothing&) { EXPECT_EQ(outcome, Outcome::BAD_ALLOC); });
   }
 }
