@@ -40,9 +40,9 @@ TEST_F(CorruptIdentity, IsUsedAsFarAsItCanBeReadOrDeleted) {
     const char* damage;
     std::string before;
     Send send;
-    std::string identifier = "";
+    std::string identifier = {};
     std::uint64_t iteration = 1;
-    std::string after = "";
+    std::string after = {};
     bool isReadAgain = true;
   };
   const Row rows[] = {
