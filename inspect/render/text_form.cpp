@@ -38,7 +38,8 @@ constexpr Section SECTIONS[] = {
 std::string textOf(const Json& value) { return value.get<std::string>(); }
 
 bool saysNothing(const Json& value) {
-  return value.is_null() || ((value.is_string() || value.is_array()) && (value.empty() || value == ""));
+  return value.is_null() || (value.is_string() && textOf(value).empty()) ||
+         (value.is_array() && value.empty());
 }
 
 std::string labelOf(const std::string& member) {
