@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <functional>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -308,9 +307,11 @@ TEST(Sandbox, SaysThatItHasNoDescriptorsLeft) {
   close(next);
   const rlimit one{static_cast<rlim_t>(next) + 1, before.rlim_max};
   EXPECT_EQ(complaintOf([&] {
-              // The sanitizers need some to look into an exception.
-              const std::shared_ptr<void> restored(nullptr,
-                                                   [&](void*) { setrlimit(RLIMIT_NOFILE, &before); });
+              // The sanitizers need some to look into an exception and at a virtual call.
+              const struct Restored {
+                ~Restored() { setrlimit(RLIMIT_NOFILE, &limits); }
+                const rlimit& limits;
+              } restored{before};
               setrlimit(RLIMIT_NOFILE, &one);
               sandbox.run(Vestra::KELVO, [] {});
             }),
