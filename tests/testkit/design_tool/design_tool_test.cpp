@@ -289,7 +289,7 @@ TEST_F(DesignTool, StopsAScriptAtALimitOfTheSystem) {
 }
 
 TEST_F(DesignTool, PassesALargeReport) {
-  // VESTRA_SWEEP=full makes it as large as any that was ever seen.
+  // VESTRA_SWEEP=full makes it ten times as large.
   const int count = std::getenv("VESTRA_SWEEP") == nullptr || HAS_ADDRESS_SANITIZER ? 20'000 : 200'000;
   std::string lines;
   for (int i = 0; i < count; ++i) {
