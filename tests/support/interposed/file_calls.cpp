@@ -41,10 +41,14 @@ extern "C" int open(const char* path, int flags, ...) {
     errno = EINTR;
     return -1;
   }
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = va_arg(arguments, mode_t);
-  va_end(arguments);
+  // Without these flags there is no such argument to read.
+  mode_t mode = 0;
+  if ((flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+  }
   return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
