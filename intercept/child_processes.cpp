@@ -1,6 +1,7 @@
 #include "intercept/child_processes.h"
 
 #include <dirent.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +44,24 @@ std::vector<pid_t> childProcesses() {
   }
   closedir(processes);
   return found;
+}
+
+bool reapChildren(pid_t process, std::optional<int>& status) {
+  int ended = 0;
+  pid_t child = 0;
+  while ((child = waitpid(-1, &ended, WNOHANG)) > 0) {
+    if (child == process) {
+      status = ended;
+    }
+  }
+  return child == 0;
+}
+
+int awaitSignal(const sigset_t& signals, std::chrono::steady_clock::time_point deadline) {
+  using namespace std::chrono;
+  const nanoseconds left = std::max(nanoseconds(deadline - steady_clock::now()), nanoseconds(0));
+  const timespec timeout{left / seconds(1), (left % seconds(1)).count()};
+  return sigtimedwait(&signals, nullptr, &timeout);
 }
 
 std::string commandLineOf(pid_t process) {

@@ -4,9 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <optional>
 #include <system_error>
 
 #include "intercept/child_processes.h"
@@ -41,7 +41,7 @@ class Waiting {
   Waiting(pid_t theProgram, const sigset_t& theSet) : program(theProgram), set(theSet) {}
 
   ProgramEnd wait(std::chrono::milliseconds limit) {
-    while (reap() && !hasEnded) {
+    while (reap() && !status) {
       const int received = sigwaitinfo(&set, nullptr);
       if (received == SIGTERM || received == SIGHUP) {
         kill(program, received);
@@ -50,6 +50,9 @@ class Waiting {
     const auto deadline = Clock::now() + limit;
     while (reap() && awaitBefore(deadline)) {
     }
+    if (status) {
+      end.status = WIFEXITED(*status) ? WEXITSTATUS(*status) : 128 + WTERMSIG(*status);
+    }
     for (const pid_t process : intercept::childProcesses()) {
       end.stillRunning.push_back(std::to_string(process) + " (" + intercept::commandLineOf(process) + ")");
     }
@@ -57,31 +60,17 @@ class Waiting {
   }
 
  private:
-  /// @return Whether there are others still.
-  bool reap() {
-    int status = 0;
-    pid_t process = 0;
-    while ((process = waitpid(-1, &status, WNOHANG)) > 0) {
-      if (process == program) {
-        hasEnded = true;
-        end.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-      }
-    }
-    return process == 0;
-  }
+  bool reap() { return intercept::reapChildren(program, status); }
 
   /// Whether another process has ended, and no signal has asked this one to.
   bool awaitBefore(Clock::time_point deadline) const {
-    using namespace std::chrono;
-    const auto left = std::max(duration_cast<nanoseconds>(deadline - Clock::now()), nanoseconds(0)).count();
-    const timespec timeout{left / 1000000000, left % 1000000000};
-    const int received = sigtimedwait(&set, nullptr, &timeout);
+    const int received = intercept::awaitSignal(set, deadline);
     return received == SIGCHLD || (received < 0 && errno == EINTR);
   }
 
   pid_t program;
   sigset_t set;
-  bool hasEnded = false;
+  std::optional<int> status;
   ProgramEnd end;
 };
 

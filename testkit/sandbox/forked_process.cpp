@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <set>
 #include <system_error>
 #include <vector>
@@ -46,7 +47,7 @@ class Keeper {
 
   /// Until the child has ended or its time is up.
   void await(Clock::time_point deadline) {
-    while (!hasEnded) {
+    while (!status) {
       if (!awaitSignal(deadline)) {
         timedOut = true;
         kill(child, SIGKILL);
@@ -65,7 +66,7 @@ class Keeper {
 
   void write(const std::string& path) const {
     std::vector<std::string_view> fields(outliving.begin(), outliving.end());
-    const std::string text = std::to_string(status);
+    const std::string text = std::to_string(*status);
     fields.insert(fields.begin(), {text, timedOut ? "timed out" : "ended"});
     writeBytes(path, intercept::joinedFields(fields));
   }
@@ -74,11 +75,8 @@ class Keeper {
   /// A child's end. Whoever waits for this process ends it by SIGTERM, and so does the kernel at
   /// that one's death. @return Whether it came before the deadline.
   bool awaitSignal(Clock::time_point deadline) {
-    using namespace std::chrono;
-    const auto left = deadline == Clock::time_point::max() ? hours(1) : deadline - Clock::now();
-    const auto whole = std::max(duration_cast<nanoseconds>(left), nanoseconds(0)).count();
-    const timespec timeout{whole / 1000000000, whole % 1000000000};
-    const int received = sigtimedwait(&signals, nullptr, &timeout);
+    const int received =
+        intercept::awaitSignal(signals, std::min(deadline, Clock::now() + std::chrono::hours(1)));
     if (received == SIGTERM) {
       killOthers();
       _exit(EXIT_FAILURE);
@@ -86,18 +84,7 @@ class Keeper {
     return received == SIGCHLD || Clock::now() < deadline;
   }
 
-  /// @return Whether there are others still.
-  bool reap() {
-    int ended = 0;
-    pid_t process = 0;
-    while ((process = waitpid(-1, &ended, WNOHANG)) > 0) {
-      if (process == child) {
-        hasEnded = true;
-        status = ended;
-      }
-    }
-    return process == 0;
-  }
+  bool reap() { return intercept::reapChildren(child, status); }
 
   // What the killed have started becomes this process's children, hence the loop. What may not be
   // killed is left.
@@ -116,8 +103,7 @@ class Keeper {
 
   pid_t child;
   sigset_t signals;
-  int status = 0;
-  bool hasEnded = false;
+  std::optional<int> status;
   bool timedOut = false;
   std::vector<std::string> outliving;
 };
