@@ -7,15 +7,18 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace vestra::intercept {
 namespace {
 
+/// By operator<<: where the process ends before it is read (ESRCH), the file's buffer throws, which
+/// the operator takes for the end.
 std::string textOf(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  const std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
 /// Behind the name, which may hold anything but ends with the last parenthesis.
